@@ -1,0 +1,40 @@
+# Compiler settings of every target, and the one way to declare a library of the launcher.
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+# Windows 7 is the oldest system on which the launcher must load.
+add_library(launcher_settings INTERFACE)
+target_compile_features(launcher_settings INTERFACE cxx_std_20)
+target_compile_definitions(launcher_settings INTERFACE
+  UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601 NTDDI_VERSION=0x06010000)
+# Only the root: a bare "strings.h" or "path.h" must never shadow a system header.
+target_include_directories(launcher_settings INTERFACE ${PROJECT_SOURCE_DIR})
+
+set(is_cxx $<COMPILE_LANGUAGE:CXX>)  # windres must not see compiler flags
+if(MSVC)
+  target_compile_definitions(launcher_settings INTERFACE _CRT_SECURE_NO_WARNINGS)
+  target_compile_options(launcher_settings INTERFACE
+    "$<${is_cxx}:/W4;/WX;/permissive-;/utf-8;/EHsc;/Gy;/guard:cf;/Zc:__cplusplus>")
+  set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+else()
+  set(mingw_options
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-qual -Wformat=2
+    -Wundef -Wvla -Werror
+    -ffunction-sections -fdata-sections
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    list(APPEND mingw_options -Wduplicated-cond -Wlogical-op -Wsuggest-override)
+    if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+      list(APPEND mingw_options -Wno-restrict)  # false alarms in std::string, GCC bug 105329
+    endif()
+  endif()
+  target_compile_options(launcher_settings INTERFACE "$<${is_cxx}:${mingw_options}>")
+endif()
+
+# launcher_library(NAME SOURCES... LINKS TARGETS...): a static library. Its links are public, and
+# name only layers below it.
+function(launcher_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC launcher_settings ${arg_LINKS})
+endfunction()

@@ -1,0 +1,69 @@
+#include "installer/folder_dialog_events.h"
+
+#include <shlwapi.h>
+
+#include "fs/owners.h"
+#include "fs/text.h"
+#include "media/locate_installer.h"
+
+namespace launcher {
+namespace {
+
+// The dialog's OK button; null when the dialog does not show its window.
+HWND OkButton(const ComPtr<IOleWindow>& dialog) {
+    HWND window = nullptr;
+    dialog->GetWindow(&window);
+    return GetDlgItem(window, IDOK);
+}
+
+}  // namespace
+
+IFACEMETHODIMP FolderDialogEvents::QueryInterface(REFIID iid, void** object) {
+    static const QITAB interfaces[] = {{&IID_IFileDialogEvents, 0}, {nullptr, 0}};
+    return QISearch(this, interfaces, iid, object);
+}
+
+IFACEMETHODIMP_(ULONG) FolderDialogEvents::AddRef() {
+    return static_cast<ULONG>(InterlockedIncrement(&references_));
+}
+
+IFACEMETHODIMP_(ULONG) FolderDialogEvents::Release() {
+    const LONG left = InterlockedDecrement(&references_);
+    if (left == 0) delete this;
+    return static_cast<ULONG>(left);
+}
+
+IFACEMETHODIMP FolderDialogEvents::OnFolderChanging(IFileDialog* dialog, IShellItem* folder) {
+    ComMemory<wchar_t> path;
+    // A virtual folder, such as This PC, has no path and changes nothing.
+    if (FAILED(folder->GetDisplayName(SIGDN_FILESYSPATH, path.Put()))) return S_OK;
+    ComPtr<IOleWindow> window;
+    if (FAILED(dialog->QueryInterface(IID_IOleWindow, reinterpret_cast<void**>(window.Put()))))
+        return S_OK;
+    const HWND button = OkButton(window);
+    const bool found = LocateInstaller(*options_, ToNarrow(path.Get()), true);
+    ShowWindow(button, found ? SW_SHOW : SW_HIDE);
+    return S_OK;
+}
+
+IFACEMETHODIMP FolderDialogEvents::OnFileOk(IFileDialog*) {
+    return S_OK;
+}
+IFACEMETHODIMP FolderDialogEvents::OnFolderChange(IFileDialog*) {
+    return S_OK;
+}
+IFACEMETHODIMP FolderDialogEvents::OnSelectionChange(IFileDialog*) {
+    return S_OK;
+}
+IFACEMETHODIMP FolderDialogEvents::OnShareViolation(IFileDialog*, IShellItem*,
+                                                    FDE_SHAREVIOLATION_RESPONSE*) {
+    return S_OK;
+}
+IFACEMETHODIMP FolderDialogEvents::OnTypeChange(IFileDialog*) {
+    return S_OK;
+}
+IFACEMETHODIMP FolderDialogEvents::OnOverwrite(IFileDialog*, IShellItem*, FDE_OVERWRITE_RESPONSE*) {
+    return S_OK;
+}
+
+}  // namespace launcher

@@ -1,0 +1,25 @@
+#include <windows.h>
+// windows.h first: the shell headers need it.
+#include <shellapi.h>
+
+#include "fs/owners.h"
+#include "launcher/driver.h"
+#include "launcher/launch_options.h"
+
+namespace {
+
+constexpr char kInstallerExeName[] = "ZEPInsAppliGUI.exe";
+
+// A command line that cannot be split leaves the defaults.
+launcher::LaunchOptions OptionsFromCommandLine() {
+    int argc = 0;
+    const launcher::LocalMemory<wchar_t*> argv(CommandLineToArgvW(GetCommandLineW(), &argc));
+    return launcher::LaunchOptions(argc, argv.Get(), kInstallerExeName, true, false);
+}
+
+}  // namespace
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+    launcher::LaunchOptions options = OptionsFromCommandLine();
+    return launcher::RunLauncher(options);
+}

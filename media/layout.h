@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "fs/path.h"
+
+namespace launcher {
+
+// The fixed folder names of a media.
+inline constexpr char kInstFolder[] = "inst";      // at the media's root
+inline constexpr char kCommonFolder[] = "common";  // in "inst", beside the per-OS folders
+inline constexpr char kCodeFolder[] = "code";      // in a per-OS folder
+inline constexpr char kBinFolder[] = "bin";        // in "code"; holds the installer
+
+// The installer `exeName` in the media `mediaDir`, below its folder for one operating system.
+inline Path InstallerPath(const Path& mediaDir, const std::string& osFolder,
+                          const std::string& exeName) {
+    const Path code = Join(Join(Join(mediaDir, kInstFolder), osFolder), kCodeFolder);
+    return Join(Join(code, kBinFolder), exeName);
+}
+
+}  // namespace launcher

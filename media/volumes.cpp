@@ -1,0 +1,241 @@
+#include "media/volumes.h"
+
+#include <cstdint>
+#include <optional>
+
+#include "fs/directory.h"
+#include "fs/environment.h"
+#include "fs/file_operations.h"
+#include "fs/path.h"
+#include "launcher/launch_options.h"
+#include "launcher/message.h"
+#include "media/layout.h"
+#include "media/marker_files.h"
+
+namespace launcher {
+namespace {
+
+constexpr char kVolumesCountVar[] = "ZEPAdmInstVolumesCount";
+constexpr char kMtbDirVar[] = "ZEPAdmInstMTBDIR";
+constexpr char kFirstAmVolumeVar[] = "ZEPAdmInstFirstAMVolume";
+constexpr char kFirstAmPathVar[] = "ZEPAdmInstFirstAMPath";
+constexpr char kAmRelativePathVar[] = "ZEPAdmInstAMRelativePath";
+
+// Volume numbers are 64 bits wide: a count may be as large as an int gets, and the number of an
+// outer volume is up to 98 above it.
+using VolumeNumber = std::int64_t;
+
+// What one pass over volumes 2 to N found.
+struct Pass {
+    VolumeNumber found = 1;  // volume 1 is always there
+    bool mismatch = false;   // a volume of another media was met
+};
+
+// A split media whose volume 1 was found and identified.
+struct SplitMedia {
+    LaunchOptions& options;
+    VolumeNumber count;
+    std::string id;
+};
+
+// The marker of an outer volume, in an ancestor of volume 1's folder.
+struct AmMarker {
+    VolumeNumber number;
+    std::string fileName;
+    Path folder;
+};
+
+// The outer set that a media is nested in.
+struct AmSet {
+    VolumeNumber first;
+    std::string id;
+    Path folder;        // of its first volume
+    Path relativePath;  // from that folder to the parent of volume 1's
+};
+
+std::string Decimal(VolumeNumber number) {
+    return std::to_string(number);
+}
+
+std::string ReadVolumeId(const Path& folder, VolumeNumber number) {
+    return ReadMtbDir(Join(folder, Decimal(number) + ".txt").Text());
+}
+
+void Report(LaunchOptions& options, const std::string& text) {
+    TraceMessage(options, text, Severity::Plain);
+}
+
+void Warn(LaunchOptions& options, const std::string& text) {
+    TraceMessage(options, text, Severity::Warning);
+}
+
+Pass SingleFolderPass(const SplitMedia& media) {
+    const Path& folder = media.options.mediaDir;
+    Pass pass;
+    for (VolumeNumber k = 2; k <= media.count; ++k) {
+        const std::string id = ReadVolumeId(folder, k);
+        if (id.empty()) continue;
+        if (id == media.id) {
+            ++pass.found;
+            continue;
+        }
+        Warn(media.options,
+             "Volume " + Decimal(k) + " of " + id + " found in the directory of " + media.id);
+        pass.mismatch = true;
+    }
+    return pass;
+}
+
+// Looks at one folder that should hold volume `k`.
+void CheckVolumeFolder(const SplitMedia& media, VolumeNumber k, const Path& folder, Pass& pass,
+                       std::vector<std::string>& volumes) {
+    const std::string id = ReadVolumeId(folder, k);
+    if (id.empty()) return;
+    if (id == media.id) {
+        ++pass.found;
+        Report(media.options, "Volume " + Decimal(k) + " found in: " + folder.Text());
+        volumes.push_back(folder.Text());
+        return;
+    }
+    Warn(media.options, "Volume " + Decimal(k) + " of " + id + " found in " + folder.Text() +
+                            " instead of " + media.id);
+    pass.mismatch = true;
+}
+
+Pass SiblingPass(const SplitMedia& media, std::vector<std::string>& volumes) {
+    const Path parent = Parent(media.options.mediaDir);
+    Pass pass;
+    for (VolumeNumber k = 2; k <= media.count; ++k)
+        CheckVolumeFolder(media, k, Join(parent, Decimal(k)), pass, volumes);
+    return pass;
+}
+
+Pass AmPass(const SplitMedia& media, const AmSet& am, std::vector<std::string>& volumes) {
+    const Path parent = Parent(am.folder);
+    Pass pass;
+    for (VolumeNumber j = 2; j <= media.count; ++j) {
+        const VolumeNumber m = am.first + j - 1;
+        const Path outer = Join(parent, Decimal(m));
+        const std::string id = ReadVolumeId(outer, m);
+        if (id.empty()) continue;
+        if (id != am.id) {
+            Warn(media.options, "AM volume " + Decimal(m) + " of " + id + " found in " +
+                                    outer.Text() + " instead of " + am.id);
+            pass.mismatch = true;
+            continue;
+        }
+        Report(media.options, "AM volume " + Decimal(m) + " found in: " + outer.Text());
+        const Path inner = Join(outer, am.relativePath.Text());
+        CheckVolumeFolder(media, j, Join(inner, Decimal(j)), pass, volumes);
+    }
+    return pass;
+}
+
+// What a pass says of the whole media: the result of the search when it settles it, nothing when
+// only volume 1 was met and the next layout is to be tried.
+std::optional<int> Conclude(const SplitMedia& media, const Pass& pass, int resultWhenComplete) {
+    if (pass.mismatch) return 0;
+    if (pass.found == media.count) {
+        media.options.skipTemporaryCopy = true;
+        return resultWhenComplete;
+    }
+    if (pass.found == 1) return std::nullopt;
+    Warn(media.options, "Missing volumes. Please make sure you copied everything correctly.");
+    return 0;
+}
+
+// The number in the name of an outer volume's marker ("7.txt", "42.txt"); below 1 for any other
+// name.
+int AmMarkerNumber(const std::string& name) {
+    const bool named = (name.size() == 5 || name.size() == 6) && name.ends_with(".txt");
+    return named ? ToIntOr(name.substr(0, name.size() - 4), -1) : -1;
+}
+
+// The first marker of the nearest ancestor that holds one.
+std::optional<AmMarker> FindAmMarker(const Path& mediaDir) {
+    for (Path folder = Parent(mediaDir); !IsEmpty(folder); folder = Parent(folder)) {
+        const auto files = DirectoryEnumerator::Open(folder.Text(), DirectoryEnumerator::kFiles);
+        for (; !files->AtEnd(); files->Next()) {
+            const int number = AmMarkerNumber(files->Name());
+            if (number > 0) return AmMarker{number, files->Name(), folder};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<AmSet> FindAmSet(LaunchOptions& options) {
+    const std::optional<AmMarker> marker = FindAmMarker(options.mediaDir);
+    if (!marker) return std::nullopt;
+    const std::string id = ReadMtbDir(Join(marker->folder, marker->fileName).Text());
+    if (id.empty()) {
+        Warn(options, "Cannot open " + marker->fileName + " in " + marker->folder.Text());
+        Report(options, "Please make sure you copied and/or extracted everything properly.");
+        return std::nullopt;
+    }
+    const AmSet am{marker->number, id, marker->folder,
+                   RelativePath(Parent(options.mediaDir), marker->folder)};
+    SetEnvVar(kMtbDirVar, am.id);
+    Report(options, "AM volume " + Decimal(am.first) + " found in: " + am.folder.Text());
+    SetEnvVar(kFirstAmVolumeVar, Decimal(am.first));
+    SetEnvVar(kFirstAmPathVar, am.folder.Text());
+    SetEnvVar(kAmRelativePathVar, am.relativePath.Text());
+    return am;
+}
+
+// The three layouts, one after the other: all volumes in one folder, in sibling folders, in
+// numbered outer volumes.
+int FindVolumes(const SplitMedia& media, std::vector<std::string>& volumes) {
+    LaunchOptions& options = media.options;
+    if (const auto result = Conclude(media, SingleFolderPass(media), 1)) {
+        if (*result == 1) {
+            Report(options, "All volumes found in: " + options.mediaDir.Text());
+            SetEnvVar(kVolumesCountVar, "");
+        }
+        return *result;
+    }
+    const int all = static_cast<int>(media.count);
+    Report(options, "Volume 1 found in: " + options.mediaDir.Text());
+    if (const auto result = Conclude(media, SiblingPass(media, volumes), all)) return *result;
+    volumes.clear();
+    const std::optional<AmSet> am = FindAmSet(options);
+    if (!am) return 0;
+    return Conclude(media, AmPass(media, *am, volumes), all).value_or(0);
+}
+
+void ClearVolumeVariables() {
+    for (const char* name :
+         {kVolumesCountVar, kMtbDirVar, kFirstAmVolumeVar, kFirstAmPathVar, kAmRelativePathVar})
+        SetEnvVar(name, "");
+}
+
+}  // namespace
+
+int ResolveVolumes(LaunchOptions& options, std::vector<std::string>& volumes) {
+    ClearVolumeVariables();
+    const std::string countFile = Join(Join(options.mediaDir, kInstFolder), "volumes.txt").Text();
+    // The misspelt name is part of the interface.
+    if (!PathExists(countFile) || options.softMgt ||
+        !GetEnvVar("ZEP_Online_Installation_Caf_Repositiory").empty()) {
+        options.skipTemporaryCopy = true;
+        return 1;
+    }
+    const std::optional<VolumeCount> count = ReadVolumeCount(countFile);
+    if (!count) return 0;
+    if (count->count < 2) {
+        options.skipTemporaryCopy = true;
+        return 1;
+    }
+    // The line as it was read, whatever follows the number in it.
+    TraceMessage(options, "This media is composed of " + count->line + " volumes.", Severity::Info);
+    SetEnvVar(kVolumesCountVar, count->line);
+    const std::string id = ReadVolumeId(options.mediaDir, 1);
+    if (id.empty()) {
+        Warn(options, "1.txt not found or not accessible in: " + options.mediaDir.Text());
+        Report(options, "Please make sure you copied the whole volume.");
+        return 0;
+    }
+    SetEnvVar(kMtbDirVar, id);
+    return FindVolumes(SplitMedia{options, count->count, id}, volumes);
+}
+
+}  // namespace launcher

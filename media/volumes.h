@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace launcher {
+
+class LaunchOptions;
+
+// Finds the volumes of a split media, given the folder of volume 1 in `mediaDir`, and tells the
+// installer about them in environment variables:
+//   "ZEPAdmInstVolumesCount"     the first line of "volumes.txt"; removed when all volumes lie in
+//                                one folder, so that the installer sees an ordinary media
+//   "ZEPAdmInstMTBDIR"           the id of the media, or of the outer (AM) set it is nested in
+//   "ZEPAdmInstFirstAMVolume", "ZEPAdmInstFirstAMPath", "ZEPAdmInstAMRelativePath"
+//                                where volume 1 lies in a media nested in numbered outer volumes
+//
+// Returns 1 for a media that is not split, is not to be checked or is complete in one folder; the
+// number N of volumes when all were found in several folders, with those of volumes 2 to N, in
+// order, in `volumes` (empty before); and 0, after messages, when something is missing or belongs
+// to another media. Sets `skipTemporaryCopy` with every result but 0. Throws nothing.
+int ResolveVolumes(LaunchOptions& options, std::vector<std::string>& volumes);
+
+}  // namespace launcher

@@ -1,0 +1,70 @@
+#include "platform/administrator.h"
+
+#include <windows.h>
+
+#include "fs/environment.h"
+#include "fs/exceptions.h"
+#include "fs/owners.h"
+
+namespace launcher {
+namespace {
+
+constexpr DWORD kWindowsVista = 6;
+
+// The major version as the manifest lets it be seen, which is enough to tell Vista from older
+// systems; 0 when it is not told.
+DWORD WindowsMajorVersion() {
+    OSVERSIONINFOW version{};
+    version.dwOSVersionInfoSize = sizeof version;
+#ifdef _MSC_VER
+#pragma warning(suppress : 4996)  // deprecated, and the one call that every system has
+#endif
+    GetVersionExW(&version);
+    return version.dwMajorVersion;
+}
+
+Sid AdministratorsGroup() {
+    SID_IDENTIFIER_AUTHORITY authority = {SECURITY_NT_AUTHORITY};
+    Sid group;
+    if (!AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID,
+                                  DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0, group.Put()))
+        throw ZEPInsException("AllocateAndInitializeSid failed.", GetLastError());
+    return group;
+}
+
+// Deny-only membership, as in the filtered token of an administrator, does not count.
+bool IsMember(const Sid& group) {
+    BOOL member = FALSE;
+    CheckTokenMembership(nullptr, group.Get(), &member);
+    return member != FALSE;
+}
+
+bool IsProcessElevated() {
+    TokenHandle token;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_READ, token.Put()))
+        throw ZEPInsException("OpenProcessToken failed.", GetLastError());
+    TOKEN_ELEVATION elevation{};
+    DWORD length = 0;
+    if (!GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof elevation, &length)) {
+        const DWORD error = GetLastError();
+        token.Reset();
+        throw ZEPInsException("GetTokenInformation failed.", error);
+    }
+    return elevation.TokenIsElevated != 0;
+}
+
+}  // namespace
+
+bool DetectAdministrator() {
+    if (!GetEnvVar("ZEPProcessNotAdmin").empty()) return false;
+    const DWORD majorVersion = WindowsMajorVersion();
+    if (!IsMember(AdministratorsGroup())) return false;
+    return majorVersion < kWindowsVista || IsProcessElevated();
+}
+
+bool IsAdministrator() {
+    static const bool answer = DetectAdministrator();
+    return answer;
+}
+
+}  // namespace launcher

@@ -1,0 +1,17 @@
+#pragma once
+
+namespace launcher {
+
+// True when this process runs with administrator rights: its user is a member of the
+// Administrators group and, since Windows Vista, its token is elevated. Always false while
+// "ZEPProcessNotAdmin" is set. Computed on the first call and kept; if that call throws, the next
+// one tries again. Throws as DetectAdministrator.
+bool IsAdministrator();
+
+// The answer computed afresh. Throws ZEPInsException with the name of the call that failed
+// ("AllocateAndInitializeSid failed.", "OpenProcessToken failed.", "GetTokenInformation failed.")
+// and the system's text.
+// https://learn.microsoft.com/windows/win32/api/securitybaseapi/nf-securitybaseapi-checktokenmembership
+bool DetectAdministrator();
+
+}  // namespace launcher
