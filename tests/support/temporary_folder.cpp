@@ -1,0 +1,78 @@
+#include "tests/support/temporary_folder.h"
+
+#include <windows.h>
+
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <system_error>
+
+namespace launcher::test {
+
+namespace stdfs = std::filesystem;
+
+namespace {
+
+stdfs::path NewFolder() {
+    static unsigned counter = 0;
+    for (;;) {
+        const std::string name = "launcher-test-" + std::to_string(GetCurrentProcessId()) + "-" +
+                                 std::to_string(GetTickCount64()) + "-" + std::to_string(++counter);
+        const stdfs::path folder = stdfs::temp_directory_path() / name;
+        if (stdfs::create_directories(folder)) return folder;
+    }
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder() : dir_(NewFolder()) {}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    stdfs::remove_all(dir_, ignored);
+}
+
+std::string TemporaryFolder::Text() const {
+    return ToUtf8(dir_);
+}
+
+std::string TemporaryFolder::Text(std::string_view relative) const {
+    return ToUtf8(dir_ / FromUtf8(relative));
+}
+
+std::string TemporaryFolder::Write(std::string_view relative, std::string_view content) const {
+    const stdfs::path path = dir_ / FromUtf8(relative);
+    stdfs::create_directories(path.parent_path());
+    WriteFile(path, content);
+    return ToUtf8(path);
+}
+
+std::string TemporaryFolder::MakeDir(std::string_view relative) const {
+    const stdfs::path path = dir_ / FromUtf8(relative);
+    stdfs::create_directories(path);
+    return ToUtf8(path);
+}
+
+stdfs::path FromUtf8(std::string_view text) {
+    return stdfs::path(std::u8string(text.begin(), text.end()));
+}
+
+std::string ToUtf8(const stdfs::path& path) {
+    stdfs::path native = path;
+    const std::u8string text = native.make_preferred().u8string();
+    return std::string(text.begin(), text.end());
+}
+
+std::string ReadFile(const stdfs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw std::runtime_error("cannot read " + ToUtf8(path));
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+void WriteFile(const stdfs::path& path, std::string_view content) {
+    std::ofstream file(path, std::ios::binary);
+    file.write(content.data(), static_cast<std::streamsize>(content.size()));
+    if (!file.flush()) throw std::runtime_error("cannot write " + ToUtf8(path));
+}
+
+}  // namespace launcher::test

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace launcher::test {
+
+// A new empty folder below the user's temporary folder, removed with all it holds at the end.
+// Links below it are removed, not followed.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    const std::filesystem::path& Dir() const { return dir_; }
+    // The folder, or `relative` below it, as the UTF-8 text with backslashes that the launcher
+    // takes.
+    std::string Text() const;
+    std::string Text(std::string_view relative) const;
+
+    // Writes a file below the folder, making the folders it needs; returns its Text().
+    std::string Write(std::string_view relative, std::string_view content = {}) const;
+    // Makes a folder below the folder; returns its Text().
+    std::string MakeDir(std::string_view relative) const;
+
+  private:
+    std::filesystem::path dir_;
+};
+
+// A UTF-8 text as a path, and back with backslashes.
+std::filesystem::path FromUtf8(std::string_view text);
+std::string ToUtf8(const std::filesystem::path& path);
+
+// The bytes of a file; fails the test when it cannot be read.
+std::string ReadFile(const std::filesystem::path& path);
+void WriteFile(const std::filesystem::path& path, std::string_view content);
+
+}  // namespace launcher::test
