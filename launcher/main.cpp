@@ -5,6 +5,7 @@
 #include "fs/owners.h"
 #include "launcher/driver.h"
 #include "launcher/launch_options.h"
+#include "platform/dll_search.h"
 
 namespace {
 
@@ -20,6 +21,7 @@ launcher::LaunchOptions OptionsFromCommandLine() {
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+    launcher::RestrictDllSearch();
     launcher::LaunchOptions options = OptionsFromCommandLine();
     return launcher::RunLauncher(options);
 }

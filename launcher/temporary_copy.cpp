@@ -1,10 +1,13 @@
 #include "launcher/temporary_copy.h"
 
+#include <windows.h>
+
 #include <exception>
-#include <fstream>
+#include <string>
 
 #include "fs/environment.h"
 #include "fs/file_operations.h"
+#include "fs/owners.h"
 #include "fs/path.h"
 #include "fs/text.h"
 #include "launcher/launch_options.h"
@@ -73,10 +76,10 @@ void CopyInstallerToTemporaryDir(LaunchOptions& options, const std::string& temp
 }
 
 void WriteRemoveScript(const std::string& temporaryDir) {
-    std::filebuf file;
-    if (file.open(ToWide(temporaryDir + "remove.bat").c_str(),
-                  std::ios::out | std::ios::trunc | std::ios::binary) == nullptr)
-        return;
+    const FileHandle file(CreateFileW(ToWide(temporaryDir + "remove.bat").c_str(), GENERIC_WRITE,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, CREATE_ALWAYS,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) return;
     const std::string inst = "\"" + temporaryDir + kInstFolder + "\"";
     const std::string script =
         ":begin\r\n"
@@ -88,7 +91,8 @@ void WriteRemoveScript(const std::string& temporaryDir) {
         " goto begin\r\n"
         "rmdir /Q /S \"" +
         temporaryDir + "\" 1>nul 2>nul\r\n";
-    file.sputn(script.data(), static_cast<std::streamsize>(script.size()));
+    DWORD written = 0;
+    WriteFile(file.Get(), script.data(), static_cast<DWORD>(script.size()), &written, nullptr);
 }
 
 }  // namespace launcher

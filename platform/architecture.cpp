@@ -2,18 +2,9 @@
 
 #include <windows.h>
 
+#include "platform/kernel32_function.h"
+
 namespace launcher {
-namespace {
-
-// A function that the oldest systems lack; null there.
-template <class Function>
-Function Kernel32Function(const char* name) {
-    // Through void*: a direct cast between function types is what compilers warn about.
-    return reinterpret_cast<Function>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), name)));
-}
-
-}  // namespace
 
 bool Is64BitWindows() {
     static const auto getNativeSystemInfo =

@@ -1,0 +1,16 @@
+# Clang as the compiler, with the headers and libraries of MinGW-w64 and its GCC.
+include(${CMAKE_CURRENT_LIST_DIR}/mingw.cmake)
+
+set(CMAKE_CXX_COMPILER clang++)
+set(CMAKE_C_COMPILER clang)
+set(CMAKE_CXX_COMPILER_TARGET ${triplet})
+set(CMAKE_C_COMPILER_TARGET ${triplet})
+
+# Clang does not find a GCC whose thread model is part of its folder's name.
+execute_process(COMMAND ${triplet}-g++-posix -print-libgcc-file-name
+  OUTPUT_VARIABLE libgcc OUTPUT_STRIP_TRAILING_WHITESPACE)
+get_filename_component(gcc_folder ${libgcc} DIRECTORY)
+set(headers ${gcc_folder}/include/c++)
+set(CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES
+  ${headers} ${headers}/${triplet} ${headers}/backward)
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-fuse-ld=lld -pthread -L${gcc_folder}")
