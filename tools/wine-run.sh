@@ -15,10 +15,12 @@ export WINEPREFIX="$prefix" WINEARCH=win64
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml,winedbg.exe,winemenubuilder.exe=}"
 
-# Services that the first program starts keep that program's standard streams open: a pipe behind
-# it would never end. So the first program is one whose streams lead nowhere.
+# The first program starts services that keep its standard streams open, so that a pipe behind it
+# would never end: these lead nowhere. Wine itself runs wineboot before any first program; a second
+# wineboot would start a second services.exe, which then fails, after ten seconds each time, to
+# start what message boxes need.
 warm_up() {
-    "$WINE" wineboot --init
+    "$WINE" cmd /c exit
     [ -e "$prefix/.ready" ] && return
     "$WINE" regedit "$(dirname "$0")/wine-prefix.reg"
     touch "$prefix/.ready"
@@ -31,4 +33,13 @@ mkdir -p "$prefix"
     # Fails when the server runs already.
     if wineserver -p90 9>&-; then warm_up 9>&-; fi
 )
-exec "$WINE" "$@"
+
+# The desktop that the first window needs is such a service too, and is started again and again: a
+# pipe gets the output at the end, by way of a file.
+[ -p /dev/stdout ] || exec "$WINE" "$@"
+output=$(mktemp)
+trap 'rm -f "$output"' EXIT
+status=0
+"$WINE" "$@" >"$output" 2>&1 || status=$?
+cat "$output"
+exit $status

@@ -1,0 +1,46 @@
+// The gate in front of the installer.
+
+#include "tests/e2e/support/launcher_test.h"
+
+namespace launcher::test {
+namespace {
+
+constexpr char kRefusal[] =
+    "The installer must be run from an elevated Command Prompt ('Run as administrator')";
+
+class Administrator : public LauncherTest {};
+
+TEST_F(Administrator, IsToldToTheInstaller) {
+    EXPECT_EQ(Run(UsualMedia()).Installer().Variable("ZEPIns_HasElevatedPrivileges"), "1");
+}
+
+// The value is not interpreted.
+TEST_F(Administrator, OthersAreRefused) {
+    variables["ZEPProcessNotAdmin"] = "0";
+    EXPECT_THAT(Run(UsualMedia(), {"-wait"}), IsRefusedWith(kRefusal));
+}
+
+TEST_F(Administrator, RefusalComesLastAndUndoesNothing) {
+    variables["ZEPProcessNotAdmin"] = "1";
+    const LauncherRun run = Run(MediaToCopy());
+    EXPECT_THAT(run, IsRefusedWith(kRefusal));
+    EXPECT_EQ(run.LeftInTemp().size(), 1u);
+}
+
+class AllowNotAdmin : public LauncherTableTest<const char*> {};
+
+TEST_P(AllowNotAdmin, LetsOthersIn) {
+    variables["ZEPProcessNotAdmin"] = "1";
+    variables["ZEPAdmInstAllowNotAdminUser"] = GetParam();
+    const LauncherRun run = Run(UsualMedia(), {"-wait"});
+    EXPECT_THAT(run, EndsQuietlyWith(0));
+    EXPECT_THAT(run.output, testing::EndsWith(" INFO: The user is not admin, but continue.\r\n"));
+    EXPECT_EQ(run.Installer().Variable("ZEPIns_HasElevatedPrivileges"), "0");
+}
+
+// Any value does.
+INSTANTIATE_TEST_SUITE_P(Values, AllowNotAdmin, testing::Values("1", "0", "no", "false"),
+                         [](const auto& row) { return std::string(row.param); });
+
+}  // namespace
+}  // namespace launcher::test

@@ -1,0 +1,133 @@
+// Media in places of all kinds.
+
+#include <string>
+
+#include "tests/e2e/support/launcher_test.h"
+#include "tests/e2e/support/wine.h"
+
+namespace launcher::test {
+namespace {
+
+using testing::ElementsAre;
+
+namespace stdfs = std::filesystem;
+
+struct FolderRow {
+    const char* name;
+    const char* folder;
+};
+
+class MediaFolder : public LauncherTableTest<FolderRow> {};
+
+TEST_P(MediaFolder, MayHaveAnyName) {
+    Media media(scratch.Dir() / FromUtf8(GetParam().folder));
+    media.AddInstaller("win_b64").MakeSplit(2, "SET");
+    const LauncherRun run = Run(media, {"--mgt"});
+    EXPECT_EQ(run.Installer().module, media.InstallerText("win_b64"));
+    EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text(), "--mgt"));
+    EXPECT_EQ(run.Installer().Variable("MORInst"), media.Text("inst"));
+}
+
+TEST_P(MediaFolder, MayBeCopiedFromUnderAnyName) {
+    Media media(scratch.Dir() / FromUtf8(GetParam().folder));
+    media.AddInstaller("win_b64").MakeSplit(2, "SET");
+    media.AddFile("inst/common/" + std::string(GetParam().folder) + "/a file.dat", "content");
+    const LauncherRun run = Run(media, {"-wait"});
+    EXPECT_THAT(run, EndsQuietlyWith(0));
+    EXPECT_EQ(run.Installer().Variable("ZEPAdmInstOriginalMediaDir"), media.Text());
+    const stdfs::path copy =
+        FromUtf8(run.Installer().Variable("ZEPAdmInstCurrentMediaDir").value());
+    EXPECT_EQ(ReadFile(copy / "inst" / "common" / FromUtf8(GetParam().folder) / "a file.dat"),
+              "content");
+}
+
+// Blanks, signs that mean something to a command line, characters of other scripts, of the
+// supplementary planes and combining ones.
+INSTANTIATE_TEST_SUITE_P(Table, MediaFolder,
+                         testing::Values(FolderRow{"Blanks", "my media folder"},
+                                         FolderRow{"Signs", "a & b (c) %TEMP% ^; 'd' -wait"},
+                                         FolderRow{"Scripts", "Médium носитель 媒体"},
+                                         FolderRow{"Supplementary", "💿 e\xCC\x81"}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+class Places : public LauncherTest {};
+
+TEST_F(Places, DriveRoot) {
+    const Media onDisk = UsualMedia().AddFile("inst/volumes.txt", "1");
+    const MappedDrive drive("q:", onDisk.Root());
+    const LauncherRun run =
+        RunToEnd({FromUtf8("Q:\\setup.exe"), {"-wait", "x"}, variables, scratch.Dir()});
+    EXPECT_THAT(run, EndsQuietlyWith(0));
+    EXPECT_EQ(run.Installer().commandLine,
+              "\"Q:\\inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe\" \"-CDpath\" \"Q:\" \"x\"");
+    EXPECT_EQ(run.Installer().Variable("ZEPAdmInstCurrentMediaDir"), "Q:");
+    EXPECT_EQ(run.Installer().Variable("MORInst"), "Q:\\inst");
+}
+
+TEST_F(Places, DriveRootThatIsCopied) {
+    const Media onDisk = MediaToCopy();
+    const MappedDrive drive("r:", onDisk.Root());
+    const LauncherRun run =
+        RunToEnd({FromUtf8("R:\\setup.exe"), {"-wait"}, variables, scratch.Dir()});
+    EXPECT_THAT(run, EndsQuietlyWith(0));
+    EXPECT_EQ(run.Installer().Variable("ZEPAdmInstOriginalMediaDir"), "R:");
+}
+
+// Above a drive's root there is nothing: the folder handed to the installer is empty.
+TEST_F(Places, DriveRootInSoftwareManagement) {
+    const Media onDisk = UsualMedia();
+    const MappedDrive drive("s:", onDisk.Root());
+    const LauncherRun run =
+        RunToEnd({FromUtf8("S:\\setup.exe"), {"-SoftMgt", "-List"}, variables, scratch.Dir()});
+    EXPECT_THAT(run.Installer().Arguments(),
+                ElementsAre("--mgt", "", "--var", "Radio_ZEPSoftwareMgtCheck?List=true"));
+}
+
+TEST_F(Places, LauncherOnANetworkPath) {
+    if (IsWine()) GTEST_SKIP() << "Wine tells such a program a name that leads nowhere";
+    const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
+    const Media media = Media(root).AddInstaller("win_b64");
+    const LauncherRun run = Run(media, {"-wait", "x"});
+    EXPECT_THAT(run, EndsQuietlyWith(0));
+    EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text(), "x"));
+    stdfs::remove_all(root);
+}
+
+TEST_F(Places, MediaOnANetworkPath) {
+    const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
+    const Media media = Media(root).AddInstaller("win_b64", "ZEPInsAppliODT.exe");
+    variables["CurrentMediaDir"] = media.Text();
+    const LauncherRun run = Run(EmptyMedia(), {"--odt"});
+    EXPECT_THAT(run, EndsQuietlyWith(0));
+    EXPECT_EQ(run.Installer().commandLine,
+              "\"" + media.InstallerText("win_b64", "ZEPInsAppliODT.exe") + "\" \"-CDpath\" \"" +
+                  media.Text() + "\"");
+    EXPECT_EQ(run.Installer().Variable("MORInst"), media.Text("inst"));
+    stdfs::remove_all(root);
+}
+
+TEST_F(Places, MediaOnANetworkPathIsCopied) {
+    const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
+    const Media media =
+        Media(root).AddInstaller("win_b64", "ZEPInsAppliODT.exe").MakeSplit(2, "SET");
+    variables["CurrentMediaDir"] = media.Text();
+    const LauncherRun run = Run(EmptyMedia(), {"--odt"});
+    EXPECT_THAT(run, EndsQuietlyWith(0));
+    EXPECT_EQ(run.Installer().Variable("ZEPAdmInstOriginalMediaDir"), media.Text());
+    EXPECT_EQ(run.LeftInTemp().size(), 1u);
+    stdfs::remove_all(root);
+}
+
+TEST_F(Places, InstallerOnANetworkPath) {
+    const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
+    AddStandInInstaller(root, "win_b64");
+    const Media media = EmptyMedia().AddMarker("win_b64");
+    const LauncherRun run = Run(media, {"-wait", "-installerPath", ToUtf8(root)});
+    EXPECT_THAT(run, EndsQuietlyWith(0));
+    EXPECT_EQ(run.Installer().Variable("MORInstaller"), ToUtf8(root) + "\\inst\\");
+    EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text()));
+    stdfs::remove_all(root);
+}
+
+}  // namespace
+}  // namespace launcher::test

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <windows.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace launcher::test {
+
+// A message box as a person sees it, in UTF-8.
+struct Box {
+    std::string caption;
+    std::string text;
+};
+
+// Watches one process for message boxes and folder dialogs, and answers them as a person would:
+// presses a box's button, cancels a dialog.
+class BoxWatcher {
+  public:
+    explicit BoxWatcher(DWORD processId) : processId_(processId) {}
+
+    // Looks once at all windows. To be called again and again.
+    void Poll();
+
+    const std::vector<Box>& Boxes() const { return boxes_; }
+    // The titles of the folder dialogs.
+    const std::vector<std::string>& Dialogs() const { return dialogs_; }
+
+  private:
+    static BOOL CALLBACK OnWindow(HWND window, LPARAM self);
+    void See(HWND window);
+
+    DWORD processId_;
+    std::map<HWND, ULONGLONG> answered_;  // when last
+    std::vector<Box> boxes_;
+    std::vector<std::string> dialogs_;
+};
+
+}  // namespace launcher::test

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+#include <string>
+
+namespace launcher::test {
+
+// Wine plays Windows on other systems; what a test does with it in particular is here.
+
+bool IsWine();
+
+// A path known to the build, which may be one of another system, as this program can open it.
+std::filesystem::path BuiltFile(const char* path);
+
+// What Wine keeps in its registry for programs of one file name, removed again at the end.
+class WineSettings {
+  public:
+    explicit WineSettings(const std::string& exeName);
+    WineSettings(const WineSettings&) = delete;
+    WineSettings& operator=(const WineSettings&) = delete;
+    ~WineSettings();
+
+    // Poses as another Windows: "winxp64", "vista", "win7", "win8", "win81", "win10".
+    void PoseAs(const std::string& version);
+    // Which of its own ("builtin") and other ("native") libraries a program gets.
+    void OverrideDll(const std::string& dll, const std::string& order);
+
+  private:
+    std::wstring key_;
+};
+
+// A drive letter for a folder while it lives.
+class MappedDrive {
+  public:
+    // `drive` is a small letter and a colon. Throws std::runtime_error when it cannot be made.
+    MappedDrive(std::string drive, const std::filesystem::path& folder);
+    MappedDrive(const MappedDrive&) = delete;
+    MappedDrive& operator=(const MappedDrive&) = delete;
+    ~MappedDrive();
+
+  private:
+    std::string drive_;
+    std::wstring target_;
+};
+
+// A network path that leads to this machine's own disk: a folder that can be written to. Throws
+// std::runtime_error when there is none.
+std::filesystem::path NetworkFolder();
+
+// Another library in the place of one in the system folder while it lives.
+class SystemDll {
+  public:
+    SystemDll(const std::string& name, const std::filesystem::path& replacement);
+    SystemDll(const SystemDll&) = delete;
+    SystemDll& operator=(const SystemDll&) = delete;
+    ~SystemDll();
+
+  private:
+    std::filesystem::path path_;
+    std::filesystem::path saved_;
+};
+
+}  // namespace launcher::test

@@ -1,0 +1,194 @@
+#include "installer/folder_dialog.h"
+
+#include "fs/owners.h"
+#include "fs/text.h"
+#include "tests/installer/fake_shell.h"
+#include "tests/installer/fakes.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/temporary_folder.h"
+
+namespace launcher {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+test::FakeFileDialog* dialogToCreate = nullptr;  // null: there is none on this system
+test::FakeShellItem* startFolder = nullptr;      // null: there is no such folder
+
+HRESULT WINAPI CreateFakeDialog(REFCLSID classId, IUnknown* outer, DWORD context, REFIID iid,
+                                void** object) {
+    const bool asExpected = IsEqualCLSID(classId, CLSID_FileOpenDialog) && outer == nullptr &&
+                            context == 0x17 && IsEqualIID(iid, IID_IFileDialog);
+    test::Record(asExpected ? "create the dialog" : "create something else");
+    *object = nullptr;
+    if (dialogToCreate == nullptr) return REGDB_E_CLASSNOTREG;
+    return dialogToCreate->GiveTo(reinterpret_cast<IFileDialog**>(object));
+}
+
+HRESULT WINAPI CreateFakeItem(PCWSTR path, IBindCtx* context, REFIID iid, void** object) {
+    const bool asExpected = context == nullptr && IsEqualIID(iid, IID_IShellItem);
+    test::Record("folder \"" + ToNarrow(path) + "\"" + (asExpected ? "" : " as something else"));
+    *object = nullptr;
+    if (startFolder == nullptr) return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+    return startFolder->GiveTo(reinterpret_cast<IShellItem**>(object));
+}
+
+class FolderDialogTest : public test::InstallerTest {
+  protected:
+    FolderDialogTest() {
+        options_.mediaDir = Path("D:\\sets\\a\\media");
+        dialog_.result.path = L"E:\\result";
+        start_.path = L"D:\\sets";
+        dialogToCreate = &dialog_;
+        startFolder = &start_;
+    }
+
+    // Everything that was handed out has come back.
+    ~FolderDialogTest() override {
+        EXPECT_EQ(dialog_.References(), 0u);
+        EXPECT_EQ(dialog_.events, nullptr);
+        EXPECT_EQ(dialog_.entered.References(), 0u);
+        EXPECT_EQ(dialog_.result.References(), 0u);
+        EXPECT_EQ(dialog_.window.References(), 0u);
+        EXPECT_EQ(start_.References(), 0u);
+    }
+
+    // The journal's first lines in every dialog that comes to be shown, and then `rest`.
+    static std::vector<std::string> Shown(const std::vector<std::string>& rest) {
+        std::vector<std::string> lines = {
+            "create the dialog", "GetOptions", "SetOptions",
+            "SetTitle Select the folder of the separate media called QN_Installer for win_b64",
+            "Advise", "folder \"D:\\sets\"", "path of a folder", "SetDefaultFolder D:\\sets",
+            // Entering a folder without a path.
+            "Show", "path of a folder"};
+        lines.insert(lines.end(), rest.begin(), rest.end());
+        return lines;
+    }
+
+    test::FakeFileDialog dialog_;
+    test::FakeShellItem start_;
+
+  private:
+    const test::ImportPatch create_{"CoCreateInstance", CreateFakeDialog};
+    const test::ImportPatch item_{"SHCreateItemFromParsingName", CreateFakeItem};
+};
+
+TEST_F(FolderDialogTest, IsConfirmed) {
+    const test::FreeCounter counter;
+    EXPECT_TRUE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(),
+                ElementsAreArray(Shown({"GetResult", "path of a folder", "Unadvise"})));
+    EXPECT_EQ(dialog_.options, 0x820u);
+    EXPECT_EQ(counter.Count(), 2u);  // the start folder's path, by the fake, and the result's
+}
+
+TEST_F(FolderDialogTest, IsCancelled) {
+    dialog_.show = HRESULT_FROM_WIN32(ERROR_CANCELLED);
+    EXPECT_FALSE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(), ElementsAreArray(Shown({"dialog gone with its events"})));
+}
+
+TEST_F(FolderDialogTest, HasNoResult) {
+    dialog_.getResult = E_FAIL;
+    EXPECT_FALSE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(), ElementsAreArray(Shown({"GetResult", "Unadvise"})));
+}
+
+TEST_F(FolderDialogTest, HasAResultWithoutAPath) {
+    dialog_.result.path.clear();
+    EXPECT_FALSE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(),
+                ElementsAreArray(Shown({"GetResult", "path of a folder", "Unadvise"})));
+}
+
+TEST_F(FolderDialogTest, DoesNotExist) {
+    dialogToCreate = nullptr;
+    EXPECT_FALSE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(), ElementsAre("create the dialog"));
+}
+
+TEST_F(FolderDialogTest, DoesNotTellItsOptions) {
+    dialog_.getOptions = E_FAIL;
+    EXPECT_FALSE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(), ElementsAre("create the dialog", "GetOptions"));
+}
+
+TEST_F(FolderDialogTest, DoesNotTakeItsOptions) {
+    dialog_.setOptions = E_FAIL;
+    EXPECT_FALSE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(), ElementsAre("create the dialog", "GetOptions", "SetOptions"));
+}
+
+TEST_F(FolderDialogTest, IsShownAlsoWithoutATitleAndEvents) {
+    dialog_.setTitle = E_FAIL;
+    dialog_.advise = E_FAIL;
+    EXPECT_TRUE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(), testing::IsSupersetOf({"Show", "GetResult"}));
+}
+
+TEST_F(FolderDialogTest, NamesTheOperatingSystemFolderInItsTitle) {
+    options_.osFolder = "intel_a";
+    SelectInstallerFolder(options_);
+    EXPECT_THAT(test::Journal(),
+                testing::Contains("SetTitle Select the folder of the separate media called "
+                                  "QN_Installer for intel_a"));
+}
+
+TEST_F(FolderDialogTest, OpensWhereWindowsChoosesWithoutAStartFolder) {
+    startFolder = nullptr;
+    EXPECT_TRUE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(), testing::Contains("folder \"D:\\sets\""));
+    EXPECT_THAT(test::Journal(),
+                testing::Not(testing::Contains(testing::StartsWith("SetDefaultFolder"))));
+}
+
+TEST_F(FolderDialogTest, AsksForNoStartFolderAboveADrive) {
+    options_.mediaDir = Path("D:\\media");
+    EXPECT_TRUE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(), testing::Not(testing::Contains(testing::StartsWith("folder \""))));
+}
+
+TEST_F(FolderDialogTest, LooksForTheInstallerInEachFolderThatIsEntered) {
+    dialog_.entered.path = L"E:\\\u00E4";
+    dialog_.show = HRESULT_FROM_WIN32(ERROR_CANCELLED);
+    EXPECT_FALSE(SelectInstallerFolder(options_));
+    EXPECT_THAT(test::Journal(), testing::Contains("look in E:\\\xC3\xA4 quietly"));
+}
+
+// The same on the shell's own folders.
+class FolderDialogStartTest : public test::InstallerTest {
+  protected:
+    // The start folder for a media, "" for none.
+    std::string StartFolder(const std::string& media) {
+        const ComApartment com;
+        test::FakeFileDialog dialog;
+        dialogToCreate = &dialog;
+        const test::ImportPatch create("CoCreateInstance", CreateFakeDialog);
+        options_.mediaDir = Path(media);
+        test::ClearJournal();
+        SelectInstallerFolder(options_);
+        const std::string verb = "SetDefaultFolder ";
+        for (const std::string& line : test::Journal())
+            if (line.starts_with(verb)) return line.substr(verb.size());
+        return "";
+    }
+};
+
+TEST_F(FolderDialogStartTest, IsTwoLevelsAboveTheMedia) {
+    const test::TemporaryFolder folder;
+    const std::string media = folder.MakeDir("\xC3\xA4 b\\set\\media");
+    EXPECT_EQ(StartFolder(media), folder.Text("\xC3\xA4 b"));
+}
+
+TEST_F(FolderDialogStartTest, IsNoneForAMediaNearADriveRoot) {
+    EXPECT_EQ(StartFolder("C:"), "");
+    EXPECT_EQ(StartFolder("C:\\media"), "");
+}
+
+TEST_F(FolderDialogStartTest, IsNoneWhereTheFolderDoesNotExist) {
+    EXPECT_EQ(StartFolder("C:\\no such folder\\set\\media"), "");
+}
+
+}  // namespace
+}  // namespace launcher

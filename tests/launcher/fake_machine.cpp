@@ -1,0 +1,84 @@
+#include "tests/launcher/fake_machine.h"
+
+#include <windows.h>
+
+#include "fs/environment.h"
+#include "fs/file_operations.h"
+#include "installer/folder_dialog.h"
+#include "launcher/find_installer.h"
+#include "media/locate_installer.h"
+#include "platform/architecture.h"
+#include "tests/launcher/fake_messages.h"
+#include "tests/launcher/journal.h"
+
+namespace launcher {
+
+using test::machine;
+using test::Record;
+
+bool PathExists(const std::string& path) {
+    return machine.files.contains(path);
+}
+
+bool Is64BitWindows() {
+    return machine.is64Bit;
+}
+
+bool LocateInstaller(LaunchOptions& options, const std::string& folder, bool quiet) {
+    Record("look in \"" + folder + "\"" + (quiet ? " quietly" : "") + " for " + options.osFolder);
+    if (!machine.installers.contains(folder)) return false;
+    options.installerExePath = test::kLocatedExe;
+    return true;
+}
+
+bool SelectInstallerFolder(LaunchOptions& options) {
+    Record("dialog for " + options.osFolder);
+    if (machine.picked) options.installerExePath = test::kLocatedExe;
+    return machine.confirmed;
+}
+
+namespace test {
+namespace {
+
+HRESULT WINAPI RecordCoInitialize(LPVOID reserved, DWORD model) {
+    Record((reserved ? "CoInitializeEx with more " : "CoInitializeEx ") + std::to_string(model));
+    return S_OK;
+}
+
+void WINAPI RecordCoUninitialize() {
+    Record("CoUninitialize");
+}
+
+}  // namespace
+
+FakeMachine machine;
+
+FindInstallerTest::FindInstallerTest()
+    : options_(ParseOptions({})),
+      coInitialize_("CoInitializeEx", RecordCoInitialize),
+      coUninitialize_("CoUninitialize", RecordCoUninitialize) {
+    machine = {};
+    for (const char* variable :
+         {"ZEPAdmInstODTinstallOSpath", "ZEP_UseExternalInstaller", "ZEP_TALVOR_Installer"})
+        SetEnvVar(variable, "");
+    Restart();
+}
+
+void FindInstallerTest::Restart() {
+    ClearJournal();
+    options_ = ParseOptions({}, false);
+    options_.mediaDir = Path("M:");
+}
+
+bool FindInstallerTest::Find() {
+    try {
+        FindInstaller(options_);
+        return true;
+    } catch (const ProcessExit& exit) {
+        EXPECT_EQ(exit.code, 1);
+        return false;
+    }
+}
+
+}  // namespace test
+}  // namespace launcher

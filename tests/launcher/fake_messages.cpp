@@ -1,0 +1,48 @@
+#include "tests/launcher/fake_messages.h"
+
+#include <windows.h>
+
+#include "launcher/message.h"
+#include "tests/launcher/journal.h"
+
+namespace launcher {
+namespace {
+
+std::string Word(Severity severity) {
+    switch (severity) {
+        case Severity::Info:
+            return "info";
+        case Severity::Warning:
+            return "warning";
+        case Severity::Error:
+            return "error";
+        case Severity::Plain:
+            break;
+    }
+    return "plain";
+}
+
+}  // namespace
+
+void ReportMessage(LaunchOptions&, const std::string& text, Severity severity, bool noBox) {
+    test::Record(Word(severity) + (noBox ? " on console: " : ": ") + text);
+}
+
+void TraceMessage(LaunchOptions&, const std::string& text, Severity severity) {
+    test::Record((severity == Severity::Info ? "trace: " : Word(severity) + " trace: ") + text);
+}
+
+void ReportErrorAndExit(LaunchOptions& options, const std::string& text) {
+    ReportMessage(options, text, Severity::Error, false);
+    throw test::ProcessExit{1};
+}
+
+void ReportLastErrorAndExit(LaunchOptions& options, std::string_view detail,
+                            std::string_view text) {
+    const DWORD code = GetLastError();
+    std::string message(text);
+    ReportErrorAndExit(options,
+                       message.append("\n").append(detail) + "\nrc=" + std::to_string(code));
+}
+
+}  // namespace launcher

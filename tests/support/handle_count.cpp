@@ -1,0 +1,34 @@
+#include "tests/support/handle_count.h"
+
+#include <windows.h>
+
+#include <cstdint>
+
+namespace launcher::test {
+namespace {
+
+// Handles are multiples of 4, and a free low one is given out before a higher one: a long gap is
+// the end of the table.
+std::size_t CountByProbing() {
+    constexpr int kLongGap = 200;
+    std::size_t count = 0;
+    int gap = 0;
+    for (std::uintptr_t value = 4; gap < kLongGap; value += 4) {
+        DWORD flags = 0;
+        const bool open = GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) != FALSE;
+        count += open ? 1 : 0;
+        gap = open ? 0 : gap + 1;
+    }
+    return count;
+}
+
+}  // namespace
+
+std::size_t OpenHandleCount() {
+    // Wine answers 0, which is never true of a running process.
+    DWORD count = 0;
+    if (GetProcessHandleCount(GetCurrentProcess(), &count) && count != 0) return count;
+    return CountByProbing();
+}
+
+}  // namespace launcher::test

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <stdexcept>
+#include <utility>
+
+#include "tests/support/import_patch.h"
+
+namespace launcher::test {
+
+// An ImportPatch whose stand-in is a lambda, which sees the test's own variables. It takes the real
+// function before the call's arguments:
+//
+//   const Hook<decltype(&DeleteFileW)> hook("DeleteFileW", [&](auto real, LPCWSTR name) {
+//       deleted.push_back(name);
+//       return real(name);
+//   });
+//
+// Two hooks of the same function type cannot live at the same time.
+template <class Function>
+class Hook;
+
+template <class Result, class... Arguments>
+class Hook<Result(WINAPI*)(Arguments...)> {
+  public:
+    using Function = Result(WINAPI*)(Arguments...);
+    using Body = std::function<Result(Function, Arguments...)>;
+
+    Hook(const char* name, Body body) : patch_(name, &Call) {
+        if (body_) throw std::logic_error("a function of this type is hooked already");
+        body_ = std::move(body);
+        real_ = reinterpret_cast<Function>(patch_.Original());
+    }
+    Hook(const Hook&) = delete;
+    Hook& operator=(const Hook&) = delete;
+    ~Hook() { body_ = nullptr; }
+
+  private:
+    static Result WINAPI Call(Arguments... arguments) { return body_(real_, arguments...); }
+
+    static inline Body body_;
+    static inline Function real_ = nullptr;
+    ImportPatch patch_;
+};
+
+// A body that does nothing but fail: answers `result` with the last error set to `error`.
+template <class Result>
+auto FailsWith(DWORD error, Result result) {
+    return [error, result](auto&&...) {
+        SetLastError(error);
+        return result;
+    };
+}
+
+}  // namespace launcher::test
