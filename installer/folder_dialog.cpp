@@ -38,6 +38,7 @@ ComPtr<IFileDialogEvents> CreateEvents(LaunchOptions& options) {
 ComPtr<IShellItem> StartFolder(const LaunchOptions& options) {
     const std::string folder = Parent(Parent(options.mediaDir)).Text();
     ComPtr<IShellItem> item;
+    if (folder.empty()) return item;  // which the shell may take for its desktop
     SHCreateItemFromParsingName(ToWide(folder).c_str(), nullptr, IID_IShellItem,
                                 reinterpret_cast<void**>(item.Put()));
     return item;

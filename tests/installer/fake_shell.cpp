@@ -12,7 +12,7 @@ constexpr DWORD kCookie = 42;
 
 }  // namespace
 
-HRESULT FakeShellItem::GetDisplayName(SIGDN form, LPWSTR* name) {
+IFACEMETHODIMP FakeShellItem::GetDisplayName(SIGDN form, LPWSTR* name) {
     Record(form == SIGDN_FILESYSPATH ? "path of a folder" : "another name of a folder");
     if (path.empty()) return E_INVALIDARG;
     *name = static_cast<wchar_t*>(CoTaskMemAlloc((path.size() + 1) * sizeof(wchar_t)));
@@ -20,36 +20,35 @@ HRESULT FakeShellItem::GetDisplayName(SIGDN form, LPWSTR* name) {
     return S_OK;
 }
 
-HRESULT FakeOleWindow::GetWindow(HWND* place) {
+IFACEMETHODIMP FakeOleWindow::GetWindow(HWND* place) {
     if (window == nullptr) return E_FAIL;
     *place = window;
     return S_OK;
 }
 
-HRESULT FakeFileDialog::QueryInterface(REFIID iid, void** object) {
+IFACEMETHODIMP FakeFileDialog::QueryInterface(REFIID iid, void** object) {
     if (IsEqualIID(iid, IID_IOleWindow) && hasWindow)
         return window.GiveTo(reinterpret_cast<IOleWindow**>(object));
     return FakeObject::QueryInterface(iid, object);
 }
 
 // A dialog that goes lets go of its events, too.
-ULONG FakeFileDialog::Release() {
+IFACEMETHODIMP_(ULONG) FakeFileDialog::Release() {
     const ULONG left = FakeObject::Release();
     if (left == 0 && events != nullptr) {
-        Record("dialog gone with its events");
-        events->Release();
+        Record("dialog gone, events held by " + std::to_string(events->Release()));
         events = nullptr;
     }
     return left;
 }
 
-HRESULT FakeFileDialog::Show(HWND owner) {
+IFACEMETHODIMP FakeFileDialog::Show(HWND owner) {
     Record(owner == nullptr ? "Show" : "Show with an owner");
     if (events != nullptr) events->OnFolderChanging(this, &entered);
     return show;
 }
 
-HRESULT FakeFileDialog::Advise(IFileDialogEvents* sink, DWORD* cookie) {
+IFACEMETHODIMP FakeFileDialog::Advise(IFileDialogEvents* sink, DWORD* cookie) {
     Record("Advise");
     if (FAILED(advise)) return advise;
     events = sink;
@@ -58,27 +57,29 @@ HRESULT FakeFileDialog::Advise(IFileDialogEvents* sink, DWORD* cookie) {
     return S_OK;
 }
 
-HRESULT FakeFileDialog::Unadvise(DWORD cookie) {
-    Record(cookie == kCookie ? "Unadvise" : "Unadvise another");
-    if (events == nullptr) return E_FAIL;
-    events->Release();
+IFACEMETHODIMP FakeFileDialog::Unadvise(DWORD cookie) {
+    if (cookie != kCookie || events == nullptr) {
+        Record("Unadvise another");
+        return E_INVALIDARG;
+    }
+    Record("Unadvise, events held by " + std::to_string(events->Release()));
     events = nullptr;
     return S_OK;
 }
 
-HRESULT FakeFileDialog::SetOptions(FILEOPENDIALOGOPTIONS value) {
+IFACEMETHODIMP FakeFileDialog::SetOptions(FILEOPENDIALOGOPTIONS value) {
     Record("SetOptions");
     if (SUCCEEDED(setOptions)) options = value;
     return setOptions;
 }
 
-HRESULT FakeFileDialog::GetOptions(FILEOPENDIALOGOPTIONS* value) {
+IFACEMETHODIMP FakeFileDialog::GetOptions(FILEOPENDIALOGOPTIONS* value) {
     Record("GetOptions");
     if (SUCCEEDED(getOptions)) *value = options;
     return getOptions;
 }
 
-HRESULT FakeFileDialog::SetDefaultFolder(IShellItem* folder) {
+IFACEMETHODIMP FakeFileDialog::SetDefaultFolder(IShellItem* folder) {
     wchar_t* path = nullptr;
     folder->GetDisplayName(SIGDN_FILESYSPATH, &path);
     Record("SetDefaultFolder " + ToNarrow(path));
@@ -86,12 +87,12 @@ HRESULT FakeFileDialog::SetDefaultFolder(IShellItem* folder) {
     return S_OK;
 }
 
-HRESULT FakeFileDialog::SetTitle(LPCWSTR title) {
+IFACEMETHODIMP FakeFileDialog::SetTitle(LPCWSTR title) {
     Record("SetTitle " + ToNarrow(title));
     return setTitle;
 }
 
-HRESULT FakeFileDialog::GetResult(IShellItem** item) {
+IFACEMETHODIMP FakeFileDialog::GetResult(IShellItem** item) {
     Record("GetResult");
     return FAILED(getResult) ? getResult : result.GiveTo(item);
 }
@@ -104,7 +105,7 @@ FreeCounter::FreeCounter() {
     real_ = reinterpret_cast<decltype(real_)>(patch_.Original());
 }
 
-void FreeCounter::CountFree(void* memory) {
+void WINAPI FreeCounter::CountFree(void* memory) {
     if (memory != nullptr) ++count_;
     real_(memory);
 }

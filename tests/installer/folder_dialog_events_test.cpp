@@ -3,6 +3,7 @@
 #include <shlobj.h>
 
 #include "fs/owners.h"
+#include "tests/installer/delete_watch.h"
 #include "tests/installer/fake_shell.h"
 #include "tests/installer/fakes.h"
 #include "tests/support/temporary_folder.h"
@@ -62,6 +63,16 @@ TEST_F(FolderDialogEventsTest, CountReferencesFromOne) {
     EXPECT_EQ(events_->AddRef(), 3u);
     EXPECT_EQ(events_->Release(), 2u);
     EXPECT_EQ(events_->Release(), 1u);
+}
+
+TEST_F(FolderDialogEventsTest, GoWithTheLastReference) {
+    auto* const events = new FolderDialogEvents(options_);
+    const test::DeleteWatch watch(events);
+    events->AddRef();
+    EXPECT_EQ(events->Release(), 1u);
+    EXPECT_FALSE(watch.Deleted());
+    EXPECT_EQ(events->Release(), 0u);
+    EXPECT_TRUE(watch.Deleted());
 }
 
 TEST_F(FolderDialogEventsTest, GiveTheirTwoInterfacesWithAReference) {

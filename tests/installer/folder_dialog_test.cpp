@@ -77,8 +77,9 @@ class FolderDialogTest : public test::InstallerTest {
 TEST_F(FolderDialogTest, IsConfirmed) {
     const test::FreeCounter counter;
     EXPECT_TRUE(SelectInstallerFolder(options_));
-    EXPECT_THAT(test::Journal(),
-                ElementsAreArray(Shown({"GetResult", "path of a folder", "Unadvise"})));
+    EXPECT_THAT(
+        test::Journal(),
+        ElementsAreArray(Shown({"GetResult", "path of a folder", "Unadvise, events held by 1"})));
     EXPECT_EQ(dialog_.options, 0x820u);
     EXPECT_EQ(counter.Count(), 2u);  // the start folder's path, by the fake, and the result's
 }
@@ -86,20 +87,22 @@ TEST_F(FolderDialogTest, IsConfirmed) {
 TEST_F(FolderDialogTest, IsCancelled) {
     dialog_.show = HRESULT_FROM_WIN32(ERROR_CANCELLED);
     EXPECT_FALSE(SelectInstallerFolder(options_));
-    EXPECT_THAT(test::Journal(), ElementsAreArray(Shown({"dialog gone with its events"})));
+    EXPECT_THAT(test::Journal(), ElementsAreArray(Shown({"dialog gone, events held by 0"})));
 }
 
 TEST_F(FolderDialogTest, HasNoResult) {
     dialog_.getResult = E_FAIL;
     EXPECT_FALSE(SelectInstallerFolder(options_));
-    EXPECT_THAT(test::Journal(), ElementsAreArray(Shown({"GetResult", "Unadvise"})));
+    EXPECT_THAT(test::Journal(),
+                ElementsAreArray(Shown({"GetResult", "Unadvise, events held by 1"})));
 }
 
 TEST_F(FolderDialogTest, HasAResultWithoutAPath) {
     dialog_.result.path.clear();
     EXPECT_FALSE(SelectInstallerFolder(options_));
-    EXPECT_THAT(test::Journal(),
-                ElementsAreArray(Shown({"GetResult", "path of a folder", "Unadvise"})));
+    EXPECT_THAT(
+        test::Journal(),
+        ElementsAreArray(Shown({"GetResult", "path of a folder", "Unadvise, events held by 1"})));
 }
 
 TEST_F(FolderDialogTest, DoesNotExist) {

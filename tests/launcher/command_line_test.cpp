@@ -4,7 +4,9 @@
 // windows.h first: the shell headers need it.
 #include <shellapi.h>
 
+#include <algorithm>
 #include <random>
+#include <utility>
 
 #include "fs/environment.h"
 #include "fs/text.h"

@@ -76,6 +76,7 @@ bool FindInstallerTest::Find() {
         return true;
     } catch (const ProcessExit& exit) {
         EXPECT_EQ(exit.code, 1);
+        EXPECT_THAT(Journal().back(), testing::StartsWith("error: "));
         return false;
     }
 }

@@ -162,6 +162,16 @@ TEST(Message, TakesNoNoticeOfABoxThatFails) {
     EXPECT_THAT(recorder.Boxes(), ElementsAre(LauncherBox(L"text")));
 }
 
+TEST(Message, IsWrittenAtOnceAsALineOfText) {
+    LaunchOptions options = test::ParseOptions({});
+    testing::internal::CaptureStdout();
+    std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);  // whatever the runtime began with
+    ReportMessage(options, "text", Severity::Info, true);
+    const long written = _filelength(1);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), " INFO: text\n");
+    EXPECT_EQ(written, 13);  // CR and LF
+}
+
 // While it lives, every write to the standard output stream fails.
 class BrokenStdout {
   public:

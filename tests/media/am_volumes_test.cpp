@@ -179,7 +179,7 @@ TEST_F(AmVolumesTest, OfTheNearestFolderWinEvenWithoutAnId) {
 }
 
 TEST_F(AmVolumesTest, AreNumberedFromTheFirstToTheEnd) {
-    constexpr int kCount = 300;
+    constexpr int kCount = 120;
     VolumeOne("Q/99/V", kCount);
     Marker("Q/99", 99, "Y");
     std::vector<std::string> expected;
@@ -201,7 +201,7 @@ struct NameCase {
 };
 
 void PrintTo(const NameCase& value, std::ostream* out) {
-    *out << testing::PrintToString(std::string(value.name));
+    *out << '"' << value.name << '"';
 }
 
 class AmMarkerName : public AmVolumesTest, public testing::WithParamInterface<NameCase> {};

@@ -94,8 +94,7 @@ const MarkerCase kMarkerCases[] = {
     {"LongValue", "MTBDIR=" + std::string(1 << 20, 'v') + "\r\n", std::string(1 << 20, 'v')},
 };
 
-INSTANTIATE_TEST_SUITE_P(, ReadMtbDirContent, testing::ValuesIn(kMarkerCases),
-                         testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(, ReadMtbDirContent, testing::ValuesIn(kMarkerCases));
 
 TEST(ReadMtbDir, ReadsALineWhereverItLies) {
     const test::TemporaryFolder folder;
@@ -188,8 +187,7 @@ const CountCase kCountCases[] = {
     {"NulBehind", std::string("3\0x\n", 4), std::string("3\0x", 3), 3},
 };
 
-INSTANTIATE_TEST_SUITE_P(, ReadVolumeCountContent, testing::ValuesIn(kCountCases),
-                         testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(, ReadVolumeCountContent, testing::ValuesIn(kCountCases));
 
 TEST(ReadVolumeCount, GivesNothingForALineThatIsNoNumber) {
     const test::TemporaryFolder folder;

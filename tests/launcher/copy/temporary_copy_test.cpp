@@ -142,8 +142,7 @@ INSTANTIATE_TEST_SUITE_P(
                     CommandLineCase{"softMgt", {L"setup.exe", L"-SoftMgt", L"-Commit"}, true},
                     CommandLineCase{"mgt", {L"setup.exe", L"--mgt"}, false},
                     CommandLineCase{"uninst", {L"setup.exe", L"--uninst"}, false},
-                    CommandLineCase{"pipeserver", {L"setup.exe", L"--pipeserver"}, false}),
-    testing::PrintToStringParamName());
+                    CommandLineCase{"pipeserver", {L"setup.exe", L"--pipeserver"}, false}));
 
 TEST_F(TemporaryCopyTest, NamesTheInstallerOfTheOptions) {
     options.installerExeName = "ZEPInsAppliODT.exe";
