@@ -15,23 +15,26 @@ export WINEPREFIX="$prefix" WINEARCH=win64
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml,winedbg.exe,winemenubuilder.exe=}"
 
-# The first program starts services that keep its standard streams open, so that a pipe behind it
-# would never end: these lead nowhere. Wine itself runs wineboot before any first program; a second
-# wineboot would start a second services.exe, which then fails, after ten seconds each time, to
-# start what message boxes need.
-warm_up() {
-    "$WINE" cmd /c exit
-    [ -e "$prefix/.ready" ] && return
-    "$WINE" regedit "$(dirname "$0")/wine-prefix.reg"
+# A desktop that started before the settings were there would not follow them: it has to end first.
+make_prefix() {
+    wineserver -p
+    "$WINE" reg import "$(dirname "$0")/wine-prefix.reg"
+    wineserver -k
+    wineserver -w
     touch "$prefix/.ready"
 }
 
+# The first program starts services that keep its standard streams open, so that a pipe behind it
+# would never end: these lead nowhere. Wine itself runs wineboot before any first program; a second
+# wineboot would start a second services.exe, which then fails, after ten seconds each time, to
+# start what message boxes need. The program is one with a window, so that the desktop starts too.
 mkdir -p "$prefix"
 (
     exec 9>"$prefix/.lock" </dev/null >/dev/null 2>&1
     flock 9
+    [ -e "$prefix/.ready" ] || make_prefix 9>&-
     # Fails when the server runs already.
-    if wineserver -p90 9>&-; then warm_up 9>&-; fi
+    if wineserver -p90 9>&-; then "$WINE" rundll32 user32.dll,GetDesktopWindow 9>&-; fi
 )
 
 # The desktop that the first window needs is such a service too, and is started again and again: a

@@ -12,8 +12,7 @@ using testing::IsEmpty;
 
 using Arguments = std::vector<std::string>;
 
-struct BadRow {
-    const char* name;
+struct BadRow : Row {
     Arguments arguments;
     const char* box;
 };
@@ -32,32 +31,31 @@ TEST_P(BadCommandLine, IsRefusedAndLeavesNothingBehind) {
 INSTANTIATE_TEST_SUITE_P(
     Table, BadCommandLine,
     testing::Values(
-        BadRow{"EnvAlone", {"-env"}, "Bad -env argument"},
-        BadRow{"EnvLast", {"-wait", "x", "-env"}, "Bad -env argument"},
-        BadRow{"EnvBehindEnv", {"-env", "-env", "-env"}, "Bad -env argument"},
-        BadRow{"InstallerPathAlone", {"-installerPath"}, "Bad -installerPath argument"},
-        BadRow{"InstallerPathTakesTheOption",
+        BadRow{{"EnvAlone"}, {"-env"}, "Bad -env argument"},
+        BadRow{{"EnvLast"}, {"-wait", "x", "-env"}, "Bad -env argument"},
+        BadRow{{"EnvBehindEnv"}, {"-env", "-env", "-env"}, "Bad -env argument"},
+        BadRow{{"InstallerPathAlone"}, {"-installerPath"}, "Bad -installerPath argument"},
+        BadRow{{"InstallerPathTakesTheOption"},
                {"-installerPath", "-env", "-installerPath"},
                "Bad -installerPath argument"},
-        BadRow{"SoftMgtAlone",
+        BadRow{{"SoftMgtAlone"},
                {"-SoftMgt"},
                "-SoftMgt must be used with another flag (either -List, -Check, -Commit or "
                "-Rollback)."},
-        BadRow{"SoftMgtWithAWordOfAnotherCase",
+        BadRow{{"SoftMgtWithAWordOfAnotherCase"},
                {"-SoftMgt", "-list"},
                "-SoftMgt must be used with another flag (either -List, -Check, -Commit or "
                "-Rollback)."},
-        BadRow{"List", {"-List"}, "-List must be used with the -SoftMgt flag."},
-        BadRow{"Check", {"-Check"}, "-Check must be used with the -SoftMgt flag."},
-        BadRow{"Commit", {"-Commit"}, "-Commit must be used with the -SoftMgt flag."},
-        BadRow{"Rollback", {"-Rollback"}, "-Rollback must be used with the -SoftMgt flag."},
-        BadRow{"TheLastAction",
+        BadRow{{"List"}, {"-List"}, "-List must be used with the -SoftMgt flag."},
+        BadRow{{"Check"}, {"-Check"}, "-Check must be used with the -SoftMgt flag."},
+        BadRow{{"Commit"}, {"-Commit"}, "-Commit must be used with the -SoftMgt flag."},
+        BadRow{{"Rollback"}, {"-Rollback"}, "-Rollback must be used with the -SoftMgt flag."},
+        BadRow{{"TheLastAction"},
                {"-List", "-Check", "-Commit"},
                "-Commit must be used with the -SoftMgt flag."}),
-    [](const auto& row) { return std::string(row.param.name); });
+    RowName);
 
-struct HandedOnRow {
-    const char* name;
+struct HandedOnRow : Row {
     Arguments arguments;
     Arguments handedOn;
 };
@@ -75,21 +73,20 @@ TEST_P(CommandLine, HandsOnWhatIsNotForTheLauncher) {
 // acted on and handed on, and the order stays.
 INSTANTIATE_TEST_SUITE_P(
     Table, CommandLine,
-    testing::Values(HandedOnRow{"Nothing", {}, {}},
+    testing::Values(HandedOnRow{{"Nothing"}, {}, {}},
                     HandedOnRow{
-                        "Options", {"-wait", "-UI", "-env", "A=B", "-installerPath", "x"}, {}},
-                    HandedOnRow{"OtherCase",
+                        {"Options"}, {"-wait", "-UI", "-env", "A=B", "-installerPath", "x"}, {}},
+                    HandedOnRow{{"OtherCase"},
                                 {"-WAIT", "-ui", "-Env", "--ODT", "/wait", "-wait "},
                                 {"-WAIT", "-ui", "-Env", "--ODT", "/wait", "-wait "}},
-                    HandedOnRow{"Maintenance",
+                    HandedOnRow{{"Maintenance"},
                                 {"a", "--uninst", "b", "--mgt", "c"},
                                 {"a", "--uninst", "b", "--mgt", "c"}},
-                    HandedOnRow{"AValueThatLooksLikeAnOption", {"-env", "-wait", "x"}, {"x"}},
-                    HandedOnRow{"Empty", {"", "x", ""}, {"", "x", ""}}),
-    [](const auto& row) { return std::string(row.param.name); });
+                    HandedOnRow{{"AValueThatLooksLikeAnOption"}, {"-env", "-wait", "x"}, {"x"}},
+                    HandedOnRow{{"Empty"}, {"", "x", ""}, {"", "x", ""}}),
+    RowName);
 
-struct AssignmentRow {
-    const char* name;
+struct AssignmentRow : Row {
     Arguments arguments;
     const char* variable;
     std::optional<std::string> value;
@@ -107,15 +104,15 @@ TEST_P(EnvOption, SetsAVariableForTheInstaller) {
 // value removes the variable; the last assignment counts.
 INSTANTIATE_TEST_SUITE_P(
     Table, EnvOption,
-    testing::Values(AssignmentRow{"Plain", {"-env", "A=B"}, "A", "B"},
-                    AssignmentRow{"TwoEqualSigns", {"-env", "A=B=C"}, "A", "B=C"},
-                    AssignmentRow{"NameAlone", {"-env", "A"}, "A", "1"},
-                    AssignmentRow{"EqualSignInFront", {"-env", "=X"}, "=X", "1"},
-                    AssignmentRow{"EmptyValue", {"-env", "EARLIER="}, "EARLIER", std::nullopt},
-                    AssignmentRow{"Blanks", {"-env", "A= b c "}, "A", " b c "},
-                    AssignmentRow{"NonAscii", {"-env", "A=été 漢字 😀"}, "A", "été 漢字 😀"},
-                    AssignmentRow{"Twice", {"-env", "A=1st", "-env", "A=2nd"}, "A", "2nd"}),
-    [](const auto& row) { return std::string(row.param.name); });
+    testing::Values(AssignmentRow{{"Plain"}, {"-env", "A=B"}, "A", "B"},
+                    AssignmentRow{{"TwoEqualSigns"}, {"-env", "A=B=C"}, "A", "B=C"},
+                    AssignmentRow{{"NameAlone"}, {"-env", "A"}, "A", "1"},
+                    AssignmentRow{{"EqualSignInFront"}, {"-env", "=X"}, "=X", "1"},
+                    AssignmentRow{{"EmptyValue"}, {"-env", "EARLIER="}, "EARLIER", std::nullopt},
+                    AssignmentRow{{"Blanks"}, {"-env", "A= b c "}, "A", " b c "},
+                    AssignmentRow{{"NonAscii"}, {"-env", "A=été 漢字 😀"}, "A", "été 漢字 😀"},
+                    AssignmentRow{{"Twice"}, {"-env", "A=1st", "-env", "A=2nd"}, "A", "2nd"}),
+    RowName);
 
 }  // namespace
 }  // namespace launcher::test

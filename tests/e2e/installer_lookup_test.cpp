@@ -19,13 +19,10 @@ std::string Invalid(const std::string& folder) {
            "\\inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe\" does not exist";
 }
 
-struct FlavourRow {
-    const char* name;
+struct FlavourRow : Row {
     std::vector<std::string> present;
     const char* chosen;
 };
-
-const auto FlavourName = [](const auto& row) { return std::string(row.param.name); };
 
 class InstallerFlavour : public LauncherTableTest<FlavourRow> {};
 
@@ -41,13 +38,13 @@ TEST_P(InstallerFlavour, IsTheBestThatTheMediaHas) {
 // On 64-bit Windows the 64-bit flavours come before the 32-bit one.
 INSTANTIATE_TEST_SUITE_P(
     Table, InstallerFlavour,
-    testing::Values(FlavourRow{"All", {"intel_a", "win_csa64", "win_b64"}, "win_b64"},
-                    FlavourRow{"BAndIntel", {"intel_a", "win_b64"}, "win_b64"},
-                    FlavourRow{"CsaAndIntel", {"intel_a", "win_csa64"}, "win_csa64"},
-                    FlavourRow{"Intel", {"intel_a"}, "intel_a"}),
-    FlavourName);
+    testing::Values(FlavourRow{{"All"}, {"intel_a", "win_csa64", "win_b64"}, "win_b64"},
+                    FlavourRow{{"BAndIntel"}, {"intel_a", "win_b64"}, "win_b64"},
+                    FlavourRow{{"CsaAndIntel"}, {"intel_a", "win_csa64"}, "win_csa64"},
+                    FlavourRow{{"Intel"}, {"intel_a"}, "intel_a"}),
+    RowName);
 
-class ElsewhereTest : public LauncherTest {
+class SeparateInstaller : public LauncherTest {
   protected:
     // A folder with a separate installer, without a launcher; returns its text.
     std::string Separate(const std::string& name, const std::string& osFolder = "win_b64") const {
@@ -60,7 +57,7 @@ class ElsewhereTest : public LauncherTest {
     Media MarkedMedia() const { return EmptyMedia().AddMarker("win_b64"); }
 };
 
-class MarkerFlavour : public ElsewhereTest, public testing::WithParamInterface<FlavourRow> {};
+class MarkerFlavour : public SeparateInstaller, public testing::WithParamInterface<FlavourRow> {};
 
 TEST_P(MarkerFlavour, IsTheOneLookedForElsewhere) {
     Media media = EmptyMedia();
@@ -80,12 +77,12 @@ TEST_P(MarkerFlavour, IsTheOneLookedForElsewhere) {
 // The same order among the markers of a media without an installer.
 INSTANTIATE_TEST_SUITE_P(
     Table, MarkerFlavour,
-    testing::Values(FlavourRow{"All", {"intel_a", "win_csa64", "win_b64"}, "win_b64"},
-                    FlavourRow{"CsaAndIntel", {"intel_a", "win_csa64"}, "win_csa64"},
-                    FlavourRow{"Intel", {"intel_a"}, "intel_a"}),
-    FlavourName);
+    testing::Values(FlavourRow{{"All"}, {"intel_a", "win_csa64", "win_b64"}, "win_b64"},
+                    FlavourRow{{"CsaAndIntel"}, {"intel_a", "win_csa64"}, "win_csa64"},
+                    FlavourRow{{"Intel"}, {"intel_a"}, "intel_a"}),
+    RowName);
 
-TEST_F(ElsewhereTest, MediaWithoutAMarkerIsForAnotherSystem) {
+TEST_F(SeparateInstaller, MediaWithoutAMarkerIsForAnotherSystem) {
     const Media media = EmptyMedia();
     const LauncherRun run = Run(media, {"-installerPath", Separate("other")});
     EXPECT_THAT(run, IsRefusedWith("This media is not for Windows operating system."));
@@ -97,20 +94,20 @@ TEST_F(ElsewhereTest, MediaWithoutAMarkerIsForAnotherSystem) {
     EXPECT_THAT(run.LeftInTemp(), testing::IsEmpty());
 }
 
-TEST_F(ElsewhereTest, OneMarkerFileMayStandForAll) {
+TEST_F(SeparateInstaller, OneMarkerFileMayStandForAll) {
     variables["ZEPAdmInstODTinstallOSpath"] = scratch.Write("any marker");
     const LauncherRun run = Run(EmptyMedia(), {"-installerPath", Separate("other")});
     EXPECT_EQ(run.Installer().Variable("ZEP_OS"), "win_b64");
 }
 
-TEST_F(ElsewhereTest, MissingMarkerFileStandsForAllToo) {
+TEST_F(SeparateInstaller, MissingMarkerFileStandsForAllToo) {
     variables["ZEPAdmInstODTinstallOSpath"] = scratch.Text("no marker");
     EXPECT_THAT(Run(MarkedMedia()),
                 IsRefusedWith("This media is not for Windows operating system."));
 }
 
 // In the installer's media its folder "1" is the first volume, and is looked at first.
-TEST_F(ElsewhereTest, FirstVolumeFolderComesFirst) {
+TEST_F(SeparateInstaller, FirstVolumeFolderComesFirst) {
     Separate("other");
     Separate("other/1");
     const LauncherRun run = Run(MarkedMedia(), {"-installerPath", scratch.Text("other")});
@@ -118,13 +115,13 @@ TEST_F(ElsewhereTest, FirstVolumeFolderComesFirst) {
     EXPECT_EQ(run.Installer().Variable("MORInstaller"), scratch.Text("other\\1\\inst") + "\\");
 }
 
-TEST_F(ElsewhereTest, FolderMayEndInABackslash) {
+TEST_F(SeparateInstaller, FolderMayEndInABackslash) {
     const LauncherRun run = Run(MarkedMedia(), {"-installerPath", Separate("other") + "\\"});
     EXPECT_EQ(run.Installer().module, Module(scratch.Text("other")));
     EXPECT_EQ(run.Installer().Variable("MORInstaller"), scratch.Text("other\\inst") + "\\");
 }
 
-TEST_F(ElsewhereTest, LastOfSeveralOptionsCounts) {
+TEST_F(SeparateInstaller, LastOfSeveralOptionsCounts) {
     Separate("a");
     Separate("b");
     const LauncherRun run = Run(
@@ -132,26 +129,26 @@ TEST_F(ElsewhereTest, LastOfSeveralOptionsCounts) {
     EXPECT_EQ(run.Installer().module, Module(scratch.Text("b")));
 }
 
-TEST_F(ElsewhereTest, VariableNamesTheFolder) {
+TEST_F(SeparateInstaller, VariableNamesTheFolder) {
     variables["ZEP_TALVOR_Installer"] = Separate("other");
     const LauncherRun run = Run(MarkedMedia());
     EXPECT_EQ(run.Installer().module, Module(scratch.Text("other")));
 }
 
-TEST_F(ElsewhereTest, VariableMayBeGivenAsAnOption) {
+TEST_F(SeparateInstaller, VariableMayBeGivenAsAnOption) {
     const LauncherRun run =
         Run(MarkedMedia(), {"-env", "ZEP_TALVOR_Installer=" + Separate("other")});
     EXPECT_EQ(run.Installer().module, Module(scratch.Text("other")));
 }
 
-TEST_F(ElsewhereTest, OptionComesBeforeTheVariable) {
+TEST_F(SeparateInstaller, OptionComesBeforeTheVariable) {
     variables["ZEP_TALVOR_Installer"] = Separate("by variable");
     const LauncherRun run = Run(MarkedMedia(), {"-installerPath", Separate("by option")});
     EXPECT_EQ(run.Installer().module, Module(scratch.Text("by option")));
     EXPECT_THAT(run.BoxTexts(), ElementsAre());
 }
 
-TEST_F(ElsewhereTest, VariableHelpsOutForABadOption) {
+TEST_F(SeparateInstaller, VariableHelpsOutForABadOption) {
     variables["ZEP_TALVOR_Installer"] = Separate("by variable");
     const LauncherRun run =
         Run(MarkedMedia(), {"-wait", "-installerPath", scratch.MakeDir("empty")});
@@ -160,7 +157,7 @@ TEST_F(ElsewhereTest, VariableHelpsOutForABadOption) {
     EXPECT_EQ(run.exitCode, 0u);
 }
 
-TEST_F(ElsewhereTest, CancelledDialogEndsTheSearch) {
+TEST_F(SeparateInstaller, CancelledDialogEndsTheSearch) {
     variables["ZEP_TALVOR_Installer"] = scratch.MakeDir("b");
     const LauncherRun run = Run(MarkedMedia(), {"-installerPath", scratch.MakeDir("a")});
     EXPECT_EQ(run.exitCode, 1u);
@@ -173,7 +170,7 @@ TEST_F(ElsewhereTest, CancelledDialogEndsTheSearch) {
     EXPECT_THAT(run.LeftInTemp(), testing::IsEmpty());
 }
 
-TEST_F(ElsewhereTest, NobodyIsAskedWhenTheMediaHasItsInstaller) {
+TEST_F(SeparateInstaller, NobodyIsAskedWhenTheMediaHasItsInstaller) {
     const Media media = UsualMedia().AddMarker("win_csa64");
     variables["ZEP_TALVOR_Installer"] = Separate("other");
     const LauncherRun run = Run(media, {"-installerPath", scratch.Text("other")});
@@ -182,7 +179,7 @@ TEST_F(ElsewhereTest, NobodyIsAskedWhenTheMediaHasItsInstaller) {
 }
 
 // Any value, also one that looks like no.
-TEST_F(ElsewhereTest, InstallerOfTheMediaCanBeSetAside) {
+TEST_F(SeparateInstaller, InstallerOfTheMediaCanBeSetAside) {
     const Media media = UsualMedia().AddMarker("win_b64");
     variables["ZEP_UseExternalInstaller"] = "0";
     const LauncherRun run = Run(media, {"-installerPath", Separate("other")});
@@ -193,7 +190,7 @@ TEST_F(ElsewhereTest, InstallerOfTheMediaCanBeSetAside) {
                           "\" but do not use it because of ZEP_UseExternalInstaller env var.\r\n"));
 }
 
-TEST_F(ElsewhereTest, MediaStaysTheCurrentOne) {
+TEST_F(SeparateInstaller, MediaStaysTheCurrentOne) {
     const Media media = MarkedMedia();
     const LauncherRun run = Run(media, {"-installerPath", Separate("other")});
     EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text()));

@@ -28,25 +28,24 @@ std::string UsualCommandLine(const Media& media) {
     return "\"" + media.InstallerText("win_b64") + "\" \"-CDpath\" \"" + media.Text() + "\"";
 }
 
-struct ExitCodeRow {
-    const char* installer;
-    int launcher;
+struct ExitCodeRow : Row {
+    int expected;
 };
 
 class ExitCode : public LauncherTableTest<ExitCodeRow> {};
 
 TEST_P(ExitCode, IsThatOfTheInstallerWhenWaitedFor) {
-    variables["STANDIN_EXIT"] = GetParam().installer;
-    EXPECT_THAT(Run(UsualMedia(), {"-wait"}), EndsQuietlyWith(GetParam().launcher));
+    variables["STANDIN_EXIT"] = GetParam().name;
+    EXPECT_THAT(Run(UsualMedia(), {"-wait"}), EndsQuietlyWith(GetParam().expected));
 }
 
 // Every code that is not negative as a signed number comes back as it is: success, a failure,
 // success that asks for a restart, one that a Unix shell would cut, and the largest.
 INSTANTIATE_TEST_SUITE_P(Codes, ExitCode,
-                         testing::Values(ExitCodeRow{"0", 0}, ExitCodeRow{"3", 3},
-                                         ExitCodeRow{"3010", 3010}, ExitCodeRow{"65536", 65536},
-                                         ExitCodeRow{"0x7FFFFFFF", 0x7FFFFFFF}),
-                         [](const auto& row) { return std::string(row.param.installer); });
+                         testing::Values(ExitCodeRow{{"0"}, 0}, ExitCodeRow{{"3"}, 3},
+                                         ExitCodeRow{{"3010"}, 3010}, ExitCodeRow{{"65536"}, 65536},
+                                         ExitCodeRow{{"0x7FFFFFFF"}, 0x7FFFFFFF}),
+                         RowName);
 
 class NegativeExitCode : public LauncherTableTest<const char*> {};
 

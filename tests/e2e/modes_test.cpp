@@ -62,8 +62,7 @@ TEST_P(Maintenance, IsDoneFromTheMedia) {
 INSTANTIATE_TEST_SUITE_P(Words, Maintenance, testing::Values("--mgt", "--uninst"),
                          [](const auto& row) { return TestName(row.param); });
 
-struct SoftMgtRow {
-    const char* name;
+struct SoftMgtRow : Row {
     std::vector<std::string> options;
     const char* variable;
     bool needsAdministrator;
@@ -97,15 +96,15 @@ TEST_P(SoftwareManagement, NeedsAnAdministratorOnlyToChangeSomething) {
 INSTANTIATE_TEST_SUITE_P(
     Table, SoftwareManagement,
     testing::Values(
-        SoftMgtRow{"List", {"-List"}, "Radio_ZEPSoftwareMgtCheck?List=true", false},
-        SoftMgtRow{"Check", {"-Check"}, "Radio_ZEPSoftwareMgtCheck?Check1=true", false},
-        SoftMgtRow{"Commit", {"-Commit"}, "Radio_ZEPSoftwareMgtCheck?Commit=true", true},
-        SoftMgtRow{"Rollback", {"-Rollback"}, "Radio_ZEPSoftwareMgtCheck?Rollback=true", true},
-        SoftMgtRow{"CheckThenCommit",
+        SoftMgtRow{{"List"}, {"-List"}, "Radio_ZEPSoftwareMgtCheck?List=true", false},
+        SoftMgtRow{{"Check"}, {"-Check"}, "Radio_ZEPSoftwareMgtCheck?Check1=true", false},
+        SoftMgtRow{{"Commit"}, {"-Commit"}, "Radio_ZEPSoftwareMgtCheck?Commit=true", true},
+        SoftMgtRow{{"Rollback"}, {"-Rollback"}, "Radio_ZEPSoftwareMgtCheck?Rollback=true", true},
+        SoftMgtRow{{"CheckThenCommit"},
                    {"-Check", "-Commit"},
                    "Radio_ZEPSoftwareMgtCheck?Commit=true",
                    false}),
-    [](const auto& row) { return std::string(row.param.name); });
+    RowName);
 
 TEST_F(Modes, OnlySoftwareManagementSetsItsVariables) {
     const LauncherRun run = Run(UsualMedia());

@@ -12,8 +12,7 @@ using testing::ElementsAre;
 
 namespace stdfs = std::filesystem;
 
-struct FolderRow {
-    const char* name;
+struct FolderRow : Row {
     const char* folder;
 };
 
@@ -44,11 +43,11 @@ TEST_P(MediaFolder, MayBeCopiedFromUnderAnyName) {
 // Blanks, signs that mean something to a command line, characters of other scripts, of the
 // supplementary planes and combining ones.
 INSTANTIATE_TEST_SUITE_P(Table, MediaFolder,
-                         testing::Values(FolderRow{"Blanks", "my media folder"},
-                                         FolderRow{"Signs", "a & b (c) %TEMP% ^; 'd' -wait"},
-                                         FolderRow{"Scripts", "Médium носитель 媒体"},
-                                         FolderRow{"Supplementary", "💿 e\xCC\x81"}),
-                         [](const auto& row) { return std::string(row.param.name); });
+                         testing::Values(FolderRow{{"Blanks"}, "my media folder"},
+                                         FolderRow{{"Signs"}, "a & b (c) %TEMP% ^; 'd' -wait"},
+                                         FolderRow{{"Scripts"}, "Médium носитель 媒体"},
+                                         FolderRow{{"Supplementary"}, "💿 e\xCC\x81"}),
+                         RowName);
 
 class Places : public LauncherTest {};
 

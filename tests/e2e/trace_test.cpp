@@ -90,8 +90,7 @@ TEST_F(Trace, OfAPlainRunIsShort) {
     EXPECT_EQ(run.errors, "");
 }
 
-struct SwitchRow {
-    const char* name;
+struct SwitchRow : Row {
     std::vector<std::string> arguments;
     bool inBoxes;
 };
@@ -106,16 +105,16 @@ TEST_P(TraceSwitch, IsOnForOneCharacter) {
 
 // Whatever the character is; a longer value is off. It may come from the command line, which is
 // read before the first message.
-INSTANTIATE_TEST_SUITE_P(Table, TraceSwitch,
-                         testing::Values(SwitchRow{"Zero", {"-env", "ZEP_TraceMsgBox=0"}, true},
-                                         SwitchRow{"Letter", {"-env", "ZEP_TraceMsgBox=x"}, true},
-                                         SwitchRow{"NameAlone", {"-env", "ZEP_TraceMsgBox"}, true},
-                                         SwitchRow{"Two", {"-env", "ZEP_TraceMsgBox=10"}, false},
-                                         SwitchRow{"Yes", {"-env", "ZEP_TraceMsgBox=yes"}, false},
-                                         // Two bytes in UTF-8.
-                                         SwitchRow{
-                                             "NonAscii", {"-env", "ZEP_TraceMsgBox=é"}, false}),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Table, TraceSwitch,
+    testing::Values(SwitchRow{{"Zero"}, {"-env", "ZEP_TraceMsgBox=0"}, true},
+                    SwitchRow{{"Letter"}, {"-env", "ZEP_TraceMsgBox=x"}, true},
+                    SwitchRow{{"NameAlone"}, {"-env", "ZEP_TraceMsgBox"}, true},
+                    SwitchRow{{"Two"}, {"-env", "ZEP_TraceMsgBox=10"}, false},
+                    SwitchRow{{"Yes"}, {"-env", "ZEP_TraceMsgBox=yes"}, false},
+                    // Two bytes in UTF-8.
+                    SwitchRow{{"NonAscii"}, {"-env", "ZEP_TraceMsgBox=é"}, false}),
+    RowName);
 
 }  // namespace
 }  // namespace launcher::test

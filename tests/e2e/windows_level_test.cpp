@@ -54,17 +54,16 @@ TEST_F(WebLibrary, MissingOnePasses) {
     EXPECT_THAT(Run(MediaFor("setup-no-web.exe"), {"-wait"}), EndsQuietlyWith(0));
 }
 
-struct VersionRow {
-    const char* version;
+struct VersionRow : Row {
     std::vector<std::string> boxes;
 };
 
 class WindowsVersion : public OnWine, public testing::WithParamInterface<VersionRow> {};
 
 TEST_P(WindowsVersion, IsWarnedOfButAccepted) {
-    const std::string name = "setup-" + std::string(GetParam().version) + ".exe";
+    const std::string name = "setup-" + std::string(GetParam().name) + ".exe";
     WineSettings settings(name);
-    settings.PoseAs(GetParam().version);
+    settings.PoseAs(GetParam().name);
     variables["STANDIN_EXIT"] = "9";
     const LauncherRun run = Run(MediaFor(name), {"-wait"});
     EXPECT_EQ(run.BoxTexts(), GetParam().boxes);
@@ -74,12 +73,12 @@ TEST_P(WindowsVersion, IsWarnedOfButAccepted) {
 
 // Windows 8 is the first that is supported.
 INSTANTIATE_TEST_SUITE_P(Table, WindowsVersion,
-                         testing::Values(VersionRow{"winxp64", {kVersionWarning}},
-                                         VersionRow{"vista", {kVersionWarning}},
-                                         VersionRow{"win7", {kVersionWarning}},
-                                         VersionRow{"win8", {}}, VersionRow{"win81", {}},
-                                         VersionRow{"win10", {}}),
-                         [](const auto& row) { return std::string(row.param.version); });
+                         testing::Values(VersionRow{{"winxp64"}, {kVersionWarning}},
+                                         VersionRow{{"vista"}, {kVersionWarning}},
+                                         VersionRow{{"win7"}, {kVersionWarning}},
+                                         VersionRow{{"win8"}, {}}, VersionRow{{"win81"}, {}},
+                                         VersionRow{{"win10"}, {}}),
+                         RowName);
 
 TEST_F(WebLibrary, IsAskedForBeforeTheVersion) {
     WineSettings settings("setup-old-all.exe");

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <concepts>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -39,9 +41,19 @@ class LauncherTest : public testing::Test {
     std::map<std::string, std::string> variables;
 };
 
+// A row of a table. The name names its test.
+struct Row {
+    const char* name;
+};
+template <std::derived_from<Row> Derived>
+void PrintTo(const Derived& row, std::ostream* stream) {
+    *stream << row.name;
+}
+inline constexpr auto RowName = [](const auto& row) { return std::string(row.param.name); };
+
 // The same, once for each row of a table.
-template <class Row>
-class LauncherTableTest : public LauncherTest, public testing::WithParamInterface<Row> {};
+template <class Param>
+class LauncherTableTest : public LauncherTest, public testing::WithParamInterface<Param> {};
 
 // A run that ended in one message box, without an installer.
 MATCHER_P(IsRefusedWith, text, "") {

@@ -1,0 +1,67 @@
+#!/bin/sh
+# Makes the pictures of the launcher's windows in docs/images again, on Debian, with Wine on a
+# display that nobody sees.
+#
+#   screenshots.sh SETUP_PROGRAM
+#
+# Needs root where one of the packages is missing. Nothing of it stays but the pictures.
+set -eu
+
+images=$(cd "$(dirname "$0")/../docs/images" && pwd)
+setup=$(realpath "$1")
+work=$(mktemp -d)
+display=:77
+
+export WINEPREFIX="$work/prefix" WINEARCH=win64 WINEDEBUG=-all DISPLAY="$display"
+# Without a web library the launcher does not ask for a newer one.
+export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe,wininet="
+WINE=$(command -v wine64 || command -v /usr/lib/wine/wine64 || command -v wine)
+
+install_tools() {
+    command -v Xvfb >/dev/null && command -v import >/dev/null && [ -e /usr/share/wine/fonts/tahoma.ttf ] &&
+        return
+    apt-get update -qq
+    apt-get install -y -qq --no-install-recommends xvfb imagemagick fonts-wine
+}
+
+clean_up() {
+    wineserver -k 2>/dev/null || true
+    [ -z "${xvfb-}" ] || kill "$xvfb" 2>/dev/null || true
+    rm -rf "$work"
+}
+
+# A media whose installer is elsewhere, and, two levels above it, the separate installer media.
+make_media() {
+    media="$work/drive/QN_Installer/media/1"
+    mkdir -p "$media/inst/common" "$work/drive/QN_Installer/inst/win_b64/code/bin"
+    touch "$media/inst/common/win_b64.installos"
+    touch "$work/drive/QN_Installer/inst/win_b64/code/bin/ZEPInsAppliGUI.exe"
+    cp "$setup" "$media/setup.exe"
+    ln -s "$work/drive" "$WINEPREFIX/dosdevices/d:"
+}
+
+# The launcher on a desktop of its own, which draws the frames of its windows. Shoots when the
+# windows have had time to open.
+shoot() {
+    name=$1
+    shift
+    "$WINE" explorer /desktop="$name,1000x700" 'D:\QN_Installer\media\1\setup.exe' "$@" \
+        </dev/null >/dev/null 2>&1 &
+    sleep 8
+    import -window root "$work/$name.png"
+    wineserver -k
+    wineserver -w
+    # The window alone, from a desktop of one colour.
+    convert "$work/$name.png" -trim +repage -strip -colors 64 \
+        -define png:compression-level=9 "PNG8:$images/$name.png"
+}
+
+trap clean_up EXIT
+install_tools
+Xvfb "$display" -screen 0 1000x700x24 >/dev/null 2>&1 &
+xvfb=$!
+"$WINE" wineboot --init </dev/null >/dev/null 2>&1
+wineserver -w
+make_media
+shoot message -SoftMgt
+shoot folder-dialog
