@@ -27,8 +27,10 @@ Sid AdministratorsGroup() {
     SID_IDENTIFIER_AUTHORITY authority = {SECURITY_NT_AUTHORITY};
     Sid group;
     if (!AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID,
-                                  DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0, group.Put()))
-        throw ZEPInsException("AllocateAndInitializeSid failed.", GetLastError());
+                                  DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0, group.Put())) {
+        const DWORD error = GetLastError();
+        throw ZEPInsException("AllocateAndInitializeSid failed.", error);
+    }
     return group;
 }
 
@@ -41,8 +43,10 @@ bool IsMember(const Sid& group) {
 
 bool IsProcessElevated() {
     TokenHandle token;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_READ, token.Put()))
-        throw ZEPInsException("OpenProcessToken failed.", GetLastError());
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_READ, token.Put())) {
+        const DWORD error = GetLastError();
+        throw ZEPInsException("OpenProcessToken failed.", error);
+    }
     TOKEN_ELEVATION elevation{};
     DWORD length = 0;
     if (!GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof elevation, &length)) {

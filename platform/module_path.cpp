@@ -12,8 +12,10 @@ std::string GetModuleFileNameText() {
     static std::string cache;
     if (cache.empty()) {
         wchar_t buffer[MAX_PATH + 1] = {};  // one more: Windows XP does not terminate a cut name
-        if (GetModuleFileNameW(nullptr, buffer, MAX_PATH) == 0)
-            throw ZEPInsException("GetModuleFileName failed.", GetLastError());
+        if (GetModuleFileNameW(nullptr, buffer, MAX_PATH) == 0) {
+            const DWORD error = GetLastError();
+            throw ZEPInsException("GetModuleFileName failed.", error);
+        }
         cache = ToNarrow(buffer);
     }
     return cache;

@@ -1,8 +1,12 @@
 #include "tests/support/handle_count.h"
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <cstdint>
+#include <stdexcept>
+
+#include "fs/exceptions.h"
 
 namespace launcher::test {
 namespace {
@@ -22,6 +26,17 @@ std::size_t CountByProbing() {
     return count;
 }
 
+// Some first uses open a handle for the rest of the process: the system's texts, the report of a
+// failed expectation, and an exception.
+void UseWhatKeepsHandles() {
+    SystemErrorText(1);
+    OutputDebugStringA("\n");
+    try {
+        throw std::runtime_error("");
+    } catch (const std::runtime_error&) {
+    }
+}
+
 }  // namespace
 
 std::size_t OpenHandleCount() {
@@ -29,6 +44,15 @@ std::size_t OpenHandleCount() {
     DWORD count = 0;
     if (GetProcessHandleCount(GetCurrentProcess(), &count) && count != 0) return count;
     return CountByProbing();
+}
+
+SameHandlesAtTheEnd::SameHandlesAtTheEnd() {
+    UseWhatKeepsHandles();
+    before_ = OpenHandleCount();
+}
+
+SameHandlesAtTheEnd::~SameHandlesAtTheEnd() {
+    EXPECT_EQ(OpenHandleCount(), before_) << "handles were left open";
 }
 
 }  // namespace launcher::test

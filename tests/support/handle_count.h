@@ -4,8 +4,20 @@
 
 namespace launcher::test {
 
-// How many handles this process has open: equal before and after an operation that releases all it
-// acquired.
+// How many handles this process has open.
 std::size_t OpenHandleCount();
+
+// Fails the test when fewer or more handles are open at its end than at its beginning: as the
+// first member of a fixture, when something of the test was left open.
+class SameHandlesAtTheEnd {
+  public:
+    SameHandlesAtTheEnd();
+    SameHandlesAtTheEnd(const SameHandlesAtTheEnd&) = delete;
+    SameHandlesAtTheEnd& operator=(const SameHandlesAtTheEnd&) = delete;
+    ~SameHandlesAtTheEnd();
+
+  private:
+    std::size_t before_;
+};
 
 }  // namespace launcher::test

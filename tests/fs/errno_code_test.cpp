@@ -1,0 +1,146 @@
+#include "fs/errno_code.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <io.h>
+#include <share.h>
+#include <sys/stat.h>
+#include <windows.h>
+
+#include <cerrno>
+#include <string>
+#include <utility>
+
+#include "fs/owners.h"
+#include "tests/support/temporary_folder.h"
+
+namespace launcher {
+namespace {
+
+// The codes that file functions give, from the C runtime's documented errno values.
+TEST(ErrnoFromWindowsError, KnowsTheErrorsOfFiles) {
+    const std::pair<DWORD, int> rows[] = {
+        {ERROR_FILE_NOT_FOUND, ENOENT},      {ERROR_PATH_NOT_FOUND, ENOENT},
+        {ERROR_INVALID_DRIVE, ENOENT},       {ERROR_NO_MORE_FILES, ENOENT},
+        {ERROR_BAD_NETPATH, ENOENT},         {ERROR_BAD_NET_NAME, ENOENT},
+        {ERROR_BAD_PATHNAME, ENOENT},        {ERROR_FILENAME_EXCED_RANGE, ENOENT},
+        {ERROR_TOO_MANY_OPEN_FILES, EMFILE}, {ERROR_ACCESS_DENIED, EACCES},
+        {ERROR_CURRENT_DIRECTORY, EACCES},   {ERROR_NETWORK_ACCESS_DENIED, EACCES},
+        {ERROR_CANNOT_MAKE, EACCES},         {ERROR_FAIL_I24, EACCES},
+        {ERROR_DRIVE_LOCKED, EACCES},        {ERROR_NOT_LOCKED, EACCES},
+        {ERROR_LOCK_FAILED, EACCES},         {ERROR_INVALID_HANDLE, EBADF},
+        {ERROR_ARENA_TRASHED, ENOMEM},       {ERROR_NOT_ENOUGH_MEMORY, ENOMEM},
+        {ERROR_INVALID_BLOCK, ENOMEM},       {ERROR_NOT_ENOUGH_QUOTA, ENOMEM},
+        {ERROR_FILE_EXISTS, EEXIST},         {ERROR_ALREADY_EXISTS, EEXIST},
+        {ERROR_BROKEN_PIPE, EPIPE},          {ERROR_DISK_FULL, ENOSPC}};
+    for (const auto& [code, value] : rows)
+        EXPECT_EQ(ErrnoFromWindowsError(code), value) << "error " << code;
+}
+
+TEST(ErrnoFromWindowsError, GivesNoAccessForTheHardwareAndSharingErrors) {
+    for (DWORD code = ERROR_WRITE_PROTECT; code <= ERROR_SHARING_BUFFER_EXCEEDED; ++code)
+        EXPECT_EQ(ErrnoFromWindowsError(code), EACCES) << "error " << code;
+}
+
+TEST(ErrnoFromWindowsError, GivesInvalidArgumentForAllOthers) {
+    for (const DWORD code :
+         {DWORD{ERROR_INVALID_FUNCTION}, DWORD{ERROR_INVALID_PARAMETER}, DWORD{ERROR_INVALID_NAME},
+          DWORD{ERROR_SHARING_BUFFER_EXCEEDED + 1}, DWORD{ERROR_HANDLE_DISK_FULL},
+          DWORD{ERROR_DIRECTORY}, DWORD{ERROR_IO_DEVICE}, DWORD{0xFFFFFFFF}})
+        EXPECT_EQ(ErrnoFromWindowsError(code), EINVAL) << "error " << code;
+}
+
+// The same situation once through the C runtime and once through Windows.
+class RuntimeAgreement : public testing::Test {
+  protected:
+    enum class Mode { Read, Write };
+
+    static int ErrnoOfRuntime(const std::wstring& path, Mode mode) {
+        const int flags = mode == Mode::Read ? _O_RDONLY : _O_WRONLY | _O_CREAT | _O_TRUNC;
+        int file = -1;
+        const int error =
+            _wsopen_s(&file, path.c_str(), flags | _O_BINARY, _SH_DENYNO, _S_IREAD | _S_IWRITE);
+        if (error == 0) _close(file);
+        return error;
+    }
+
+    static int ErrnoOfWindows(const std::wstring& path, Mode mode) {
+        const bool reads = mode == Mode::Read;
+        const HANDLE file = CreateFileW(
+            path.c_str(), reads ? GENERIC_READ : GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+            nullptr, reads ? OPEN_EXISTING : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file == INVALID_HANDLE_VALUE) return ErrnoFromWindowsError(GetLastError());
+        CloseHandle(file);
+        return 0;
+    }
+
+    static void ExpectAgreement(const std::wstring& path, Mode mode) {
+        const int expected = ErrnoOfRuntime(path, mode);
+        EXPECT_NE(expected, 0);
+        EXPECT_EQ(ErrnoOfWindows(path, mode), expected);
+    }
+
+    std::wstring PathOf(const char* name) const { return (folder_.Dir() / name).wstring(); }
+    std::wstring NewFile(const char* name) const {
+        folder_.Write(name, "content");
+        return PathOf(name);
+    }
+
+    test::TemporaryFolder folder_;
+};
+
+TEST_F(RuntimeAgreement, OnAMissingFile) {
+    ExpectAgreement(PathOf("missing"), Mode::Read);
+}
+
+TEST_F(RuntimeAgreement, OnAMissingFolder) {
+    ExpectAgreement(PathOf("missing\\file"), Mode::Read);
+    ExpectAgreement(PathOf("missing\\file"), Mode::Write);
+}
+
+TEST_F(RuntimeAgreement, OnAFolder) {
+    folder_.MakeDir("folder");
+    ExpectAgreement(PathOf("folder"), Mode::Read);
+    ExpectAgreement(PathOf("folder"), Mode::Write);
+}
+
+TEST_F(RuntimeAgreement, OnAFileInThePlaceOfAFolder) {
+    NewFile("file");
+    ExpectAgreement(PathOf("file\\below"), Mode::Read);
+    ExpectAgreement(PathOf("file\\below"), Mode::Write);
+}
+
+TEST_F(RuntimeAgreement, OnAReadOnlyFile) {
+    const std::wstring path = NewFile("file");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    if (ErrnoOfWindows(path, Mode::Write) == 0)
+        GTEST_SKIP() << "Wine lets the host's root write read-only files";
+    ExpectAgreement(path, Mode::Write);
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(RuntimeAgreement, OnAFileInUse) {
+    const std::wstring path = NewFile("file");
+    const FileHandle user(
+        CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ExpectAgreement(path, Mode::Read);
+    ExpectAgreement(path, Mode::Write);
+}
+
+TEST_F(RuntimeAgreement, OnNamesThatCannotBe) {
+    for (const char* const name : {"a<b", "a|b", "a?b", "a*b"}) {
+        SCOPED_TRACE(name);
+        ExpectAgreement(PathOf(name), Mode::Read);
+        ExpectAgreement(PathOf(name), Mode::Write);
+    }
+    ExpectAgreement(PathOf(std::string(300, 'n').c_str()), Mode::Read);
+}
+
+TEST_F(RuntimeAgreement, OnADriveThatIsNotThere) {
+    ASSERT_EQ(GetDriveTypeW(L"B:\\"), static_cast<UINT>(DRIVE_NO_ROOT_DIR));
+    ExpectAgreement(L"B:\\file", Mode::Read);
+    ExpectAgreement(L"B:\\file", Mode::Write);
+}
+
+}  // namespace
+}  // namespace launcher

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace launcher::test {
+
+// Second names for a folder, each while the object lives. Wine makes none itself: there they are
+// symbolic links of the host, and each costs this process a handle that Wine never closes. All
+// throw std::runtime_error when the name is not there afterwards.
+
+// A link to a folder: a junction, which needs no privileges. Must end before its target does.
+class FolderLink {
+  public:
+    FolderLink(const std::filesystem::path& link, const std::filesystem::path& target);
+    FolderLink(const FolderLink&) = delete;
+    FolderLink& operator=(const FolderLink&) = delete;
+    ~FolderLink();
+
+  private:
+    std::filesystem::path link_;
+};
+
+// A drive letter for a folder.
+class MappedDrive {
+  public:
+    explicit MappedDrive(const std::filesystem::path& folder);
+    MappedDrive(const MappedDrive&) = delete;
+    MappedDrive& operator=(const MappedDrive&) = delete;
+    ~MappedDrive();
+
+    std::filesystem::path Root() const { return letter_ + L"\\"; }
+
+  private:
+    std::wstring letter_;  // "Q:"
+    std::filesystem::path folder_;
+};
+
+// The name of a file of the local disk C: over the network. On Windows only administrators can
+// open it.
+std::filesystem::path NetworkName(const std::filesystem::path& path);
+
+}  // namespace launcher::test

@@ -1,0 +1,128 @@
+#include "platform/module_path.h"
+
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+#include "tests/fs/throws.h"
+#include "tests/platform/own_process.h"
+#include "tests/support/hook.h"
+#include "tests/support/temporary_folder.h"
+
+namespace launcher {
+namespace {
+
+using test::ThrowsSystemError;
+
+// A process whose executable has this path.
+class Executable {
+  public:
+    explicit Executable(std::wstring path) : path_(std::move(path)) {}
+
+    int calls = 0;
+    DWORD error = 0;
+
+  private:
+    // As Windows does it: a path that does not fit is cut, terminated, and the size is the answer.
+    DWORD Give(LPWSTR buffer, DWORD size) {
+        ++calls;
+        if (error != 0) {
+            SetLastError(error);
+            return 0;
+        }
+        const std::size_t length = std::min<std::size_t>(path_.size(), size - 1);
+        std::copy_n(path_.begin(), length, buffer);
+        buffer[length] = 0;
+        if (length == path_.size()) return static_cast<DWORD>(length);
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return size;
+    }
+
+    std::wstring path_;
+    test::Hook<decltype(&GetModuleFileNameW)> hook_{
+        "GetModuleFileNameW", [this](auto, HMODULE module, LPWSTR buffer, DWORD size) {
+            EXPECT_EQ(module, nullptr);
+            EXPECT_EQ(size, 260u);
+            return Give(buffer, size);
+        }};
+};
+
+TEST(ModulePath, IsTheRunningExecutable) {
+    const std::filesystem::path path = test::FromUtf8(GetModuleFileNameText());
+    EXPECT_TRUE(std::filesystem::exists(path));
+    EXPECT_EQ(path.filename(), "platform_test.exe");
+    EXPECT_EQ(GetModuleDirectory() + "\\platform_test.exe", GetModuleFileNameText());
+}
+
+struct Place {
+    const char* name;
+    const wchar_t* executable;
+    const char* folder;
+};
+class ModuleDirectoryDeathTest : public testing::TestWithParam<Place> {};
+// The folder has no trailing backslash, a drive's root neither.
+INSTANTIATE_TEST_SUITE_P(
+    Places, ModuleDirectoryDeathTest,
+    testing::Values(Place{"Folder", L"C:\\media\\disk 1\\setup.exe", "C:\\media\\disk 1"},
+                    Place{"DriveRoot", L"D:\\setup.exe", "D:"},
+                    Place{"ShareRoot", L"\\\\server\\share\\setup.exe", "\\\\server\\share"},
+                    Place{"AnyLanguage", L"C:\\gr\u00FC\u00DF \xD83D\xDCBF\\setup.exe",
+                          "C:\\gr\xC3\xBC\xC3\x9F \xF0\x9F\x92\xBF"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(ModuleDirectoryDeathTest, IsTheFolderOfTheExecutable) {
+    test::ExpectInOwnProcess([] {
+        const Executable executable(GetParam().executable);
+        EXPECT_EQ(GetModuleDirectory(), GetParam().folder);
+    });
+}
+
+TEST(ModulePathDeathTest, IsAskedOfWindowsOnce) {
+    test::ExpectInOwnProcess([] {
+        const Executable executable(L"C:\\media\\setup.exe");
+        EXPECT_EQ(GetModuleDirectory(), "C:\\media");
+        EXPECT_EQ(GetModuleDirectory(), "C:\\media");
+        EXPECT_EQ(GetModuleFileNameText(), "C:\\media\\setup.exe");
+        EXPECT_EQ(executable.calls, 1);
+    });
+}
+
+std::wstring PathOfLength(std::size_t length) {
+    std::wstring path = L"C:\\";
+    while (path.size() < length)
+        path += path.size() % 50 == 0 ? L'\\' : L'd';
+    return path;
+}
+
+// The longest path that fits comes whole; a longer one is used as Windows cuts it.
+TEST(ModulePathDeathTest, OfMoreThan259CharactersIsUsedAsItWasCut) {
+    test::ExpectInOwnProcess([] {
+        const Executable executable(PathOfLength(259));
+        EXPECT_EQ(GetModuleFileNameText().size(), 259u);
+    });
+    test::ExpectInOwnProcess([] {
+        const Executable executable(PathOfLength(245) + L"\\bin\\deep\\deeper\\setup.exe");
+        EXPECT_EQ(GetModuleFileNameText().size(), 259u);
+        EXPECT_TRUE(GetModuleFileNameText().ends_with("\\bin\\deep\\deep"));
+        EXPECT_TRUE(GetModuleDirectory().ends_with("\\bin\\deep"));
+    });
+}
+
+TEST(ModulePathDeathTest, ThrowsWhenWindowsCannotTellAndTriesAgain) {
+    test::ExpectInOwnProcess([] {
+        Executable executable(L"C:\\media\\setup.exe");
+        executable.error = ERROR_NOT_ENOUGH_MEMORY;
+        EXPECT_THAT([] { GetModuleFileNameText(); },
+                    ThrowsSystemError("GetModuleFileName failed.", ERROR_NOT_ENOUGH_MEMORY));
+        EXPECT_THAT([] { GetModuleDirectory(); },
+                    ThrowsSystemError("GetModuleFileName failed.", ERROR_NOT_ENOUGH_MEMORY));
+        executable.error = 0;
+        EXPECT_EQ(GetModuleDirectory(), "C:\\media");
+    });
+}
+
+}  // namespace
+}  // namespace launcher
