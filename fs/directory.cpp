@@ -45,12 +45,15 @@ void CopyDirectory(const std::string& source, const std::string& destination) {
         CreateDir(destination);
         return;
     }
+    auto copyFile = CopyOneFile;
     for (; !entries->AtEnd(); entries->Next()) {
         const std::string target = destination + kBackslash + entries->Name();
-        if (IsDirectory(entries->Type()))
+        if (IsDirectory(entries->Type())) {
             CopyDirectory(entries->FullPath(), target);
-        else
-            CopyOneFile(entries->FullPath(), target);
+        } else {
+            copyFile(entries->FullPath(), target);
+            copyFile = CopyIntoFolder;  // the first file has made the folder
+        }
     }
 }
 

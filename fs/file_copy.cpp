@@ -1,7 +1,5 @@
 #include "fs/file_copy.h"
 
-#include <sys/stat.h>
-#include <sys/types.h>
 #include <windows.h>
 
 #include <array>
@@ -32,36 +30,30 @@ void CreateParent(const std::string& path) {
     if (!IsEmpty(parent)) CreateDir(parent.Text());
 }
 
-// The open source. `identity` is all zero when the file system gives none.
+// The open source and its times from before it was read.
 struct SourceFile {
     FileHandle handle;
-    BY_HANDLE_FILE_INFORMATION identity{};
     FILETIME accessed{};
     FILETIME modified{};
 };
 
+// `error` is why the source could not be opened; a source that cannot even be looked at has a
+// message of its own.
 [[noreturn]] void ThrowUnreadable(const std::string& source, DWORD error) {
-    struct _stat64 status {};
-    if (_wstat64(ToWide(source).c_str(), &status) != 0)
-        throw ZEPInsExceptionErrno("Cannot stat " + source, errno);
+    const std::wstring widePath = ToWide(source);
+    if (GetFileAttributesW(widePath.c_str()) == INVALID_FILE_ATTRIBUTES) {
+        const DWORD statusError = GetLastError();
+        throw ZEPInsExceptionErrno("Cannot stat " + source, ErrnoFromWindowsError(statusError));
+    }
     throw ZEPInsExceptionErrno("Cannot read " + source, ErrnoFromWindowsError(error));
 }
 
-SourceFile OpenSource(const std::string& source, const std::string& destination) {
+SourceFile OpenSource(const std::string& source) {
+    const std::wstring widePath = ToWide(source);
     SourceFile file;
-    file.handle = Open(ToWide(source), GENERIC_READ, OPEN_EXISTING);
-    if (!file.handle) {
-        const DWORD error = GetLastError();
-        CreateParent(destination);  // comes before any look at the source, whatever that look says
-        ThrowUnreadable(source, error);
-    }
-    if (GetFileInformationByHandle(file.handle.Get(), &file.identity)) {
-        file.accessed = file.identity.ftLastAccessTime;
-        file.modified = file.identity.ftLastWriteTime;
-    } else {
-        file.identity = {};
-        GetFileTime(file.handle.Get(), nullptr, &file.accessed, &file.modified);
-    }
+    file.handle = Open(widePath, GENERIC_READ, OPEN_EXISTING);
+    if (!file.handle) ThrowUnreadable(source, GetLastError());
+    GetFileTime(file.handle.Get(), nullptr, &file.accessed, &file.modified);
     return file;
 }
 
@@ -76,19 +68,20 @@ bool IsSameFile(const BY_HANDLE_FILE_INFORMATION& a, const BY_HANDLE_FILE_INFORM
 // letter, a share.
 bool IsSource(const std::wstring& path, const SourceFile& source) {
     const FileHandle other = Open(path, GENERIC_READ, OPEN_EXISTING);
-    BY_HANDLE_FILE_INFORMATION identity{};
-    return GetFileInformationByHandle(other.Get(), &identity) &&
-           IsSameFile(identity, source.identity);
+    BY_HANDLE_FILE_INFORMATION theirs{};
+    BY_HANDLE_FILE_INFORMATION ours{};
+    return GetFileInformationByHandle(other.Get(), &theirs) &&
+           GetFileInformationByHandle(source.handle.Get(), &ours) && IsSameFile(theirs, ours);
 }
 
-// Most copies go where nothing is yet, into a folder that is there: then one call opens the file,
-// and there is no folder to make and nothing to mistake for the source.
+// Most copies go where nothing is yet: then one call opens the file, and there is nothing to
+// mistake for the source.
 FileHandle OpenDestination(const std::string& destination, const std::string& sourcePath,
                            const SourceFile& source) {
     const std::wstring widePath = ToWide(destination);
     FileHandle file = Open(widePath, GENERIC_WRITE, CREATE_NEW);
     if (file) return file;
-    CreateParent(destination);
+    CreateParent(destination);  // a folder that went away meanwhile is made again
     if (IsSource(widePath, source))
         throw ZEPInsException("Cannot copy " + sourcePath + " to itself.");
     file = Open(widePath, GENERIC_WRITE, CREATE_ALWAYS);
@@ -141,7 +134,12 @@ void SetTime(const FileHandle& file, const SourceFile& source, const std::string
 }  // namespace
 
 void CopyOneFile(const std::string& source, const std::string& destination) {
-    const SourceFile from = OpenSource(source, destination);
+    CreateParent(destination);
+    CopyIntoFolder(source, destination);
+}
+
+void CopyIntoFolder(const std::string& source, const std::string& destination) {
+    const SourceFile from = OpenSource(source);
     const FileHandle to = OpenDestination(destination, source, from);
     CopyBytes(from.handle, to, destination);
     SetTime(to, from, destination);

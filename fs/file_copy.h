@@ -17,4 +17,7 @@ namespace launcher {
 // A failure leaves a partial destination file in place.
 void CopyOneFile(const std::string& source, const std::string& destination);
 
+// As CopyOneFile, into a folder that was there a moment ago: saves asking again for every file.
+void CopyIntoFolder(const std::string& source, const std::string& destination);
+
 }  // namespace launcher

@@ -1,7 +1,5 @@
 #include "fs/file_operations.h"
 
-#include <sys/stat.h>
-#include <sys/types.h>
 #include <windows.h>
 
 #include <exception>
@@ -17,10 +15,13 @@ namespace launcher {
 namespace {
 
 // The attributes as the folder's listing has them, which works for a file that is in use.
-DWORD AttributesFromListing(const std::string& path) {
+DWORD AttributesFromListing(const std::string& path, const std::wstring& widePath) {
     WIN32_FIND_DATAW data{};
-    const FindHandle search(FindFirstFileW(ToWide(path).c_str(), &data));
-    if (!search) throw ZEPInsException("GetType - " + path, GetLastError());
+    const FindHandle search(FindFirstFileW(widePath.c_str(), &data));
+    if (!search) {
+        const DWORD error = GetLastError();
+        throw ZEPInsException("GetType - " + path, error);
+    }
     return data.dwFileAttributes;
 }
 
@@ -52,7 +53,7 @@ FileType GetType(const std::string& path) {
     if (attributes == INVALID_FILE_ATTRIBUTES) {
         const DWORD error = GetLastError();
         if (error != ERROR_SHARING_VIOLATION) throw ZEPInsException("GetType - " + path, error);
-        attributes = AttributesFromListing(path);
+        attributes = AttributesFromListing(path, widePath);
     }
     return TypeFromAttributes(attributes);
 }
@@ -62,9 +63,9 @@ void CreateDir(const std::string& path) {
     const std::string& text = folder.Text();
     if (text.empty()) throw ZEPInsException("CreateDir - empty path");
     const std::wstring wideText = ToWide(text);
-    struct _stat64 status {};
-    if (_wstat64(wideText.c_str(), &status) == 0) {
-        if ((status.st_mode & _S_IFMT) == _S_IFDIR) return;
+    const DWORD attributes = GetFileAttributesW(wideText.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES) {
+        if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return;
         throw ZEPInsException("CreateDir - " + text + " is not a directory.");
     }
     const Path parent = Parent(folder);
@@ -72,8 +73,10 @@ void CreateDir(const std::string& path) {
     CreateParentIgnoringFailure(parent.Text());
     if (FileName(folder) == ".") return;
     // The message names the Windows call, unlike the two above; it is meant so.
-    if (!CreateDirectoryW(wideText.c_str(), nullptr))
-        throw ZEPInsException("CreateDirectory - " + text, GetLastError());
+    if (!CreateDirectoryW(wideText.c_str(), nullptr)) {
+        const DWORD error = GetLastError();
+        throw ZEPInsException("CreateDirectory - " + text, error);
+    }
 }
 
 void Copy(const std::string& source, const std::string& destination) {

@@ -196,7 +196,6 @@ int FindVolumes(const SplitMedia& media, std::vector<std::string>& volumes) {
     const int all = static_cast<int>(media.count);
     Report(options, "Volume 1 found in: " + options.mediaDir.Text());
     if (const auto result = Conclude(media, SiblingPass(media, volumes), all)) return *result;
-    volumes.clear();
     const std::optional<AmSet> am = FindAmSet(options);
     if (!am) return 0;
     return Conclude(media, AmPass(media, *am, volumes), all).value_or(0);
