@@ -30,6 +30,21 @@ clean_up() {
     rm -rf "$work"
 }
 
+make_prefix() {
+    "$WINE" wineboot --init
+    cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
+    "$WINE" winecfg /v win10
+    # Nothing gives the windows the focus; their captions look as if they had it.
+    set_colour InactiveTitle "10 36 106"
+    set_colour GradientInactiveTitle "166 202 240"
+    set_colour InactiveTitleText "255 255 255"
+    wineserver -w
+} </dev/null >/dev/null 2>&1
+
+set_colour() {
+    "$WINE" reg add 'HKCU\Control Panel\Colors' /v "$1" /d "$2" /f
+}
+
 # A media whose installer is elsewhere, and, two levels above it, the separate installer media.
 make_media() {
     media="$work/drive/QN_Installer/media/1"
@@ -52,7 +67,7 @@ shoot() {
     wineserver -k
     wineserver -w
     # The window alone, from a desktop of one colour.
-    convert "$work/$name.png" -trim +repage -strip -colors 64 \
+    convert "$work/$name.png" -trim +repage -strip +dither -colors 255 \
         -define png:compression-level=9 "PNG8:$images/$name.png"
 }
 
@@ -60,8 +75,7 @@ trap clean_up EXIT
 install_tools
 Xvfb "$display" -screen 0 1000x700x24 >/dev/null 2>&1 &
 xvfb=$!
-"$WINE" wineboot --init </dev/null >/dev/null 2>&1
-wineserver -w
+make_prefix
 make_media
-shoot message -SoftMgt
+shoot message -installerPath 'D:\QN_Installer' -env ZEPProcessNotAdmin
 shoot folder-dialog

@@ -1,0 +1,162 @@
+#include "tests/dialog/support/dialog_driver.h"
+
+// windows.h first: the process list's header needs it.
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+
+#include "fs/text.h"
+
+namespace launcher::test {
+namespace {
+
+// The dialog's own controls, the same in Windows and Wine.
+constexpr int kFolderEdit = 1152;
+// Those of Wine's toolbar.
+constexpr int kBackButton = 201;
+constexpr int kForwardButton = 202;
+
+constexpr int kBoxText = 0xFFFF;  // the text of a message box
+constexpr ULONGLONG kPatience = 20000;
+constexpr ULONGLONG kShortPatience = 3000;
+constexpr DWORD kPollInterval = 10;
+
+template <class Condition>
+bool Becomes(ULONGLONG patience, Condition condition) {
+    const ULONGLONG end = GetTickCount64() + patience;
+    while (!condition()) {
+        if (GetTickCount64() > end) return false;
+        Sleep(kPollInterval);
+    }
+    return true;
+}
+
+// The processes that this one has started.
+std::set<DWORD> Children() {
+    std::set<DWORD> children;
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    PROCESSENTRY32W entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Process32FirstW(snapshot, &entry); more;
+         more = Process32NextW(snapshot, &entry))
+        if (entry.th32ParentProcessID == GetCurrentProcessId())
+            children.insert(entry.th32ProcessID);
+    CloseHandle(snapshot);
+    return children;
+}
+
+struct WindowSearch {
+    std::set<DWORD> processes;
+    HWND found = nullptr;
+};
+
+BOOL CALLBACK StopAtDialog(HWND window, LPARAM parameter) {
+    auto& search = *reinterpret_cast<WindowSearch*>(parameter);
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    wchar_t name[16] = {};
+    GetClassNameW(window, name, 16);
+    if (!search.processes.contains(process) || !IsWindowVisible(window) ||
+        std::wstring(name) != L"#32770")
+        return TRUE;
+    search.found = window;
+    return FALSE;
+}
+
+// A message box or a folder dialog of a child; null when there is none.
+HWND OpenDialog() {
+    WindowSearch search{Children()};
+    EnumWindows(&StopAtDialog, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+bool IsOpen(HWND window) {
+    return IsWindow(window) && IsWindowVisible(window);
+}
+
+std::string TextOf(HWND window) {
+    std::wstring text(4096, L'\0');
+    SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    return ToNarrow(text.c_str());
+}
+
+void Press(HWND dialog, int button) {
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, button)));
+}
+
+// The list of the files in the folder: the only list in the dialog.
+HWND FileList(HWND dialog) {
+    HWND list = nullptr;
+    EnumChildWindows(
+        dialog,
+        [](HWND window, LPARAM found) {
+            wchar_t name[32] = {};
+            GetClassNameW(window, name, 32);
+            if (std::wstring(name) != L"SysListView32") return TRUE;
+            *reinterpret_cast<HWND*>(found) = window;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&list));
+    return list;
+}
+
+}  // namespace
+
+DialogDriver::DialogDriver() {
+    std::set<HWND> boxes;
+    const bool opened = Becomes(kPatience, [&] {
+        const HWND window = OpenDialog();
+        const HWND text = GetDlgItem(window, kBoxText);
+        if (text != nullptr && boxes.insert(window).second) {
+            boxesBefore_.push_back(TextOf(text));
+            PostMessageW(window, WM_CLOSE, 0, 0);
+        }
+        if (text == nullptr) dialog_ = window;
+        return dialog_ != nullptr;
+    });
+    if (!opened) throw std::runtime_error("no folder dialog opens");
+}
+
+std::string DialogDriver::Title() const {
+    return TextOf(dialog_);
+}
+
+bool DialogDriver::OkBecomes(bool visible) const {
+    return Becomes(kShortPatience, [&] {
+        return (IsWindowVisible(GetDlgItem(dialog_, IDOK)) != FALSE) == visible;
+    });
+}
+
+void DialogDriver::GoUp() {
+    SendMessageW(FileList(dialog_), WM_KEYDOWN, VK_BACK, 0);
+}
+
+void DialogDriver::GoBack() {
+    SendMessageW(dialog_, WM_COMMAND, kBackButton, 0);
+}
+
+void DialogDriver::GoForward() {
+    SendMessageW(dialog_, WM_COMMAND, kForwardButton, 0);
+}
+
+void DialogDriver::Confirm(const std::string& folder) {
+    SendMessageW(GetDlgItem(dialog_, kFolderEdit), WM_SETTEXT, 0,
+                 reinterpret_cast<LPARAM>(ToWide(folder).c_str()));
+    PressAndWait(IDOK);
+}
+
+void DialogDriver::Cancel() {
+    PressAndWait(IDCANCEL);
+}
+
+// Until the dialog is gone, so that nobody else finds it to answer it.
+void DialogDriver::PressAndWait(int button) {
+    Press(dialog_, button);
+    if (!Becomes(kPatience, [&] { return !IsOpen(dialog_); }))
+        throw std::runtime_error("the folder dialog does not close");
+}
+
+}  // namespace launcher::test

@@ -1,0 +1,57 @@
+#include "tests/dialog/support/dialog_launch.h"
+
+#include <cctype>
+
+#include "tests/e2e/support/wine.h"
+
+namespace launcher::test {
+namespace {
+
+// Wine now and then fails to create a process, with this code.
+bool StumbledOverWine(const LauncherRun& run) {
+    for (const std::string& text : run.BoxTexts())
+        if (text.find("\nrc=1359\n") != std::string::npos) return true;
+    return false;
+}
+
+}  // namespace
+
+Media DialogTest::MarkedMedia(const std::string& osFolder) const {
+    const std::string name = "setup-" + std::to_string(GetCurrentProcessId()) + ".exe";
+    Media media(scratch.Dir() / "far" / "near" / "between" / "media", name);
+    media.AddMarker(osFolder);
+    return media;
+}
+
+std::string DialogTest::AddInstallerIn(const std::string& folder,
+                                       const std::string& osFolder) const {
+    AddStandInInstaller(scratch.Dir() / FromUtf8(folder), osFolder);
+    return scratch.Text(folder);
+}
+
+std::string DialogTest::InstallerOf(const std::string& folder, const std::string& osFolder) const {
+    return scratch.Text(folder + "\\inst\\" + osFolder + "\\code\\bin\\" + kGuiInstaller);
+}
+
+LauncherRun DialogTest::RunWithDialog(const LauncherStart& start, const Steps& steps) {
+    for (int repeats = 0;; ++repeats) {
+        LauncherProcess process(start);
+        DialogDriver dialog;
+        steps(dialog);
+        LauncherRun run = process.Finish();
+        if (repeats == 3 || !StumbledOverWine(run)) return run;
+    }
+}
+
+LauncherRun DialogTest::RunOnDrive(char letter, const std::string& root, const Steps& steps) const {
+    const std::filesystem::path folder = scratch.Dir() / FromUtf8(root);
+    const std::filesystem::path program = MarkedMedia().Launcher().lexically_relative(folder);
+    // Wine knows drives by their lower-case letters.
+    const char lowerCase = static_cast<char>(std::tolower(letter));
+    const MappedDrive drive(std::string(1, lowerCase) + ":", folder);
+    const LauncherStart start{
+        FromUtf8(std::string(1, letter) + ":\\" + ToUtf8(program)), {}, variables, scratch.Dir()};
+    return RunWithDialog(start, steps);
+}
+
+}  // namespace launcher::test
