@@ -71,13 +71,13 @@ TEST_F(StartFolder, HidesOkWhenItDoesNot) {
 // "-UI" asks for what is on anyway.
 TEST_F(StartFolder, IsTheSameWithTheUiOption) {
     const std::string folder = AddInstallerIn("far/near");
-    const LauncherRun run =
-        RunWithDialog(StartOf(MarkedMedia(), {"-UI"}), [&](DialogDriver& dialog) {
-            EXPECT_TRUE(dialog.ShowsOk());
-            dialog.Confirm(folder);
-        });
+    const Media media = MarkedMedia();
+    const LauncherRun run = RunWithDialog(StartOf(media, {"-UI"}), [&](DialogDriver& dialog) {
+        EXPECT_TRUE(dialog.ShowsOk());
+        dialog.Confirm(folder);
+    });
     EXPECT_EQ(run.Installer().module, InstallerOf("far\\near"));
-    EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", MarkedMedia().Text()));
+    EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text()));
 }
 
 class OnADrive : public DialogTest {

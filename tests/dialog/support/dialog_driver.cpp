@@ -3,9 +3,9 @@
 // windows.h first: the process list's header needs it.
 #include <tlhelp32.h>
 
-#include <algorithm>
 #include <set>
 #include <stdexcept>
+#include <string>
 
 #include "fs/text.h"
 
@@ -19,12 +19,13 @@ constexpr int kBackButton = 201;
 constexpr int kForwardButton = 202;
 
 constexpr int kBoxText = 0xFFFF;  // the text of a message box
-constexpr ULONGLONG kPatience = 20000;
-constexpr ULONGLONG kShortPatience = 3000;
+// Milliseconds.
+constexpr DWORD kPatience = 20000;
+constexpr DWORD kShortPatience = 3000;
 constexpr DWORD kPollInterval = 10;
 
 template <class Condition>
-bool Becomes(ULONGLONG patience, Condition condition) {
+bool Becomes(DWORD patience, Condition condition) {
     const ULONGLONG end = GetTickCount64() + patience;
     while (!condition()) {
         if (GetTickCount64() > end) return false;
@@ -76,9 +77,15 @@ bool IsOpen(HWND window) {
     return IsWindow(window) && IsWindowVisible(window);
 }
 
+// Returns when the window has done what the message says.
+void Send(HWND window, UINT message, WPARAM first, LPARAM second) {
+    if (SendMessageTimeoutW(window, message, first, second, SMTO_NORMAL, kPatience, nullptr) == 0)
+        throw std::runtime_error("the folder dialog does not answer");
+}
+
 std::string TextOf(HWND window) {
     std::wstring text(4096, L'\0');
-    SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
     return ToNarrow(text.c_str());
 }
 
@@ -87,20 +94,12 @@ void Press(HWND dialog, int button) {
                  reinterpret_cast<LPARAM>(GetDlgItem(dialog, button)));
 }
 
-// The list of the files in the folder: the only list in the dialog.
+// The list of the files in the folder, in Wine.
 HWND FileList(HWND dialog) {
-    HWND list = nullptr;
-    EnumChildWindows(
-        dialog,
-        [](HWND window, LPARAM found) {
-            wchar_t name[32] = {};
-            GetClassNameW(window, name, 32);
-            if (std::wstring(name) != L"SysListView32") return TRUE;
-            *reinterpret_cast<HWND*>(found) = window;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&list));
-    return list;
+    HWND window = dialog;
+    for (const wchar_t* name : {L"ExplorerBrowserControl", L"SHELLDLL_DefView", L"SysListView32"})
+        window = FindWindowExW(window, nullptr, name, nullptr);
+    return window;
 }
 
 }  // namespace
@@ -131,20 +130,20 @@ bool DialogDriver::OkBecomes(bool visible) const {
 }
 
 void DialogDriver::GoUp() {
-    SendMessageW(FileList(dialog_), WM_KEYDOWN, VK_BACK, 0);
+    Send(FileList(dialog_), WM_KEYDOWN, VK_BACK, 0);
 }
 
 void DialogDriver::GoBack() {
-    SendMessageW(dialog_, WM_COMMAND, kBackButton, 0);
+    Send(dialog_, WM_COMMAND, kBackButton, 0);
 }
 
 void DialogDriver::GoForward() {
-    SendMessageW(dialog_, WM_COMMAND, kForwardButton, 0);
+    Send(dialog_, WM_COMMAND, kForwardButton, 0);
 }
 
 void DialogDriver::Confirm(const std::string& folder) {
-    SendMessageW(GetDlgItem(dialog_, kFolderEdit), WM_SETTEXT, 0,
-                 reinterpret_cast<LPARAM>(ToWide(folder).c_str()));
+    Send(GetDlgItem(dialog_, kFolderEdit), WM_SETTEXT, 0,
+         reinterpret_cast<LPARAM>(ToWide(folder).c_str()));
     PressAndWait(IDOK);
 }
 

@@ -125,6 +125,7 @@ LauncherProcess::LauncherProcess(const LauncherStart& start)
     stdfs::remove_all(temp_);
     stdfs::create_directories(temp_);
     stdfs::remove(start_.workFolder / "report");
+    GetDesktopWindow();  // what Wine starts for the desktop is not to be part of the job
     Start();
     watcher_.emplace(process_.dwProcessId);
 }

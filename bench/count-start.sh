@@ -1,0 +1,44 @@
+#!/bin/sh
+# Compares what the launcher costs to start, wait and end with the least that a launcher can do:
+# system calls, time, and the libraries loaded.
+#
+#   count-start.sh            after run.sh has built the programs
+set -eu
+. "$(dirname "$0")/common.sh"
+
+media=$ram/start
+keep_warm
+trap 'stop_keeping; rm -rf "$ram"' EXIT
+
+child=$media/inst/win_b64/code/bin/ZEPInsAppliGUI.exe
+mkdir -p "$(dirname "$child")"
+cp "$build/launcher/setup.exe" "$media"
+cp "$programs/start_minimal.exe" "$media"
+cp "$programs/start_child.exe" "$child"
+
+minimal=
+launcher=
+for _ in 1 2 3 4 5; do
+    minimal="$minimal $(calls_of 7 "$media/start_minimal.exe" "$(windows "$child")")"
+    launcher="$launcher $(calls_of 7 "$media/setup.exe" -wait)"
+done
+echo "System calls of a start under Wine, median of 5 (ratio: to the minimal launcher)"
+echo "$(median $minimal) $(median $launcher)" | awk '{
+    printf "  %-12s %8d %8.3f\n  %-12s %8d %8.3f\n", "minimal", $1, 1, "setup.exe", $2, $2 / $1 }'
+
+echo "Time of a start, the child's included, median of 100"
+run "$programs/start_bench.exe" 100 \
+    minimal "$(windows "$media/start_minimal.exe") $(windows "$child")" \
+    setup.exe "$(windows "$media/setup.exe") -wait"
+
+# libraries PROGRAM [ARGUMENT...]: what is loaded while the program runs, its child's left out.
+libraries() {
+    WINEPREFIX=$prefix WINEDEBUG=+pid,+loaddll "$wine" "$@" 2>&1 >/dev/null </dev/null |
+        awk -F: 'NR == 1 { own = $1 } $1 == own' | sed -n 's/.*Loaded L"\([^"]*\)".*/\1/p' |
+        sed 's/.*\\//; /\.exe$/d' | tr 'A-Z' 'a-z' | sort -u
+}
+libraries "$media/start_minimal.exe" "$(windows "$child")" >"$build/libraries-minimal.txt"
+libraries "$media/setup.exe" -wait >"$build/libraries-launcher.txt"
+echo "Libraries loaded by the minimal launcher only (<) and by setup.exe only (>)"
+diff "$build/libraries-minimal.txt" "$build/libraries-launcher.txt" | grep '^[<>]' ||
+    echo "  none: both load the same $(wc -l <"$build/libraries-launcher.txt")"
