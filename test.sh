@@ -1,6 +1,6 @@
 #!/bin/sh
 # Builds the launcher with every compiler and for every target that Debian has, warnings as errors,
-# and runs all tests on the 64-bit release.
+# makes the release folder, and runs all tests on the 64-bit release.
 set -eu
 cd "$(dirname "$0")"
 
@@ -15,6 +15,9 @@ done
 
 echo "== two builds in two folders"
 tools/check-reproducible.sh
+
+echo "== the release folder"
+./package.sh
 
 echo "== mingw, with all tests"
 cmake --workflow --preset mingw

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "tests/support/temporary_folder.h"
+
 namespace launcher::test {
 namespace {
 
@@ -109,6 +111,21 @@ MappedDrive::~MappedDrive() {
     else
         DefineDosDeviceW(DDD_REMOVE_DEFINITION | DDD_EXACT_MATCH_ON_REMOVE, letter_.c_str(),
                          folder_.c_str());
+}
+
+SmallDisk::SmallDisk(const stdfs::path& folder) : folder_(folder), below_(folder / "below") {
+    WriteFile(below_, "");
+    if (!IsWine()) return;
+    RunOnHost(L"mount", L"-t tmpfs -o size=256k launcher-test \"" + OnHost(folder_) + L"\"", below_,
+              false);
+}
+
+SmallDisk::~SmallDisk() {
+    if (IsThere()) RunOnHost(L"umount", L"\"" + OnHost(folder_) + L"\"", below_, true);
+}
+
+bool SmallDisk::IsThere() const {
+    return !stdfs::exists(below_);
 }
 
 stdfs::path NetworkName(const stdfs::path& path) {

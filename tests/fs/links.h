@@ -36,6 +36,23 @@ class MappedDrive {
     std::filesystem::path folder_;
 };
 
+// A disk of 256 KiB in the place of an empty folder. Only Wine on a host whose root runs the test
+// has one.
+class SmallDisk {
+  public:
+    explicit SmallDisk(const std::filesystem::path& folder);
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+    ~SmallDisk();
+
+    // False when it could not be made: the folder is as it was.
+    bool IsThere() const;
+
+  private:
+    std::filesystem::path folder_;
+    std::filesystem::path below_;  // a file in the folder itself, which the disk hides
+};
+
 // The name of a file of the local disk C: over the network. On Windows only administrators can
 // open it.
 std::filesystem::path NetworkName(const std::filesystem::path& path);
