@@ -1,4 +1,5 @@
 # For the scripts of this folder: where things are, and how to run and count Windows programs.
+# shellcheck shell=sh disable=SC2034
 
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${BUILD:-$root/build/bench}
@@ -37,5 +38,5 @@ calls_of() {
     awk '$NF == "total" { print $4 }' "$build/calls.txt"
 }
 
-# median NUMBER...
-median() { printf '%s\n' "$@" | sort -n | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+# The median of an odd number of input lines.
+median() { sort -n | awk '{ v[NR] = $1 } END { print v[(NR + 1) / 2] }'; }

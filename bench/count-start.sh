@@ -16,14 +16,12 @@ cp "$build/launcher/setup.exe" "$media"
 cp "$programs/start_minimal.exe" "$media"
 cp "$programs/start_child.exe" "$child"
 
-minimal=
-launcher=
 for _ in 1 2 3 4 5; do
-    minimal="$minimal $(calls_of 7 "$media/start_minimal.exe" "$(windows "$child")")"
-    launcher="$launcher $(calls_of 7 "$media/setup.exe" -wait)"
+    calls_of 7 "$media/start_minimal.exe" "$(windows "$child")" >>"$ram/minimal"
+    calls_of 7 "$media/setup.exe" -wait >>"$ram/launcher"
 done
 echo "System calls of a start under Wine, median of 5 (ratio: to the minimal launcher)"
-echo "$(median $minimal) $(median $launcher)" | awk '{
+echo "$(median <"$ram/minimal") $(median <"$ram/launcher")" | awk '{
     printf "  %-12s %8d %8.3f\n  %-12s %8d %8.3f\n", "minimal", $1, 1, "setup.exe", $2, $2 / $1 }'
 
 echo "Time of a start, the child's included, median of 100"
@@ -35,7 +33,7 @@ run "$programs/start_bench.exe" 100 \
 libraries() {
     WINEPREFIX=$prefix WINEDEBUG=+pid,+loaddll "$wine" "$@" 2>&1 >/dev/null </dev/null |
         awk -F: 'NR == 1 { own = $1 } $1 == own' | sed -n 's/.*Loaded L"\([^"]*\)".*/\1/p' |
-        sed 's/.*\\//; /\.exe$/d' | tr 'A-Z' 'a-z' | sort -u
+        sed 's/.*\\//; /\.exe$/d' | tr '[:upper:]' '[:lower:]' | sort -u
 }
 libraries "$media/start_minimal.exe" "$(windows "$child")" >"$build/libraries-minimal.txt"
 libraries "$media/setup.exe" -wait >"$build/libraries-launcher.txt"
