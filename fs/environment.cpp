@@ -23,7 +23,7 @@ std::string GetEnvVar(const std::string& name) {
 void SetEnvVar(const std::string& name, const std::string& value) {
     if (name.empty()) return;
     const std::wstring wideValue = ToWide(value);
-    SetEnvironmentVariableW(ToWide(name).c_str(), value.empty() ? nullptr : wideValue.c_str());
+    SetEnvironmentVariableW(ToWide(name).c_str(), wideValue.empty() ? nullptr : wideValue.c_str());
 }
 
 }  // namespace launcher

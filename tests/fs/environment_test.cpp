@@ -92,6 +92,13 @@ TEST_F(Environment, RemovesTheVariableWithAnEmptyValue) {
     EXPECT_EQ(InheritedEnvironment().find(kWideName), std::wstring::npos);
 }
 
+// Windows ends the value at its first zero byte, so here nothing of it is left.
+TEST_F(Environment, RemovesTheVariableWithAValueThatBeginsWithAZeroByte) {
+    SetEnvVar(kName, "value");
+    SetEnvVar(kName, std::string("\0after", 6));
+    EXPECT_EQ(InheritedEnvironment().find(kWideName), std::wstring::npos);
+}
+
 TEST_F(Environment, ReachesAChildProcess) {
     const std::wstring question = L"if defined " + std::wstring(kWideName) + L" exit 7";
     EXPECT_EQ(RunCommand(question), 0u);
