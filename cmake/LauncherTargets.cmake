@@ -57,6 +57,12 @@ function(launcher_executable_hardening name)
   target_link_options(${name} PRIVATE
     -Wl,--gc-sections -Wl,--no-insert-timestamp -Wl,--dynamicbase -Wl,--nxcompat
     $<$<NOT:$<CONFIG:Debug>>:-s>)
+  # The GNU linker has no option for it.
+  set(set_swaprun sh ${PROJECT_SOURCE_DIR}/tools/set-swaprun.sh)
+  if(CMAKE_HOST_WIN32)
+    set(set_swaprun powershell -NoProfile -ExecutionPolicy Bypass
+      -File ${PROJECT_SOURCE_DIR}/tools/set-swaprun.ps1)
+  endif()
   add_custom_command(TARGET ${name} POST_BUILD
-    COMMAND sh ${PROJECT_SOURCE_DIR}/tools/set-swaprun.sh $<TARGET_FILE:${name}> VERBATIM)
+    COMMAND ${set_swaprun} $<TARGET_FILE:${name}> VERBATIM)
 endfunction()

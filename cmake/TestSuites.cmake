@@ -1,5 +1,10 @@
 # Run by ctest before the tests, with PROGRAM, NAME and EMULATOR set: one test for each suite of a
 # GoogleTest program, NAME.SUITE. A process for each single test would cost ten times the time.
+if(NOT EXISTS ${PROGRAM})
+  add_test([[${NAME} is not built]] [[${PROGRAM}]])
+  return()
+endif()
+
 get_filename_component(folder ${PROGRAM} DIRECTORY)
 set(suites ${folder}/${NAME}_suites.cmake)
 if(NOT EXISTS ${suites} OR ${PROGRAM} IS_NEWER_THAN ${suites})

@@ -21,6 +21,9 @@ if [ "$(id -u)" != 0 ]; then
     exit 1
 fi
 export DEBIAN_FRONTEND=noninteractive
-apt-get -qq update
 # shellcheck disable=SC2086  # a list of packages
-apt-get -qq install --no-install-recommends $missing >/dev/null
+if ! apt-get -qq update ||
+    ! apt-get -qq install --no-install-recommends $missing >/dev/null; then
+    echo "apt could not install these packages: is there a network, and is this Debian 12?" >&2
+    exit 1
+fi
