@@ -29,7 +29,7 @@ else()
     endif()
   endif()
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_INTERPROCEDURAL_OPTIMIZATION)
-    # The launcher is optimised as a whole; tests link the same objects without, in a moment.
+    # For tests and tools, which link the same objects without.
     list(APPEND mingw_options -ffat-lto-objects)
   endif()
   target_compile_options(launcher_settings INTERFACE "$<${is_cxx}:${mingw_options}>")

@@ -40,7 +40,8 @@ run_cppcheck() {
 step "format" check_format
 step "shell scripts" check_scripts
 step "include direction" tools/check-includes.sh
-for preset in clang clang-debug mingw-debug mingw32 mingw32-debug; do
+# The two that are missing are built below.
+for preset in clang clang-debug mingw-debug mingw32-debug; do
     step "build with $preset" build_variant "$preset"
 done
 step "clang-tidy" clang_tidy
