@@ -5,6 +5,7 @@
 // It uses no library but kernel32, not even the C runtime: it may itself stand in the place of any
 // of them.
 
+#define NOIME  // two functions of imm32 are defined here
 #include <windows.h>
 
 namespace {
@@ -33,6 +34,15 @@ void Report(HINSTANCE self) {
 }
 
 }  // namespace
+
+// Newer Wine's dialog ends the program that lacks these of imm32. They say that there is no input
+// method.
+extern "C" __declspec(dllexport) HANDLE WINAPI ImmGetContext(HWND) {
+    return nullptr;
+}
+extern "C" __declspec(dllexport) BOOL WINAPI ImmReleaseContext(HWND, HANDLE) {
+    return TRUE;
+}
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE self, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) Report(self);
