@@ -4,7 +4,7 @@
 set -eu
 cd "$(dirname "$0")"
 
-tools/install-tools.sh clang lld nsis wixl
+tools/install-tools.sh clang lld nsis wixl osslsigncode openssl
 
 # The launcher alone, as it would be released with each of these.
 for preset in mingw-debug mingw32 mingw32-debug clang clang-debug; do
