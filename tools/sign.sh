@@ -113,8 +113,7 @@ verify_as() {
 
 # What the tool says of its failure, in one line.
 reason() {
-    sed -n 's/^[[:space:]]*\(Failed to .*\|Error: .*\)/\1/p' "$work/log" | grep . | head -n 1 ||
-        tail -n 1 "$work/log"
+    grep -oE '(Failed to|Error:) .*' "$work/log" | head -n 1 | grep . || tail -n 1 "$work/log"
 }
 
 check_options

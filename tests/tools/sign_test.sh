@@ -117,6 +117,9 @@ usual="--pkcs12 signer.p12 --root signer.pem"
     echo text >broken.exe
     check "no Windows program" refuses 1 "cannot sign broken.exe" $usual --password-file password \
         first.exe broken.exe
+    # A port at which nothing listens.
+    check "no time stamp server" refuses 1 "Failed to get data from http://127.0.0.1:9/" $usual \
+        --password-file password --time-stamp-server http://127.0.0.1:9/ first.exe
     check "two programs are signed" "$tools/sign.sh" $usual --password-file password \
         first.exe second.exe
     cp "$launcher" third.exe
