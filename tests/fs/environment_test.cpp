@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/support/hook.h"
 
 namespace launcher {

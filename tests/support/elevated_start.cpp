@@ -7,8 +7,6 @@
 #include <cstdio>
 #include <cwchar>
 
-#include "fs/owners.h"
-
 namespace {
 
 constexpr int kCannotStart = 127;  // as a shell says it
@@ -27,7 +25,7 @@ wchar_t* RestOf(wchar_t* commandLine) {
 int wmain() {
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
-    launcher::ProcessInformation process;
+    PROCESS_INFORMATION process{};  // its handles end with this program
     if (!CreateProcessW(nullptr, RestOf(GetCommandLineW()), nullptr, nullptr, TRUE, 0, nullptr,
                         nullptr, &startup, &process)) {
         const DWORD error = GetLastError();

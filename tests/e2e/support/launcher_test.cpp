@@ -6,7 +6,7 @@
 
 #include <cctype>
 
-#include "fs/owners.h"
+#include "platform/owners.h"
 
 namespace launcher::test {
 
