@@ -4,7 +4,7 @@ set -eu
 cd "$(dirname "$0")"
 . tools/steps.sh
 
-tools/install-tools.sh nsis wixl
+tools/install-tools.sh nsis wixl osslsigncode openssl
 
 step configure cmake --preset mingw
 step build cmake --build --preset mingw
