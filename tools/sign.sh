@@ -36,7 +36,11 @@ while [ $# -gt 0 ]; do
         shift
         continue
         ;;
-    --*) [ $# -ge 2 ] || fail 2 "$1 needs a value" ;;
+    --pkcs12 | --pkcs11-module | --pkcs11-key | --certificate | --password-file | \
+        --time-stamp-server | --root)
+        [ $# -ge 2 ] || fail 2 "$1 needs a value"
+        ;;
+    --*) fail 2 "unknown option $1" ;;
     *) break ;;
     esac
     case $1 in
@@ -47,7 +51,6 @@ while [ $# -gt 0 ]; do
     --password-file) password_file=$2 ;;
     --time-stamp-server) server=$2 ;;
     --root) root=$2 ;;
-    *) fail 2 "unknown option $1" ;;
     esac
     shift 2
 done
