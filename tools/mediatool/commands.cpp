@@ -1,0 +1,153 @@
+#include "tools/mediatool/commands.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <exception>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "tools/mediatool/console.h"
+#include "tools/mediatool/findings.h"
+#include "tools/mediatool/report.h"
+#include "tools/mediatool/writer.h"
+
+namespace launcher::mediatool {
+namespace {
+
+const std::map<std::string, Layout> kLayouts = {
+    {"one-folder", Layout::OneFolder}, {"siblings", Layout::Siblings}, {"outer", Layout::Outer}};
+
+// Like every option with a list of values: what is in square brackets is no list in itself.
+CLI::Option* TakeAsWritten(CLI::Option* option) {
+    return option->allow_extra_args(false);
+}
+
+struct ValidateCommand {
+    explicit ValidateCommand(CLI::App& app)
+        : command(app.add_subcommand("validate", "Look for mistakes in a media.")) {
+        TakeAsWritten(command->add_option("media", request.folders,
+                                          "The media's folder; or the folders of its volumes."))
+            ->required()
+            ->expected(1, CLI::detail::expected_max_vector_size);
+        command->add_option("--temp", request.temp,
+                            "The temporary folder of the users it is for (default: the longest "
+                            "usual one).");
+        command->add_flag("--json", json, "Print JSON.");
+        command->footer("Exit code: 0 clean, 1 a finding of severity error, 2 wrong use.");
+    }
+
+    int Run() {
+        Progress progress("Entries looked at:");
+        request.progress = [&progress](std::size_t count) { progress.Show(count); };
+        const Validation validation = Validate(request);
+        PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
+        return validation.findings.Count(Level::Error) == 0 ? kSuccess : kFailure;
+    }
+
+    CLI::App* command;
+    ValidateRequest request;
+    bool json = false;
+};
+
+struct CreateCommand {
+    explicit CreateCommand(CLI::App& app)
+        : command(app.add_subcommand("create", "Write the count file and markers of a media.")) {
+        command->add_option("--id", request.id, "The identifier of the media.")->required();
+        command->add_option("--layout", request.layout, "one-folder, siblings or outer.")
+            ->required()
+            ->transform(CLI::Transformer(kLayouts));
+        command->add_option("--volumes", request.volumes, "How many volumes: 1 to 99.")->required();
+        command
+            ->add_option("--from", from,
+                         "A folder with the content of a volume, once for each, volume 1 first.")
+            ->expected(1)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        TakeAsWritten(command->get_option("--from"));
+        command->add_option("--outer-id", request.outerId,
+                            "The identifier of the outer volumes (default: ID-outer).");
+        command->add_option("--first-outer", request.firstOuter,
+                            "The number of the first outer volume (default: 1).");
+        command->add_option("--inner", request.inner,
+                            "The folder in each outer volume that the media is in (default: "
+                            "media).");
+        command->add_flag("--force", request.force, "Write over files that are there.");
+        command->add_flag("--json", json, "Print JSON.");
+        command->add_option("out", request.out, "The folder to write into.")->required();
+        command->footer("Exit code: 0 written, 1 not written, 2 wrong use.");
+    }
+
+    int Run() {
+        request.from = from;
+        Progress progress("Files copied:");
+        request.progress = [&progress](std::size_t count) { progress.Show(count); };
+        const Creation creation = Create(request);
+        PrintOut(json ? Printed(JsonOf(creation, request)) : TextOf(creation));
+        return kSuccess;
+    }
+
+    CLI::App* command;
+    CreateRequest request;
+    std::vector<std::string> from;
+    bool json = false;
+};
+
+class Mediatool {
+  public:
+    Mediatool()
+        : app_("Checks, makes and rehearses installation media.", "mediatool"),
+          validate_(app_),
+          create_(app_) {
+        app_.require_subcommand(1);
+        app_.set_version_flag("--version", "mediatool " LAUNCHER_VERSION);
+    }
+
+    int Run(std::vector<std::string> arguments) {
+        std::ranges::reverse(arguments);  // as CLI11 wants them
+        app_.parse(std::move(arguments));
+        if (validate_.command->parsed()) return validate_.Run();
+        return create_.Run();
+    }
+
+    // Help and the version, which CLI11 asks for by exceptions, or a mistake in the command line.
+    int Answer(const CLI::ParseError& request) const {
+        if (request.get_name() == "CallForVersion") {
+            PrintOut(std::string(request.what()) + "\n");
+            return kSuccess;
+        }
+        if (request.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+            PrintOut(app_.help());
+            return kSuccess;
+        }
+        PrintError(std::string("mediatool: ") + request.what() + "\n");
+        return kWrongUse;
+    }
+
+  private:
+    CLI::App app_;
+    ValidateCommand validate_;
+    CreateCommand create_;
+};
+
+int Complain(const std::exception& failure, int exitCode) {
+    PrintError(std::string("mediatool: ") + failure.what() + "\n");
+    return exitCode;
+}
+
+}  // namespace
+
+int RunMediatool(const std::vector<std::string>& arguments) {
+    Mediatool mediatool;
+    try {
+        return mediatool.Run(arguments);
+    } catch (const CLI::ParseError& request) {
+        return mediatool.Answer(request);
+    } catch (const Refused& failure) {
+        return Complain(failure, kFailure);
+    } catch (const BadInput& failure) {
+        return Complain(failure, kWrongUse);
+    } catch (const std::exception& failure) {
+        return Complain(failure, kWrongUse);
+    }
+}
+
+}  // namespace launcher::mediatool
