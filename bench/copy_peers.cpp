@@ -11,9 +11,9 @@
 #include <stdexcept>
 
 #include "bench/process.h"
-#include "fs/file_operations.h"
+#include "fs/copy.h"
+#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 
 namespace launcher::bench {
 namespace {

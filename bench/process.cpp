@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "fs/owners.h"
+#include "installer/installer_process.h"
 
 namespace launcher::bench {
 

@@ -14,7 +14,7 @@
 #include "bench/process.h"
 #include "bench/rounds.h"
 #include "bench/start_exit_code.h"
-#include "fs/text.h"
+#include "fs/encoding.h"
 
 namespace launcher::bench {
 namespace {

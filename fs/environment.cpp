@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 
 namespace launcher {
 
@@ -14,7 +14,7 @@ std::string GetEnvVar(const std::string& name) {
         const DWORD length = GetEnvironmentVariableW(wideName.c_str(), value.data(),
                                                      static_cast<DWORD>(value.size()));
         if (length < value.size()) return length == 0 ? std::string() : ToNarrow(value.c_str());
-        value.resize(length);  // too small: `length` is what it takes, with the terminator
+        value.resize(length);  // too small: `length` is the size needed, terminator included
     }
 }
 
@@ -23,7 +23,7 @@ std::string GetEnvVar(const std::string& name) {
 void SetEnvVar(const std::string& name, const std::string& value) {
     if (name.empty()) return;
     const std::wstring wideValue = ToWide(value);
-    SetEnvironmentVariableW(ToWide(name).c_str(), value.empty() ? nullptr : wideValue.c_str());
+    SetEnvironmentVariableW(ToWide(name).c_str(), wideValue.empty() ? nullptr : wideValue.c_str());
 }
 
 }  // namespace launcher

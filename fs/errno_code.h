@@ -5,7 +5,7 @@
 namespace launcher {
 
 // The errno value that the C runtime's file functions give for a Windows error code, EINVAL for a
-// code that file calls do not end with. For messages about Windows calls that stand in for those
+// code that no file call returns. Used in messages about the Windows calls that replace those
 // functions.
 // https://learn.microsoft.com/cpp/c-runtime-library/errno-constants
 int ErrnoFromWindowsError(std::uint32_t code);

@@ -4,8 +4,9 @@
 
 #include <cstring>
 
+#include "fs/encoding.h"
+#include "fs/errno_code.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 
 namespace launcher {
 
@@ -36,5 +37,15 @@ ZEPInsException::ZEPInsException(const std::string& message, std::uint32_t code)
 
 ZEPInsExceptionErrno::ZEPInsExceptionErrno(const std::string& message, int value)
     : runtime_error(message + " - " + ErrnoText(value) + "\n") {}
+
+void ThrowLastError(std::string_view text, std::string_view object) {
+    const DWORD error = GetLastError();
+    throw ZEPInsException(std::string(text).append(object), error);
+}
+
+void ThrowLastErrorAsErrno(std::string_view text, std::string_view object) {
+    const DWORD error = GetLastError();
+    throw ZEPInsExceptionErrno(std::string(text).append(object), ErrnoFromWindowsError(error));
+}
 
 }  // namespace launcher

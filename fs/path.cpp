@@ -15,8 +15,7 @@ bool IsAsciiLetter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-// A double quote needs a second character to be a pair; a lone single quote is stripped to
-// nothing. The two kinds are deliberately not treated alike.
+// Deliberately unequal: a lone double quote stays, a lone single quote is stripped to nothing.
 void StripOuterQuotes(std::string& text) {
     const bool doubleQuoted = text.size() > 1 && text.front() == '"' && text.back() == '"';
     const bool singleQuoted = text.front() == '\'' && text.back() == '\'';
@@ -50,8 +49,8 @@ std::string_view TakeComponent(std::string_view& rest) {
     return component;
 }
 
-// What lies behind the root and its separator; the whole text of a relative path.
-std::string_view BehindRoot(const Path& path) {
+// What follows the root and its separator; the whole text of a relative path.
+std::string_view AfterRoot(const Path& path) {
     const std::string_view text = path.Text();
     if (path.RootEnd() < 0) return text;
     const std::size_t start = static_cast<std::size_t>(path.RootEnd()) + 2;
@@ -89,6 +88,12 @@ Path Join(const Path& left, const std::string& right) {
     return Path(left.Text() + kSeparator + right);
 }
 
+Path Join(Path path, std::initializer_list<std::string> components) {
+    for (const std::string& component : components)
+        path = Join(path, component);
+    return path;
+}
+
 Path Parent(const Path& path) {
     const std::size_t last = path.Text().rfind(kSeparator);
     if (last == std::string::npos || static_cast<std::int64_t>(last) < path.RootEnd()) return {};
@@ -96,7 +101,7 @@ Path Parent(const Path& path) {
 }
 
 std::string FileName(const Path& path) {
-    const std::string_view part = BehindRoot(path);
+    const std::string_view part = AfterRoot(path);
     return std::string(part.substr(part.rfind(kSeparator) + 1));  // npos + 1 is 0: the whole part
 }
 
@@ -117,21 +122,21 @@ Path RelativePath(const Path& target, const Path& base) {
             .substr(0, static_cast<std::size_t>(path.RootEnd() + 1));
     };
     if (root(target) != root(base)) return {};
-    std::string_view ahead = BehindRoot(target);
-    std::string_view behind = BehindRoot(base);
-    while (!ahead.empty() && !behind.empty()) {
-        std::string_view aheadRest = ahead;
-        std::string_view behindRest = behind;
-        if (TakeComponent(aheadRest) != TakeComponent(behindRest)) break;
-        ahead = aheadRest;
-        behind = behindRest;
+    std::string_view down = AfterRoot(target);
+    std::string_view up = AfterRoot(base);
+    while (!down.empty() && !up.empty()) {
+        std::string_view downRest = down;
+        std::string_view upRest = up;
+        if (TakeComponent(downRest) != TakeComponent(upRest)) break;
+        down = downRest;
+        up = upRest;
     }
     std::string relative;
-    while (!behind.empty()) {
-        TakeComponent(behind);
+    while (!up.empty()) {
+        TakeComponent(up);
         relative += "..\\";
     }
-    return Path(relative.append(ahead));
+    return Path(relative.append(down));
 }
 
 }  // namespace launcher

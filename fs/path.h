@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 
 namespace launcher {
@@ -10,9 +11,9 @@ inline constexpr char kBackslash[] = "\\";
 
 // A normalised Windows path in UTF-8 that knows where its root ends.
 //
-// The text has backslashes only, none of them doubled (but for the two that begin a network path)
-// and none at the end, and no quotes around it. A path whose root makes no sense ("1:\x", "\\srv")
-// is the empty path: nothing here throws or reports.
+// The text has backslashes only, none of them doubled (except the two that begin a network path)
+// and none at the end, and no quotes around it. A path with an invalid root ("1:\x", "\\srv") is
+// the empty path: nothing here throws or reports.
 class Path {
   public:
     // The values of RootEnd() that are no index.
@@ -46,6 +47,9 @@ bool IsEmpty(const Path& path);
 // `left`, one backslash and `right`, normalised. Joined onto the empty path, the result begins
 // with a single backslash and is relative.
 Path Join(const Path& left, const std::string& right);
+
+// Each component joined onto the path before it, in order.
+Path Join(Path path, std::initializer_list<std::string> components);
 
 // The path without its last component. Empty for the empty path, a bare name, a drive and a
 // network share; the parent of "C:\dir" is "C:".

@@ -6,20 +6,19 @@
 
 #include <string>
 
-#include "fs/owners.h"
+#include "fs/encoding.h"
 #include "fs/path.h"
-#include "fs/text.h"
+#include "installer/com.h"
 #include "installer/folder_dialog_events.h"
-#include "launcher/launch_options.h"
+#include "launcher/base/launch_options.h"
 
 namespace launcher {
 namespace {
 
-ComPtr<IFileDialog> CreateFolderDialog() {
+ComPtr<IFileDialog> CreateFolderDialog(const ComApartment& com) {
     ComPtr<IFileDialog> dialog;
     FILEOPENDIALOGOPTIONS dialogOptions = 0;
-    if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_ALL, IID_IFileDialog,
-                                reinterpret_cast<void**>(dialog.Put()))) ||
+    if (FAILED(com.CreateInstance(CLSID_FileOpenDialog, IID_PPV_ARGS(dialog.Put()))) ||
         FAILED(dialog->GetOptions(&dialogOptions)) ||
         FAILED(dialog->SetOptions(dialogOptions | FOS_PICKFOLDERS)))
         dialog.Reset();
@@ -29,7 +28,7 @@ ComPtr<IFileDialog> CreateFolderDialog() {
 ComPtr<IFileDialogEvents> CreateEvents(LaunchOptions& options) {
     const ComPtr<FolderDialogEvents> creation(new FolderDialogEvents(options));
     ComPtr<IFileDialogEvents> events;
-    creation->QueryInterface(IID_IFileDialogEvents, reinterpret_cast<void**>(events.Put()));
+    creation->QueryInterface(IID_PPV_ARGS(events.Put()));
     return events;
 }
 
@@ -38,9 +37,8 @@ ComPtr<IFileDialogEvents> CreateEvents(LaunchOptions& options) {
 ComPtr<IShellItem> StartFolder(const LaunchOptions& options) {
     const std::string folder = Parent(Parent(options.mediaDir)).Text();
     ComPtr<IShellItem> item;
-    if (folder.empty()) return item;  // which the shell may take for its desktop
-    SHCreateItemFromParsingName(ToWide(folder).c_str(), nullptr, IID_IShellItem,
-                                reinterpret_cast<void**>(item.Put()));
+    if (folder.empty()) return item;  // the shell may take an empty name for the desktop
+    SHCreateItemFromParsingName(ToWide(folder).c_str(), nullptr, IID_PPV_ARGS(item.Put()));
     return item;
 }
 
@@ -56,7 +54,8 @@ bool HasFolderResult(const ComPtr<IFileDialog>& dialog) {
 }  // namespace
 
 bool SelectInstallerFolder(LaunchOptions& options) {
-    const ComPtr<IFileDialog> dialog = CreateFolderDialog();
+    const ComApartment com;
+    const ComPtr<IFileDialog> dialog = CreateFolderDialog(com);
     if (!dialog) return false;
     const std::string title =
         "Select the folder of the separate media called QN_Installer for " + options.osFolder;
@@ -66,7 +65,7 @@ bool SelectInstallerFolder(LaunchOptions& options) {
     dialog->Advise(events.Get(), &cookie);
     const ComPtr<IShellItem> startFolder = StartFolder(options);
     if (startFolder) dialog->SetDefaultFolder(startFolder.Get());
-    // After a cancel the events stay advised until the dialog goes, which is right below.
+    // After a cancel the events stay registered until the dialog is released, on return.
     if (FAILED(dialog->Show(nullptr))) return false;
     const bool confirmed = HasFolderResult(dialog);
     dialog->Unadvise(cookie);

@@ -2,9 +2,9 @@
 
 #include <shlwapi.h>
 
-#include "fs/owners.h"
-#include "fs/text.h"
-#include "media/locate_installer.h"
+#include "fs/encoding.h"
+#include "installer/com.h"
+#include "media/installer_media.h"
 
 namespace launcher {
 namespace {
@@ -38,10 +38,9 @@ IFACEMETHODIMP FolderDialogEvents::OnFolderChanging(IFileDialog* dialog, IShellI
     // A virtual folder, such as This PC, has no path and changes nothing.
     if (FAILED(folder->GetDisplayName(SIGDN_FILESYSPATH, path.Put()))) return S_OK;
     ComPtr<IOleWindow> window;
-    if (FAILED(dialog->QueryInterface(IID_IOleWindow, reinterpret_cast<void**>(window.Put()))))
-        return S_OK;
+    if (FAILED(dialog->QueryInterface(IID_PPV_ARGS(window.Put())))) return S_OK;
     const HWND button = OkButton(window);
-    const bool found = LocateInstaller(*options_, ToNarrow(path.Get()), true);
+    const bool found = LocateInstaller(*options_, ToNarrow(path.Get()), /*quiet=*/true);
     ShowWindow(button, found ? SW_SHOW : SW_HIDE);
     return S_OK;
 }

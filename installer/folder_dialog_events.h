@@ -8,9 +8,9 @@ namespace launcher {
 
 class LaunchOptions;
 
-// What the folder dialog tells the launcher: each time the dialog is about to enter a folder, the
+// Handles the events of the folder dialog: each time the dialog is about to enter a folder, the
 // installer is looked for in it, quietly, and the OK button is shown when it is there and hidden
-// when it is not. No change of folder is ever refused. The other events are of no interest.
+// when it is not. It never refuses a folder and ignores all other events.
 //
 // A COM object on the heap: its creator holds the first reference, and the last Release destroys
 // it. It does not own the record that the lookup fills.

@@ -3,8 +3,6 @@
 #include <cstdint>
 #include <string>
 
-#include "fs/owners.h"
-
 namespace launcher {
 
 class LaunchOptions;
@@ -17,27 +15,6 @@ class LaunchOptions;
 // cannot be started, and one that ends with a code that is negative as a signed number, are
 // reported as failed system calls and end the launcher with exit code 1. Throws what
 // IsAdministrator throws.
-std::int32_t LaunchInstaller(LaunchOptions& options, const std::string& commandLine);
-
-// One child process and its handles, which are closed with it; the child itself goes on.
-class InstallerProcess {
-  public:
-    explicit InstallerProcess(std::string commandLine);
-    InstallerProcess(const InstallerProcess&) = delete;
-    InstallerProcess& operator=(const InstallerProcess&) = delete;
-
-    // Starts the process in this one's environment and current folder; it inherits what handles
-    // are inheritable. Without `consoleWindow` a console program gets no window. When it returns
-    // false, GetLastError() says why.
-    // https://learn.microsoft.com/windows/win32/api/processthreadsapi/nf-processthreadsapi-createprocessw
-    bool Start(bool consoleWindow);
-
-    // Waits without a time limit and returns the exit code, 0 when it cannot be read.
-    std::int32_t WaitForExit();
-
-  private:
-    std::string commandLine_;
-    ProcessInformation process_;
-};
+std::int32_t LaunchInstaller(const LaunchOptions& options, const std::string& commandLine);
 
 }  // namespace launcher

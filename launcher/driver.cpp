@@ -5,12 +5,13 @@
 #include <vector>
 
 #include "fs/environment.h"
-#include "installer/environment.h"
+#include "installer/installer_environment.h"
 #include "installer/launch.h"
-#include "launcher/command_line.h"
-#include "launcher/find_installer.h"
-#include "launcher/launch_options.h"
-#include "launcher/message.h"
+#include "launcher/base/launch_options.h"
+#include "launcher/base/message.h"
+#include "launcher/choose_installer.h"
+#include "launcher/installer_command_line.h"
+#include "launcher/remove_script.h"
 #include "launcher/requirements.h"
 #include "launcher/temporary_copy.h"
 #include "media/volumes.h"
@@ -24,23 +25,22 @@ void ExportVolumePaths(const std::vector<std::string>& volumes) {
         SetEnvVar("ZEPAdmInstVolumePath_" + std::to_string(i + 2), volumes[i]);
 }
 
-// On the console only. The wording speaks of volumes, but it goes with every copied media that is
-// waited for; keep it so.
-void WarnOfRemovableMedia(LaunchOptions& options) {
+// On the console only. Deliberate: despite the wording, shown for every copied media when waiting.
+void WarnOfRemovableMedia(const LaunchOptions& options) {
     for (const char* text :
          {"This media is composed of multiple volumes.",
           "If it is not done already, please copy each volume on a local hard drive before "
           "starting the installation.",
           "Not doing so might result in the installation leaving temporary files behind."})
-        ReportMessage(options, text, Severity::Warning, true);
+        ReportMessage(options, text, Severity::Warning, /*noBox=*/true);
 }
 
 }  // namespace
 
 int RunLauncher(LaunchOptions& options) {
-    if (!HasRequiredWebLibrary(options)) return 1;
+    if (!CheckWebLibrary(options)) return 1;
     WarnOfOldWindows(options);
-    FindInstaller(options);
+    ChooseInstaller(options);
 
     std::vector<std::string> volumes;
     const int volumeCount = ResolveVolumes(options, volumes);

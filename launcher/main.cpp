@@ -3,8 +3,8 @@
 #include <shellapi.h>
 
 #include "fs/owners.h"
+#include "launcher/base/launch_options.h"
 #include "launcher/driver.h"
-#include "launcher/launch_options.h"
 #include "platform/dll_search.h"
 
 namespace {
@@ -15,7 +15,8 @@ constexpr char kInstallerExeName[] = "ZEPInsAppliGUI.exe";
 launcher::LaunchOptions OptionsFromCommandLine() {
     int argc = 0;
     const launcher::LocalMemory<wchar_t*> argv(CommandLineToArgvW(GetCommandLineW(), &argc));
-    return launcher::LaunchOptions(argc, argv.Get(), kInstallerExeName, true, false);
+    return launcher::LaunchOptions(argc, argv.Get(), kInstallerExeName, /*useGuiDefault=*/true,
+                                   /*waitDefault=*/false);
 }
 
 }  // namespace

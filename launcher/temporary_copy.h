@@ -10,20 +10,15 @@ class LaunchOptions;
 // Nothing is created.
 std::string NewTemporaryDirName();
 
-// Copies the installer's part of the media into `temporaryDir`, so that the media may be taken
-// away while the installation goes on, and moves `mediaDir` and `installerExePath` onto the copy;
-// or leaves everything in place when "ZEPAdmInstDontCopyInstaller" or `skipTemporaryCopy` says so.
+// Copies the installer's part of the media into `temporaryDir`, so that the media may be removed
+// during the installation, and moves `mediaDir` and `installerExePath` onto the copy; or leaves
+// everything in place when "ZEPAdmInstDontCopyInstaller" or `skipTemporaryCopy` says so.
 // "ZEPAdmInstOriginalMediaDir" tells the installer of the media it was copied from, and is removed
 // without a copy.
 //
 // A failed copy is reported, "Cannot copy the installer to a temporary directory: " and then the
-// failure's own text, and ends the process with exit code 1; what was copied stays. Only the
-// copies from a separate installer media may fail unnoticed.
+// failure's own text, and ends the process with exit code 1; what was copied stays. Only the copies
+// from a separate installer media may fail silently.
 void CopyInstallerToTemporaryDir(LaunchOptions& options, const std::string& temporaryDir);
-
-// Writes "remove.bat" into `temporaryDir`: a script that waits until the copy is no longer in use
-// and removes it and itself. The installer that runs from the copy is to start it. A script that
-// cannot be written is not reported.
-void WriteRemoveScript(const std::string& temporaryDir);
 
 }  // namespace launcher

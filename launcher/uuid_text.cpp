@@ -8,7 +8,7 @@
 namespace launcher {
 namespace {
 
-// The wall clock in units of 100 ns since 1970, cut to its low 32 bits.
+// The wall clock in units of 100 ns since 1970, truncated to 32 bits.
 std::mt19937::result_type ClockSeed() {
     using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
     const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();

@@ -12,11 +12,10 @@ inline constexpr char kCommonFolder[] = "common";  // in "inst", beside the per-
 inline constexpr char kCodeFolder[] = "code";      // in a per-OS folder
 inline constexpr char kBinFolder[] = "bin";        // in "code"; holds the installer
 
-// The installer `exeName` in the media `mediaDir`, below its folder for one operating system.
-inline Path InstallerPath(const Path& mediaDir, const std::string& osFolder,
-                          const std::string& exeName) {
-    const Path code = Join(Join(Join(mediaDir, kInstFolder), osFolder), kCodeFolder);
-    return Join(Join(code, kBinFolder), exeName);
+// The installer `exeName` in the media `mediaDir`, in its per-OS folder.
+inline Path InstallerExecutable(const Path& mediaDir, const std::string& osFolder,
+                                const std::string& exeName) {
+    return Join(mediaDir, {kInstFolder, osFolder, kCodeFolder, kBinFolder, exeName});
 }
 
 }  // namespace launcher

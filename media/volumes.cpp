@@ -3,14 +3,14 @@
 #include <cstdint>
 #include <optional>
 
-#include "fs/directory.h"
+#include "fs/directory_enumerator.h"
 #include "fs/environment.h"
-#include "fs/file_operations.h"
 #include "fs/path.h"
-#include "launcher/launch_options.h"
-#include "launcher/message.h"
+#include "fs/path_exists.h"
+#include "launcher/base/launch_options.h"
+#include "launcher/base/message.h"
 #include "media/layout.h"
-#include "media/marker_files.h"
+#include "media/volume_files.h"
 
 namespace launcher {
 namespace {
@@ -21,19 +21,19 @@ constexpr char kFirstAmVolumeVar[] = "ZEPAdmInstFirstAMVolume";
 constexpr char kFirstAmPathVar[] = "ZEPAdmInstFirstAMPath";
 constexpr char kAmRelativePathVar[] = "ZEPAdmInstAMRelativePath";
 
-// Volume numbers are 64 bits wide: a count may be as large as an int gets, and the number of an
-// outer volume is up to 98 above it.
+// Volume numbers are 64 bits wide: a count may be as large as INT_MAX, and the number of an outer
+// volume is up to 98 above it.
 using VolumeNumber = std::int64_t;
 
 // What one pass over volumes 2 to N found.
 struct Pass {
     VolumeNumber found = 1;  // volume 1 is always there
-    bool mismatch = false;   // a volume of another media was met
+    bool mismatch = false;   // a volume of another media was found
 };
 
 // A split media whose volume 1 was found and identified.
 struct SplitMedia {
-    LaunchOptions& options;
+    const LaunchOptions& options;  // of which `mediaDir` is the folder of volume 1
     VolumeNumber count;
     std::string id;
 };
@@ -61,11 +61,11 @@ std::string ReadVolumeId(const Path& folder, VolumeNumber number) {
     return ReadMtbDir(Join(folder, Decimal(number) + ".txt").Text());
 }
 
-void Report(LaunchOptions& options, const std::string& text) {
+void Trace(const LaunchOptions& options, const std::string& text) {
     TraceMessage(options, text, Severity::Plain);
 }
 
-void Warn(LaunchOptions& options, const std::string& text) {
+void TraceWarning(const LaunchOptions& options, const std::string& text) {
     TraceMessage(options, text, Severity::Warning);
 }
 
@@ -79,8 +79,8 @@ Pass SingleFolderPass(const SplitMedia& media) {
             ++pass.found;
             continue;
         }
-        Warn(media.options,
-             "Volume " + Decimal(k) + " of " + id + " found in the directory of " + media.id);
+        TraceWarning(media.options, "Volume " + Decimal(k) + " of " + id +
+                                        " found in the directory of " + media.id);
         pass.mismatch = true;
     }
     return pass;
@@ -93,12 +93,12 @@ void CheckVolumeFolder(const SplitMedia& media, VolumeNumber k, const Path& fold
     if (id.empty()) return;
     if (id == media.id) {
         ++pass.found;
-        Report(media.options, "Volume " + Decimal(k) + " found in: " + folder.Text());
+        Trace(media.options, "Volume " + Decimal(k) + " found in: " + folder.Text());
         volumes.push_back(folder.Text());
         return;
     }
-    Warn(media.options, "Volume " + Decimal(k) + " of " + id + " found in " + folder.Text() +
-                            " instead of " + media.id);
+    TraceWarning(media.options, "Volume " + Decimal(k) + " of " + id + " found in " +
+                                    folder.Text() + " instead of " + media.id);
     pass.mismatch = true;
 }
 
@@ -119,28 +119,26 @@ Pass AmPass(const SplitMedia& media, const AmSet& am, std::vector<std::string>& 
         const std::string id = ReadVolumeId(outer, m);
         if (id.empty()) continue;
         if (id != am.id) {
-            Warn(media.options, "AM volume " + Decimal(m) + " of " + id + " found in " +
-                                    outer.Text() + " instead of " + am.id);
+            TraceWarning(media.options, "AM volume " + Decimal(m) + " of " + id + " found in " +
+                                            outer.Text() + " instead of " + am.id);
             pass.mismatch = true;
             continue;
         }
-        Report(media.options, "AM volume " + Decimal(m) + " found in: " + outer.Text());
+        Trace(media.options, "AM volume " + Decimal(m) + " found in: " + outer.Text());
         const Path inner = Join(outer, am.relativePath.Text());
         CheckVolumeFolder(media, j, Join(inner, Decimal(j)), pass, volumes);
     }
     return pass;
 }
 
-// What a pass says of the whole media: the result of the search when it settles it, nothing when
-// only volume 1 was met and the next layout is to be tried.
+// What a pass says about the whole media: the result of the search when it settles it, nothing when
+// only volume 1 was found and the next layout must be tried.
 std::optional<int> Conclude(const SplitMedia& media, const Pass& pass, int resultWhenComplete) {
     if (pass.mismatch) return 0;
-    if (pass.found == media.count) {
-        media.options.skipTemporaryCopy = true;
-        return resultWhenComplete;
-    }
+    if (pass.found == media.count) return resultWhenComplete;
     if (pass.found == 1) return std::nullopt;
-    Warn(media.options, "Missing volumes. Please make sure you copied everything correctly.");
+    TraceWarning(media.options,
+                 "Missing volumes. Please make sure you copied everything correctly.");
     return 0;
 }
 
@@ -163,19 +161,19 @@ std::optional<AmMarker> FindAmMarker(const Path& mediaDir) {
     return std::nullopt;
 }
 
-std::optional<AmSet> FindAmSet(LaunchOptions& options) {
+std::optional<AmSet> FindAmSet(const LaunchOptions& options) {
     const std::optional<AmMarker> marker = FindAmMarker(options.mediaDir);
     if (!marker) return std::nullopt;
     const std::string id = ReadMtbDir(Join(marker->folder, marker->fileName).Text());
     if (id.empty()) {
-        Warn(options, "Cannot open " + marker->fileName + " in " + marker->folder.Text());
-        Report(options, "Please make sure you copied and/or extracted everything properly.");
+        TraceWarning(options, "Cannot open " + marker->fileName + " in " + marker->folder.Text());
+        Trace(options, "Please make sure you copied and/or extracted everything properly.");
         return std::nullopt;
     }
     const AmSet am{marker->number, id, marker->folder,
                    RelativePath(Parent(options.mediaDir), marker->folder)};
     SetEnvVar(kMtbDirVar, am.id);
-    Report(options, "AM volume " + Decimal(am.first) + " found in: " + am.folder.Text());
+    Trace(options, "AM volume " + Decimal(am.first) + " found in: " + am.folder.Text());
     SetEnvVar(kFirstAmVolumeVar, Decimal(am.first));
     SetEnvVar(kFirstAmPathVar, am.folder.Text());
     SetEnvVar(kAmRelativePathVar, am.relativePath.Text());
@@ -185,16 +183,16 @@ std::optional<AmSet> FindAmSet(LaunchOptions& options) {
 // The three layouts, one after the other: all volumes in one folder, in sibling folders, in
 // numbered outer volumes.
 int FindVolumes(const SplitMedia& media, std::vector<std::string>& volumes) {
-    LaunchOptions& options = media.options;
+    const LaunchOptions& options = media.options;
     if (const auto result = Conclude(media, SingleFolderPass(media), 1)) {
         if (*result == 1) {
-            Report(options, "All volumes found in: " + options.mediaDir.Text());
+            Trace(options, "All volumes found in: " + options.mediaDir.Text());
             SetEnvVar(kVolumesCountVar, "");
         }
         return *result;
     }
     const int all = static_cast<int>(media.count);
-    Report(options, "Volume 1 found in: " + options.mediaDir.Text());
+    Trace(options, "Volume 1 found in: " + options.mediaDir.Text());
     if (const auto result = Conclude(media, SiblingPass(media, volumes), all)) return *result;
     const std::optional<AmSet> am = FindAmSet(options);
     if (!am) return 0;
@@ -207,34 +205,36 @@ void ClearVolumeVariables() {
         SetEnvVar(name, "");
 }
 
-}  // namespace
-
-int ResolveVolumes(LaunchOptions& options, std::vector<std::string>& volumes) {
-    ClearVolumeVariables();
-    const std::string countFile = Join(Join(options.mediaDir, kInstFolder), "volumes.txt").Text();
+// The result of ResolveVolumes, once the variables are cleared.
+int CountVolumes(const LaunchOptions& options, std::vector<std::string>& volumes) {
+    const std::string countFile = Join(options.mediaDir, {kInstFolder, "volumes.txt"}).Text();
     // The misspelt name is part of the interface.
     if (!PathExists(countFile) || options.softMgt ||
-        !GetEnvVar("ZEP_Online_Installation_Caf_Repositiory").empty()) {
-        options.skipTemporaryCopy = true;
+        !GetEnvVar("ZEP_Online_Installation_Caf_Repositiory").empty())
         return 1;
-    }
     const std::optional<VolumeCount> count = ReadVolumeCount(countFile);
     if (!count) return 0;
-    if (count->count < 2) {
-        options.skipTemporaryCopy = true;
-        return 1;
-    }
+    if (count->count < 2) return 1;
     // The line as it was read, whatever follows the number in it.
     TraceMessage(options, "This media is composed of " + count->line + " volumes.", Severity::Info);
     SetEnvVar(kVolumesCountVar, count->line);
     const std::string id = ReadVolumeId(options.mediaDir, 1);
     if (id.empty()) {
-        Warn(options, "1.txt not found or not accessible in: " + options.mediaDir.Text());
-        Report(options, "Please make sure you copied the whole volume.");
+        TraceWarning(options, "1.txt not found or not accessible in: " + options.mediaDir.Text());
+        Trace(options, "Please make sure you copied the whole volume.");
         return 0;
     }
     SetEnvVar(kMtbDirVar, id);
     return FindVolumes(SplitMedia{options, count->count, id}, volumes);
+}
+
+}  // namespace
+
+int ResolveVolumes(LaunchOptions& options, std::vector<std::string>& volumes) {
+    ClearVolumeVariables();
+    const int result = CountVolumes(options, volumes);
+    if (result != 0) options.skipTemporaryCopy = true;
+    return result;
 }
 
 }  // namespace launcher

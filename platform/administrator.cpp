@@ -4,7 +4,7 @@
 
 #include "fs/environment.h"
 #include "fs/exceptions.h"
-#include "fs/owners.h"
+#include "platform/owners.h"
 
 namespace launcher {
 namespace {
@@ -12,14 +12,18 @@ namespace {
 constexpr DWORD kWindowsVista = 6;
 
 // The major version as the manifest lets it be seen, which is enough to tell Vista from older
-// systems; 0 when it is not told.
+// systems; 0 on failure.
 DWORD WindowsMajorVersion() {
     OSVERSIONINFOW version{};
     version.dwOSVersionInfoSize = sizeof version;
 #ifdef _MSC_VER
-#pragma warning(suppress : 4996)  // deprecated, and the one call that every system has
+#pragma warning(push)
+#pragma warning(disable : 4996)  // deprecated, but the only such call on every system
 #endif
     GetVersionExW(&version);
+#ifdef _MSC_VER
+#pragma warning(pop)
+#endif
     return version.dwMajorVersion;
 }
 
@@ -27,10 +31,8 @@ Sid AdministratorsGroup() {
     SID_IDENTIFIER_AUTHORITY authority = {SECURITY_NT_AUTHORITY};
     Sid group;
     if (!AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID,
-                                  DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0, group.Put())) {
-        const DWORD error = GetLastError();
-        throw ZEPInsException("AllocateAndInitializeSid failed.", error);
-    }
+                                  DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0, group.Put()))
+        ThrowLastError("AllocateAndInitializeSid failed.");
     return group;
 }
 
@@ -43,17 +45,12 @@ bool IsMember(const Sid& group) {
 
 bool IsProcessElevated() {
     TokenHandle token;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_READ, token.Put())) {
-        const DWORD error = GetLastError();
-        throw ZEPInsException("OpenProcessToken failed.", error);
-    }
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_READ, token.Put()))
+        ThrowLastError("OpenProcessToken failed.");
     TOKEN_ELEVATION elevation{};
     DWORD length = 0;
-    if (!GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof elevation, &length)) {
-        const DWORD error = GetLastError();
-        token.Reset();
-        throw ZEPInsException("GetTokenInformation failed.", error);
-    }
+    if (!GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof elevation, &length))
+        ThrowLastError("GetTokenInformation failed.");
     return elevation.TokenIsElevated != 0;
 }
 

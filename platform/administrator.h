@@ -8,9 +8,9 @@ namespace launcher {
 // one tries again. Throws as DetectAdministrator.
 bool IsAdministrator();
 
-// The answer computed afresh. Throws ZEPInsException with the name of the call that failed
-// ("AllocateAndInitializeSid failed.", "OpenProcessToken failed.", "GetTokenInformation failed.")
-// and the system's text.
+// As IsAdministrator, but computed anew on every call. Throws ZEPInsException with the name of the
+// call that failed ("AllocateAndInitializeSid failed.", "OpenProcessToken failed.",
+// "GetTokenInformation failed.") and the system's text.
 // https://learn.microsoft.com/windows/win32/api/securitybaseapi/nf-securitybaseapi-checktokenmembership
 bool DetectAdministrator();
 

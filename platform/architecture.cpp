@@ -2,15 +2,15 @@
 
 #include <windows.h>
 
-#include "platform/kernel32_function.h"
+#include "platform/module_function.h"
 
 namespace launcher {
 
 bool Is64BitWindows() {
     static const auto getNativeSystemInfo =
-        Kernel32Function<decltype(&GetNativeSystemInfo)>("GetNativeSystemInfo");
+        ModuleFunction<decltype(&GetNativeSystemInfo)>(L"kernel32", "GetNativeSystemInfo");
     static const auto isWow64Process =
-        Kernel32Function<decltype(&IsWow64Process)>("IsWow64Process");
+        ModuleFunction<decltype(&IsWow64Process)>(L"kernel32", "IsWow64Process");
 
     BOOL wow64 = FALSE;
     if (isWow64Process != nullptr) isWow64Process(GetCurrentProcess(), &wow64);

@@ -2,13 +2,13 @@
 
 #include <windows.h>
 
-#include "platform/kernel32_function.h"
+#include "platform/module_function.h"
 
 namespace launcher {
 
 void RestrictDllSearch() {
-    const auto setDefaultDllDirectories =
-        Kernel32Function<decltype(&SetDefaultDllDirectories)>("SetDefaultDllDirectories");
+    const auto setDefaultDllDirectories = ModuleFunction<decltype(&SetDefaultDllDirectories)>(
+        L"kernel32", "SetDefaultDllDirectories");
     if (setDefaultDllDirectories != nullptr) setDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
 }
 

@@ -2,20 +2,18 @@
 
 #include <windows.h>
 
+#include "fs/encoding.h"
 #include "fs/exceptions.h"
 #include "fs/path.h"
-#include "fs/text.h"
 
 namespace launcher {
 
 std::string GetModuleFileNameText() {
     static std::string cache;
     if (cache.empty()) {
-        wchar_t buffer[MAX_PATH + 1] = {};  // one more: Windows XP does not terminate a cut name
-        if (GetModuleFileNameW(nullptr, buffer, MAX_PATH) == 0) {
-            const DWORD error = GetLastError();
-            throw ZEPInsException("GetModuleFileName failed.", error);
-        }
+        wchar_t buffer[MAX_PATH + 1] = {};  // one more: Windows XP leaves a cut name unterminated
+        if (GetModuleFileNameW(nullptr, buffer, MAX_PATH) == 0)
+            ThrowLastError("GetModuleFileName failed.");
         cache = ToNarrow(buffer);
     }
     return cache;

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 #include "tests/e2e/support/launcher_test.h"
 
 namespace launcher::test {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/e2e/support/launcher_test.h"
 
 namespace launcher::test {

@@ -8,7 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "fs/directory.h"
+#include "fs/copy.h"
+#include "fs/file_type.h"
 #include "tests/fs/file_test.h"
 #include "tests/fs/throws.h"
 #include "tests/support/hook.h"

@@ -1,4 +1,4 @@
-#include "fs/directory.h"
+#include "fs/directory_enumerator.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>

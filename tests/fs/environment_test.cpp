@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/support/hook.h"
 
 namespace launcher {
@@ -89,6 +89,13 @@ TEST_F(Environment, ReadsValuesOfEveryLength) {
 TEST_F(Environment, RemovesTheVariableWithAnEmptyValue) {
     SetEnvVar(kName, "value");
     SetEnvVar(kName, "");
+    EXPECT_EQ(InheritedEnvironment().find(kWideName), std::wstring::npos);
+}
+
+// Windows ends the value at its first zero byte, so here nothing of it is left.
+TEST_F(Environment, RemovesTheVariableWithAValueThatBeginsWithAZeroByte) {
+    SetEnvVar(kName, "value");
+    SetEnvVar(kName, std::string("\0after", 6));
     EXPECT_EQ(InheritedEnvironment().find(kWideName), std::wstring::npos);
 }
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <type_traits>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/support/hook.h"
 
 namespace launcher {

@@ -4,10 +4,10 @@
 #include <cerrno>
 #include <string>
 
-#include "fs/file_copy.h"
-#include "fs/file_operations.h"
+#include "fs/copy.h"
+#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "fs/text.h"
+#include "fs/path_exists.h"
 #include "tests/fs/file_test.h"
 #include "tests/fs/throws.h"
 #include "tests/support/hook.h"

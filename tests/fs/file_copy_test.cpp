@@ -1,4 +1,4 @@
-#include "fs/file_copy.h"
+#include "fs/copy.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>
@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 #include "tests/fs/file_test.h"
 #include "tests/support/hook.h"
 

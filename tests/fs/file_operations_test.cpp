@@ -1,4 +1,7 @@
-#include "fs/file_operations.h"
+#include "fs/copy.h"
+#include "fs/create_dir.h"
+#include "fs/file_type.h"
+#include "fs/path_exists.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>
@@ -7,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/fs/file_test.h"
 #include "tests/fs/throws.h"
 #include "tests/support/hook.h"

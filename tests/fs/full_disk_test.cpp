@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "fs/file_operations.h"
+#include "fs/copy.h"
 #include "tests/fs/links.h"
 #include "tests/fs/throws.h"
 #include "tests/support/temporary_folder.h"

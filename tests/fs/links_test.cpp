@@ -6,10 +6,12 @@
 #include <filesystem>
 #include <string>
 
-#include "fs/directory.h"
-#include "fs/file_copy.h"
-#include "fs/file_operations.h"
-#include "fs/text.h"
+#include "fs/copy.h"
+#include "fs/create_dir.h"
+#include "fs/directory_enumerator.h"
+#include "fs/encoding.h"
+#include "fs/file_type.h"
+#include "fs/path_exists.h"
 #include "tests/fs/links.h"
 #include "tests/fs/throws.h"
 #include "tests/support/hook.h"

@@ -1,4 +1,5 @@
 #include "fs/text.h"
+#include "fs/encoding.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
-#include "installer/environment.h"
+#include "installer/installer_environment.h"
 
 #include <windows.h>
 
+#include "fs/encoding.h"
 #include "fs/environment.h"
 #include "fs/exceptions.h"
-#include "fs/text.h"
 #include "tests/installer/fakes.h"
-#include "tests/launcher/options_fields.h"
+#include "tests/launcher/base/options_fields.h"
 #include "tests/support/import_patch.h"
 
 namespace launcher {

@@ -2,7 +2,7 @@
 
 #include <cwchar>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/launcher/journal.h"
 
 namespace launcher::test {
@@ -95,19 +95,6 @@ IFACEMETHODIMP FakeFileDialog::SetTitle(LPCWSTR title) {
 IFACEMETHODIMP FakeFileDialog::GetResult(IShellItem** item) {
     Record("GetResult");
     return FAILED(getResult) ? getResult : result.GiveTo(item);
-}
-
-std::size_t FreeCounter::count_;
-decltype(&CoTaskMemFree) FreeCounter::real_;
-
-FreeCounter::FreeCounter() {
-    count_ = 0;
-    real_ = reinterpret_cast<decltype(real_)>(patch_.Original());
-}
-
-void WINAPI FreeCounter::CountFree(void* memory) {
-    if (memory != nullptr) ++count_;
-    real_(memory);
 }
 
 }  // namespace launcher::test

@@ -111,19 +111,4 @@ class FakeFileDialog : public FakeObject<IFileDialog> {
     IFACEMETHODIMP SetFilter(IShellItemFilter*) override { return E_NOTIMPL; }
 };
 
-// Counts what is freed with CoTaskMemFree while it lives. One at a time.
-class FreeCounter {
-  public:
-    FreeCounter();
-
-    std::size_t Count() const { return count_; }
-
-  private:
-    static void WINAPI CountFree(void* memory);
-
-    static std::size_t count_;
-    static decltype(&CoTaskMemFree) real_;
-    const ImportPatch patch_{"CoTaskMemFree", CountFree};
-};
-
 }  // namespace launcher::test

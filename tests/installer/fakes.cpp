@@ -1,9 +1,9 @@
 #include "tests/installer/fakes.h"
 
 #include "fs/exceptions.h"
-#include "media/locate_installer.h"
+#include "media/installer_media.h"
 #include "platform/administrator.h"
-#include "tests/launcher/options_fields.h"
+#include "tests/launcher/base/options_fields.h"
 
 namespace launcher {
 

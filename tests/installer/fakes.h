@@ -1,6 +1,6 @@
 #pragma once
 
-#include "launcher/launch_options.h"
+#include "launcher/base/launch_options.h"
 #include "tests/launcher/isolated_test.h"
 #include "tests/launcher/journal.h"
 

@@ -2,8 +2,9 @@
 
 #include <shlobj.h>
 
-#include "fs/owners.h"
+#include "installer/com.h"
 #include "tests/installer/delete_watch.h"
+#include "tests/installer/fake_com.h"
 #include "tests/installer/fake_shell.h"
 #include "tests/installer/fakes.h"
 #include "tests/support/temporary_folder.h"
@@ -150,10 +151,10 @@ TEST_F(FolderDialogEventsTest, LookAlsoWhereThereIsNoButton) {
 
 TEST_F(FolderDialogEventsTest, FreeThePathOnce) {
     for (const bool hasWindow : {true, false}) {
-        const test::FreeCounter counter;
+        test::com.freed = 0;
         dialog_.hasWindow = hasWindow;
         Enter(&folder_);
-        EXPECT_EQ(counter.Count(), 1u);
+        EXPECT_EQ(test::com.freed, 1u);
     }
 }
 

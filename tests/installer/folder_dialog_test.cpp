@@ -1,7 +1,7 @@
 #include "installer/folder_dialog.h"
 
-#include "fs/owners.h"
-#include "fs/text.h"
+#include "fs/encoding.h"
+#include "tests/installer/fake_com.h"
 #include "tests/installer/fake_shell.h"
 #include "tests/installer/fakes.h"
 #include "tests/support/import_patch.h"
@@ -16,10 +16,9 @@ using testing::ElementsAreArray;
 test::FakeFileDialog* dialogToCreate = nullptr;  // null: there is none on this system
 test::FakeShellItem* startFolder = nullptr;      // null: there is no such folder
 
-HRESULT WINAPI CreateFakeDialog(REFCLSID classId, IUnknown* outer, DWORD context, REFIID iid,
-                                void** object) {
-    const bool asExpected = IsEqualCLSID(classId, CLSID_FileOpenDialog) && outer == nullptr &&
-                            context == 0x17 && IsEqualIID(iid, IID_IFileDialog);
+HRESULT CreateFakeDialog(REFCLSID classId, REFIID iid, void** object) {
+    const bool asExpected =
+        IsEqualCLSID(classId, CLSID_FileOpenDialog) && IsEqualIID(iid, IID_IFileDialog);
     test::Record(asExpected ? "create the dialog" : "create something else");
     *object = nullptr;
     if (dialogToCreate == nullptr) return REGDB_E_CLASSNOTREG;
@@ -40,6 +39,7 @@ class FolderDialogTest : public test::InstallerTest {
         options_.mediaDir = Path("D:\\sets\\a\\media");
         dialog_.result.path = L"E:\\result";
         start_.path = L"D:\\sets";
+        test::com = {CreateFakeDialog};
         dialogToCreate = &dialog_;
         startFolder = &start_;
     }
@@ -57,12 +57,13 @@ class FolderDialogTest : public test::InstallerTest {
     // The journal's first lines in every dialog that comes to be shown, and then `rest`.
     static std::vector<std::string> Shown(const std::vector<std::string>& rest) {
         std::vector<std::string> lines = {
-            "create the dialog", "GetOptions", "SetOptions",
+            "COM begins", "create the dialog", "GetOptions", "SetOptions",
             "SetTitle Select the folder of the separate media called QN_Installer for win_b64",
             "Advise", "folder \"D:\\sets\"", "path of a folder", "SetDefaultFolder D:\\sets",
             // Entering a folder without a path.
             "Show", "path of a folder"};
         lines.insert(lines.end(), rest.begin(), rest.end());
+        lines.push_back("COM ends");
         return lines;
     }
 
@@ -70,18 +71,16 @@ class FolderDialogTest : public test::InstallerTest {
     test::FakeShellItem start_;
 
   private:
-    const test::ImportPatch create_{"CoCreateInstance", CreateFakeDialog};
     const test::ImportPatch item_{"SHCreateItemFromParsingName", CreateFakeItem};
 };
 
 TEST_F(FolderDialogTest, IsConfirmed) {
-    const test::FreeCounter counter;
     EXPECT_TRUE(SelectInstallerFolder(options_));
     EXPECT_THAT(
         test::Journal(),
         ElementsAreArray(Shown({"GetResult", "path of a folder", "Unadvise, events held by 1"})));
     EXPECT_EQ(dialog_.options, 0x820u);
-    EXPECT_EQ(counter.Count(), 2u);  // the start folder's path, by the fake, and the result's
+    EXPECT_EQ(test::com.freed, 2u);  // the start folder's path, by the fake, and the result's
 }
 
 TEST_F(FolderDialogTest, IsCancelled) {
@@ -108,19 +107,21 @@ TEST_F(FolderDialogTest, HasAResultWithoutAPath) {
 TEST_F(FolderDialogTest, DoesNotExist) {
     dialogToCreate = nullptr;
     EXPECT_FALSE(SelectInstallerFolder(options_));
-    EXPECT_THAT(test::Journal(), ElementsAre("create the dialog"));
+    EXPECT_THAT(test::Journal(), ElementsAre("COM begins", "create the dialog", "COM ends"));
 }
 
 TEST_F(FolderDialogTest, DoesNotTellItsOptions) {
     dialog_.getOptions = E_FAIL;
     EXPECT_FALSE(SelectInstallerFolder(options_));
-    EXPECT_THAT(test::Journal(), ElementsAre("create the dialog", "GetOptions"));
+    EXPECT_THAT(test::Journal(),
+                ElementsAre("COM begins", "create the dialog", "GetOptions", "COM ends"));
 }
 
 TEST_F(FolderDialogTest, DoesNotTakeItsOptions) {
     dialog_.setOptions = E_FAIL;
     EXPECT_FALSE(SelectInstallerFolder(options_));
-    EXPECT_THAT(test::Journal(), ElementsAre("create the dialog", "GetOptions", "SetOptions"));
+    EXPECT_THAT(test::Journal(), ElementsAre("COM begins", "create the dialog", "GetOptions",
+                                             "SetOptions", "COM ends"));
 }
 
 TEST_F(FolderDialogTest, IsShownAlsoWithoutATitleAndEvents) {
@@ -162,12 +163,14 @@ TEST_F(FolderDialogTest, LooksForTheInstallerInEachFolderThatIsEntered) {
 // The same on the shell's own folders.
 class FolderDialogStartTest : public test::InstallerTest {
   protected:
+    FolderDialogStartTest() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+    ~FolderDialogStartTest() override { CoUninitialize(); }
+
     // The start folder for a media, "" for none.
     std::string StartFolder(const std::string& media) {
-        const ComApartment com;
+        test::com = {CreateFakeDialog};
         test::FakeFileDialog dialog;
         dialogToCreate = &dialog;
-        const test::ImportPatch create("CoCreateInstance", CreateFakeDialog);
         options_.mediaDir = Path(media);
         test::ClearJournal();
         SelectInstallerFolder(options_);

@@ -4,10 +4,12 @@
 
 #include <cstring>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
+#include "installer/installer_process.h"
 #include "installer/launch.h"
 #include "tests/installer/fakes.h"
 #include "tests/launcher/fake_messages.h"
+#include "tests/support/handle_count.h"
 #include "tests/support/import_patch.h"
 
 namespace launcher {
@@ -163,6 +165,19 @@ TEST_F(InstallerProcessTest, StartsWithoutAWindowWhenAskedTo) {
 TEST_F(InstallerProcessTest, HoldsNothingBeforeItIsStarted) {
     { const InstallerProcess installer("i.exe"); }
     EXPECT_THAT(test::Journal(), ElementsAre());
+}
+
+TEST(ProcessInformationTest, ClosesBothHandles) {
+    const std::size_t before = test::OpenHandleCount();
+    {
+        ProcessInformation child;
+        EXPECT_EQ(child.hProcess, INVALID_HANDLE_VALUE);
+        EXPECT_EQ(child.hThread, INVALID_HANDLE_VALUE);
+        child.hProcess = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        child.hThread = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        EXPECT_EQ(test::OpenHandleCount(), before + 2);
+    }
+    EXPECT_EQ(test::OpenHandleCount(), before);
 }
 
 }  // namespace

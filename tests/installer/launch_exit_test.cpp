@@ -9,8 +9,8 @@
 #include "installer/launch.h"
 #include "platform/administrator.h"
 #include "tests/installer/launch_child.h"
-#include "tests/launcher/message_boxes.h"
-#include "tests/launcher/options_fields.h"
+#include "tests/launcher/base/message_boxes.h"
+#include "tests/launcher/base/options_fields.h"
 
 namespace launcher {
 

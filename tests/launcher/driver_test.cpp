@@ -3,17 +3,18 @@
 #include "launcher/driver.h"
 
 #include "fs/environment.h"
-#include "installer/environment.h"
+#include "installer/installer_environment.h"
 #include "installer/launch.h"
-#include "launcher/command_line.h"
-#include "launcher/find_installer.h"
+#include "launcher/choose_installer.h"
+#include "launcher/installer_command_line.h"
+#include "launcher/remove_script.h"
 #include "launcher/requirements.h"
 #include "launcher/temporary_copy.h"
 #include "media/volumes.h"
 #include "tests/launcher/fake_messages.h"
 #include "tests/launcher/isolated_test.h"
 #include "tests/launcher/journal.h"
-#include "tests/launcher/options_fields.h"
+#include "tests/launcher/base/options_fields.h"
 
 namespace launcher {
 namespace {
@@ -34,17 +35,17 @@ FakeSteps steps;
 
 }  // namespace
 
-bool HasRequiredWebLibrary(LaunchOptions&) {
+bool CheckWebLibrary(const LaunchOptions&) {
     test::Record("web library");
     return steps.hasWebLibrary;
 }
 
-void WarnOfOldWindows(LaunchOptions&) {
+void WarnOfOldWindows(const LaunchOptions&) {
     test::Record("Windows version");
 }
 
-void FindInstaller(LaunchOptions&) {
-    test::Record("find the installer");
+void ChooseInstaller(LaunchOptions&) {
+    test::Record("choose the installer");
     if (!steps.findsInstaller) throw test::ProcessExit{1};
 }
 
@@ -77,7 +78,7 @@ void WriteRemoveScript(const std::string& temporaryDir) {
     test::Record("script in " + temporaryDir);
 }
 
-std::int32_t LaunchInstaller(LaunchOptions&, const std::string& commandLine) {
+std::int32_t LaunchInstaller(const LaunchOptions&, const std::string& commandLine) {
     test::Record("launch " + commandLine);
     return steps.launchResult;
 }
@@ -98,7 +99,7 @@ class DriverTest : public test::IsolatedTest {
 TEST_F(DriverTest, RunsFromTheMediaStepByStep) {
     EXPECT_EQ(RunLauncher(options_), 0);
     EXPECT_THAT(test::Journal(),
-                ElementsAre("web library", "Windows version", "find the installer", "volumes",
+                ElementsAre("web library", "Windows version", "choose the installer", "volumes",
                             "name a temporary folder", "copy to T:\\new\\", "environment",
                             "command line", "launch the command line"));
 }
@@ -108,7 +109,7 @@ TEST_F(DriverTest, RunsFromACopyWithAScriptThatRemovesIt) {
     EXPECT_EQ(RunLauncher(options_), 0);
     EXPECT_THAT(
         test::Journal(),
-        ElementsAre("web library", "Windows version", "find the installer", "volumes",
+        ElementsAre("web library", "Windows version", "choose the installer", "volumes",
                     "name a temporary folder", "copy to T:\\new\\", "environment of the copy",
                     "command line", "script in T:\\new\\", "launch the command line"));
 }
@@ -130,7 +131,7 @@ TEST_F(DriverTest, EndsWhereThereIsNoInstaller) {
     steps.findsInstaller = false;
     EXPECT_THROW(RunLauncher(options_), test::ProcessExit);
     EXPECT_THAT(test::Journal(),
-                ElementsAre("web library", "Windows version", "find the installer"));
+                ElementsAre("web library", "Windows version", "choose the installer"));
 }
 
 TEST_F(DriverTest, AnswersOnlyTheNumberOfVolumesWhenAsked) {
@@ -141,7 +142,7 @@ TEST_F(DriverTest, AnswersOnlyTheNumberOfVolumesWhenAsked) {
         steps.volumes = {"V:\\2", "V:\\3"};
         EXPECT_EQ(RunLauncher(options_), count);
         EXPECT_THAT(test::Journal(),
-                    ElementsAre("web library", "Windows version", "find the installer", "volumes"));
+                    ElementsAre("web library", "Windows version", "choose the installer", "volumes"));
         EXPECT_EQ(GetEnvVar("ZEPAdmInstVolumePath_2"), "");
     }
 }

@@ -3,10 +3,10 @@
 #include <windows.h>
 
 #include "fs/environment.h"
-#include "fs/file_operations.h"
+#include "fs/path_exists.h"
 #include "installer/folder_dialog.h"
-#include "launcher/find_installer.h"
-#include "media/locate_installer.h"
+#include "launcher/choose_installer.h"
+#include "media/installer_media.h"
 #include "platform/architecture.h"
 #include "tests/launcher/fake_messages.h"
 #include "tests/launcher/journal.h"
@@ -38,25 +38,9 @@ bool SelectInstallerFolder(LaunchOptions& options) {
 }
 
 namespace test {
-namespace {
-
-HRESULT WINAPI RecordCoInitialize(LPVOID reserved, DWORD model) {
-    Record((reserved ? "CoInitializeEx with more " : "CoInitializeEx ") + std::to_string(model));
-    return S_OK;
-}
-
-void WINAPI RecordCoUninitialize() {
-    Record("CoUninitialize");
-}
-
-}  // namespace
-
 FakeMachine machine;
 
-FindInstallerTest::FindInstallerTest()
-    : options_(ParseOptions({})),
-      coInitialize_("CoInitializeEx", RecordCoInitialize),
-      coUninitialize_("CoUninitialize", RecordCoUninitialize) {
+ChooseInstallerTest::ChooseInstallerTest() : options_(ParseOptions({})) {
     machine = {};
     for (const char* variable :
          {"ZEPAdmInstODTinstallOSpath", "ZEP_UseExternalInstaller", "ZEP_TALVOR_Installer"})
@@ -64,15 +48,15 @@ FindInstallerTest::FindInstallerTest()
     Restart();
 }
 
-void FindInstallerTest::Restart() {
+void ChooseInstallerTest::Restart() {
     ClearJournal();
     options_ = ParseOptions({}, false);
     options_.mediaDir = Path("M:");
 }
 
-bool FindInstallerTest::Find() {
+bool ChooseInstallerTest::Find() {
     try {
-        FindInstaller(options_);
+        ChooseInstaller(options_);
         return true;
     } catch (const ProcessExit& exit) {
         EXPECT_EQ(exit.code, 1);

@@ -4,12 +4,11 @@
 #include <string>
 
 #include "tests/launcher/isolated_test.h"
-#include "tests/launcher/options_fields.h"
-#include "tests/support/import_patch.h"
+#include "tests/launcher/base/options_fields.h"
 
 namespace launcher::test {
 
-// What the fakes below FindInstaller answer: which files there are, which Windows this is, what
+// What the fakes below ChooseInstaller answer: which files there are, which Windows this is, what
 // the lookup in a media finds, what a person does in the folder dialog.
 struct FakeMachine {
     bool is64Bit = true;
@@ -39,11 +38,11 @@ inline constexpr char kNotFoundNoDialog[] =
     "You can also launch this executable again with the '-UI' argument to open a directory browse "
     "dialog box to select the installer directory.";
 
-// Runs FindInstaller on the fakes for the media "M:", on a 64-bit Windows, with boxes off and no
-// variable set. The journal tells of COM, too.
-class FindInstallerTest : public IsolatedTest {
+// Runs ChooseInstaller on the fakes for the media "M:", on a 64-bit Windows, with boxes off and no
+// variable set.
+class ChooseInstallerTest : public IsolatedTest {
   protected:
-    FindInstallerTest();
+    ChooseInstallerTest();
 
     // Back to the options and the journal of the start.
     void Restart();
@@ -51,10 +50,6 @@ class FindInstallerTest : public IsolatedTest {
     bool Find();
 
     LaunchOptions options_;
-
-  private:
-    const ImportPatch coInitialize_;
-    const ImportPatch coUninitialize_;
 };
 
 }  // namespace launcher::test

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "launcher/message.h"
+#include "launcher/base/message.h"
 #include "tests/launcher/journal.h"
 
 namespace launcher {
@@ -24,20 +24,20 @@ std::string Word(Severity severity) {
 
 }  // namespace
 
-void ReportMessage(LaunchOptions&, const std::string& text, Severity severity, bool noBox) {
+void ReportMessage(const LaunchOptions&, const std::string& text, Severity severity, bool noBox) {
     test::Record(Word(severity) + (noBox ? " on console: " : ": ") + text);
 }
 
-void TraceMessage(LaunchOptions&, const std::string& text, Severity severity) {
+void TraceMessage(const LaunchOptions&, const std::string& text, Severity severity) {
     test::Record((severity == Severity::Info ? "trace: " : Word(severity) + " trace: ") + text);
 }
 
-void ReportErrorAndExit(LaunchOptions& options, const std::string& text) {
+void ReportErrorAndExit(const LaunchOptions& options, const std::string& text) {
     ReportMessage(options, text, Severity::Error, false);
     throw test::ProcessExit{1};
 }
 
-void ReportLastErrorAndExit(LaunchOptions& options, std::string_view detail,
+void ReportLastErrorAndExit(const LaunchOptions& options, std::string_view detail,
                             std::string_view text) {
     const DWORD code = GetLastError();
     std::string message(text);

@@ -4,10 +4,10 @@
 
 #include <optional>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/launcher/isolated_test.h"
 #include "tests/launcher/journal.h"
-#include "tests/launcher/options_fields.h"
+#include "tests/launcher/base/options_fields.h"
 #include "tests/support/import_patch.h"
 
 namespace launcher {
@@ -72,25 +72,24 @@ class RequirementsTest : public testing::Test {
 };
 
 TEST_F(RequirementsTest, AreMetByAWebLibraryWithTheExport) {
-    EXPECT_TRUE(HasRequiredWebLibrary(options_));
+    EXPECT_TRUE(CheckWebLibrary(options_));
     EXPECT_THAT(test::Journal(),
                 ElementsAre("load wininet.dll with 1", "look for HttpWebSocketReceive", "free"));
 }
 
 TEST_F(RequirementsTest, AreMetWithoutAWebLibrary) {
     fake.hasLibrary = false;
-    EXPECT_TRUE(HasRequiredWebLibrary(options_));
+    EXPECT_TRUE(CheckWebLibrary(options_));
     EXPECT_THAT(test::Journal(), ElementsAre("load wininet.dll with 1"));
 }
 
 TEST_F(RequirementsTest, AreNotMetByAWebLibraryWithoutTheExport) {
     fake.hasExport = false;
-    EXPECT_FALSE(HasRequiredWebLibrary(options_));
+    EXPECT_FALSE(CheckWebLibrary(options_));
     EXPECT_THAT(test::Journal(),
-                ElementsAre("load wininet.dll with 1", "look for HttpWebSocketReceive",
+                ElementsAre("load wininet.dll with 1", "look for HttpWebSocketReceive", "free",
                             "error: Internet Explorer 10 or later is required to run the "
-                            "installer. Please install it and try again.",
-                            "free"));
+                            "installer. Please install it and try again."));
 }
 
 TEST_F(RequirementsTest, SayNothingOnANewWindows) {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "launcher/launch_options.h"
-#include "media/locate_installer.h"
+#include "launcher/base/launch_options.h"
+#include "media/installer_media.h"
 #include "media/volumes.h"
 #include "tests/support/temporary_folder.h"
 

@@ -15,20 +15,20 @@ std::vector<test::Message>& Record() {
 
 // In place of launcher/message.cpp, which the linker leaves out because all it defines is here.
 
-void ReportMessage(LaunchOptions&, const std::string& text, Severity severity, bool noBox) {
+void ReportMessage(const LaunchOptions&, const std::string& text, Severity severity, bool noBox) {
     using Kind = test::Message::Kind;
     Record().push_back({severity, text, noBox ? Kind::NeverBoxed : Kind::MayBeBoxed});
 }
 
-void TraceMessage(LaunchOptions&, const std::string& text, Severity severity) {
+void TraceMessage(const LaunchOptions&, const std::string& text, Severity severity) {
     Record().push_back({severity, text});
 }
 
-void ReportErrorAndExit(LaunchOptions&, const std::string& text) {
+void ReportErrorAndExit(const LaunchOptions&, const std::string& text) {
     throw std::logic_error("the process would end: " + text);
 }
 
-void ReportLastErrorAndExit(LaunchOptions&, std::string_view, std::string_view text) {
+void ReportLastErrorAndExit(const LaunchOptions&, std::string_view, std::string_view text) {
     throw std::logic_error("the process would end: " + std::string(text));
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "launcher/message.h"
+#include "launcher/base/message.h"
 
 namespace launcher::test {
 

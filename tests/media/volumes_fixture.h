@@ -5,8 +5,8 @@
 
 #include <string>
 
+#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 #include "tests/media/volumes_outcome.h"
 #include "tests/support/temporary_folder.h"
 

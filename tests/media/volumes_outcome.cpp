@@ -1,7 +1,7 @@
 #include "tests/media/volumes_outcome.h"
 
 #include "fs/environment.h"
-#include "launcher/launch_options.h"
+#include "launcher/base/launch_options.h"
 #include "media/volumes.h"
 
 namespace launcher::test {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "fs/environment.h"
-#include "launcher/launch_options.h"
+#include "launcher/base/launch_options.h"
 #include "tests/media/volumes_fixture.h"
 #include "tests/support/import_patch.h"
 

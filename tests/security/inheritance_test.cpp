@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "fs/file_operations.h"
+#include "fs/copy.h"
 #include "fs/owners.h"
-#include "launcher/temporary_copy.h"
-#include "media/marker_files.h"
+#include "launcher/remove_script.h"
+#include "media/volume_files.h"
 #include "platform/administrator.h"
 #include "tests/support/hook.h"
 #include "tests/support/temporary_folder.h"

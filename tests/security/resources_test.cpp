@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "fs/owners.h"
-#include "fs/text.h"
+#include "fs/encoding.h"
+#include "platform/owners.h"
 #include "tests/security/support/launcher_file.h"
 #include "tests/support/temporary_folder.h"
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/e2e/support/launcher_test.h"
 #include "tests/e2e/support/wine.h"
 

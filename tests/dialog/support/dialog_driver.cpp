@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 
 namespace launcher::test {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 
 namespace launcher::test {
 namespace {

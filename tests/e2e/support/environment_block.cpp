@@ -5,7 +5,7 @@
 #include <cwchar>
 #include <string_view>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 
 namespace launcher::test {
 namespace {

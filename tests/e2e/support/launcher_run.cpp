@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 #include "tests/e2e/support/environment_block.h"
 #include "tests/support/temporary_folder.h"
 

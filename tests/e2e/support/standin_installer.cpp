@@ -14,8 +14,8 @@
 #include <cwchar>
 #include <string>
 
+#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 
 namespace {
 

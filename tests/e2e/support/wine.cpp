@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "fs/owners.h"
-#include "fs/text.h"
+#include "fs/encoding.h"
+#include "installer/installer_process.h"
 #include "tests/support/temporary_folder.h"
 
 namespace launcher::test {

@@ -6,12 +6,13 @@
 #include <filesystem>
 #include <memory>
 
+#include "fs/encoding.h"
 #include "fs/environment.h"
 #include "fs/exceptions.h"
-#include "fs/file_operations.h"
+#include "fs/file_type.h"
 #include "fs/owners.h"
-#include "fs/text.h"
-#include "launcher/launch_options.h"
+#include "fs/path_exists.h"
+#include "launcher/base/launch_options.h"
 #include "launcher/temporary_copy.h"
 #include "tests/launcher/copy/media_tree.h"
 #include "tests/support/hook.h"

@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
-#include "fs/file_operations.h"
+#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "fs/text.h"
-#include "launcher/temporary_copy.h"
+#include "fs/path_exists.h"
+#include "launcher/remove_script.h"
 #include "tests/launcher/copy/media_tree.h"
 #include "tests/launcher/copy/script_run.h"
 #include "tests/support/temporary_folder.h"

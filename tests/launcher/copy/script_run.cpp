@@ -3,7 +3,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 
 namespace launcher::test {
 

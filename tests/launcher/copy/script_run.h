@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "fs/owners.h"
+#include "installer/installer_process.h"
 
 namespace launcher::test {
 

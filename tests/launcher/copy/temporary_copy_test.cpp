@@ -1,14 +1,15 @@
 #include "launcher/temporary_copy.h"
+#include "launcher/remove_script.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>
 
 #include <regex>
 
+#include "fs/encoding.h"
 #include "fs/environment.h"
-#include "fs/file_operations.h"
-#include "fs/text.h"
-#include "launcher/launch_options.h"
+#include "fs/path_exists.h"
+#include "launcher/base/launch_options.h"
 #include "tests/launcher/copy/media_tree.h"
 #include "tests/support/handle_count.h"
 #include "tests/support/hook.h"

@@ -15,7 +15,9 @@
 #include <cwchar>
 
 #include "fs/owners.h"
+#include "installer/com.h"
 #include "platform/dll_search.h"
+#include "platform/owners.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/support/temporary_folder.h"
 
 namespace launcher::test {

@@ -15,9 +15,9 @@
 #include <sstream>
 #include <string>
 
+#include "fs/encoding.h"
 #include "fs/environment.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 
 namespace {
 

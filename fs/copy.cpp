@@ -1,0 +1,162 @@
+#include "fs/copy.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+#include "fs/create_dir.h"
+#include "fs/directory_enumerator.h"
+#include "fs/encoding.h"
+#include "fs/exceptions.h"
+#include "fs/file_type.h"
+#include "fs/open_file.h"
+#include "fs/owners.h"
+#include "fs/path.h"
+
+namespace launcher {
+namespace {
+
+constexpr DWORD kBufferSize = 65536;
+constexpr char kCannotWrite[] = "Cannot write into ";
+
+void CreateParent(const std::string& path) {
+    const Path parent = Parent(Path(path));
+    if (!IsEmpty(parent)) CreateDir(parent.Text());
+}
+
+// The open source and its times, taken before reading.
+struct SourceFile {
+    FileHandle handle;
+    FILETIME accessed{};
+    FILETIME modified{};
+};
+
+// For a source that could not be opened; one that cannot even be looked at has a message of its
+// own. The last error is why it could not be opened.
+[[noreturn]] void ThrowUnreadable(const std::string& source, const std::wstring& widePath) {
+    const DWORD error = GetLastError();
+    if (GetFileAttributesW(widePath.c_str()) == INVALID_FILE_ATTRIBUTES)
+        ThrowLastErrorAsErrno("Cannot stat ", source);
+    SetLastError(error);
+    ThrowLastErrorAsErrno("Cannot read ", source);
+}
+
+SourceFile OpenSource(const std::string& source) {
+    const std::wstring widePath = ToWide(source);
+    SourceFile file;
+    file.handle = OpenSharedFile(widePath, GENERIC_READ, OPEN_EXISTING);
+    if (!file.handle) ThrowUnreadable(source, widePath);
+    GetFileTime(file.handle.Get(), nullptr, &file.accessed, &file.modified);
+    return file;
+}
+
+bool IsSameFile(const BY_HANDLE_FILE_INFORMATION& a, const BY_HANDLE_FILE_INFORMATION& b) {
+    return a.dwVolumeSerialNumber == b.dwVolumeSerialNumber &&
+           a.nFileIndexHigh == b.nFileIndexHigh && a.nFileIndexLow == b.nFileIndexLow &&
+           a.nFileSizeHigh == b.nFileSizeHigh && a.nFileSizeLow == b.nFileSizeLow &&
+           CompareFileTime(&a.ftLastWriteTime, &b.ftLastWriteTime) == 0;
+}
+
+// True when `path` is the open source, under this or another name (a hard link, another drive
+// letter, a share).
+bool IsSource(const std::wstring& path, const SourceFile& source) {
+    const FileHandle other = OpenSharedFile(path, GENERIC_READ, OPEN_EXISTING);
+    BY_HANDLE_FILE_INFORMATION theirs{};
+    BY_HANDLE_FILE_INFORMATION ours{};
+    return GetFileInformationByHandle(other.Get(), &theirs) &&
+           GetFileInformationByHandle(source.handle.Get(), &ours) && IsSameFile(theirs, ours);
+}
+
+// Most destinations do not exist yet: one call then creates the file, which cannot be the source.
+FileHandle OpenDestination(const std::string& destination, const std::string& sourcePath,
+                           const SourceFile& source) {
+    const std::wstring widePath = ToWide(destination);
+    FileHandle file = OpenSharedFile(widePath, GENERIC_WRITE, CREATE_NEW);
+    if (file) return file;
+    CreateParent(destination);  // a folder that has disappeared meanwhile is created again
+    if (IsSource(widePath, source))
+        throw ZEPInsException("Cannot copy " + sourcePath + " to itself.");
+    file = OpenSharedFile(widePath, GENERIC_WRITE, CREATE_ALWAYS);
+    if (!file) ThrowLastErrorAsErrno(kCannotWrite, destination);
+    return file;
+}
+
+void CopyBytes(const FileHandle& from, const FileHandle& to, const std::string& destination) {
+    std::array<std::byte, kBufferSize> buffer;
+    DWORD count = 0;
+    // Deliberate: a failed read counts as the end of the file, and a short write goes unnoticed.
+    while (ReadFile(from.Get(), buffer.data(), kBufferSize, &count, nullptr) && count > 0) {
+        DWORD written = 0;
+        if (!WriteFile(to.Get(), buffer.data(), count, &written, nullptr))
+            ThrowLastErrorAsErrno(kCannotWrite, destination);
+        // Some systems report a full disk as a successful write of nothing.
+        if (written == 0) throw ZEPInsExceptionErrno(kCannotWrite + destination, ENOSPC);
+    }
+}
+
+std::uint64_t Ticks(const FILETIME& time) {
+    return (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+}
+
+// True for the first second of 1970, which counts as "no time known".
+bool IsUnknownTime(const FILETIME& time) {
+    constexpr std::uint64_t kTicksPerSecond = 10'000'000;  // of 100 ns
+    constexpr std::uint64_t kUnixEpoch = 11'644'473'600;   // seconds from 1601 to 1970
+    return Ticks(time) / kTicksPerSecond == kUnixEpoch;
+}
+
+void SetTime(const FileHandle& file, const SourceFile& source, const std::string& destination) {
+    // File systems without access times (discs) give zero: use the modification time.
+    const FILETIME& accessed = Ticks(source.accessed) == 0 ? source.modified : source.accessed;
+    if (IsUnknownTime(accessed)) return;
+    if (!SetFileTime(file.Get(), nullptr, &accessed, &source.modified))
+        ThrowLastErrorAsErrno("SetTime - ", destination);
+}
+
+// CopyOneFile into a folder that was there a moment ago.
+void CopyIntoExistingFolder(const std::string& source, const std::string& destination) {
+    const SourceFile from = OpenSource(source);
+    const FileHandle to = OpenDestination(destination, source, from);
+    CopyBytes(from.handle, to, destination);
+    SetTime(to, from, destination);
+}
+
+}  // namespace
+
+void Copy(const std::string& source, const std::string& destination) {
+    if (source.empty()) throw ZEPInsException("Copy - empty source path");
+    if (destination.empty()) throw ZEPInsException("Copy - empty destination path");
+    if (IsDirectory(GetType(source)))
+        CopyDirectory(source, destination);
+    else
+        CopyOneFile(source, destination);
+}
+
+void CopyOneFile(const std::string& source, const std::string& destination) {
+    CreateParent(destination);
+    CopyIntoExistingFolder(source, destination);
+}
+
+void CopyDirectory(const std::string& source, const std::string& destination) {
+    const auto entries = DirectoryEnumerator::Open(source, DirectoryEnumerator::kEverything);
+    if (entries->AtEnd()) {
+        CreateDir(destination);
+        return;
+    }
+    bool folderMade = false;  // by the first file; checking again for every other would be slow
+    for (; !entries->AtEnd(); entries->Next()) {
+        const std::string target = destination + kBackslash + entries->Name();
+        if (IsDirectory(entries->Type())) {
+            CopyDirectory(entries->FullPath(), target);
+            continue;
+        }
+        if (!std::exchange(folderMade, true)) CreateParent(target);
+        CopyIntoExistingFolder(entries->FullPath(), target);
+    }
+}
+
+}  // namespace launcher

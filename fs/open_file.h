@@ -1,0 +1,18 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "fs/owners.h"
+
+namespace launcher {
+
+// Opens or creates an ordinary file that every other program may go on reading and writing.
+// `access` is GENERIC_READ or GENERIC_WRITE, `disposition` as for CreateFileW. The handle is not
+// inherited by child processes; it is empty when the file cannot be opened, and GetLastError()
+// then says why.
+// https://learn.microsoft.com/windows/win32/api/fileapi/nf-fileapi-createfilew
+FileHandle OpenSharedFile(const std::wstring& path, DWORD access, DWORD disposition);
+
+}  // namespace launcher

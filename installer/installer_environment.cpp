@@ -1,0 +1,87 @@
+#include "installer/installer_environment.h"
+
+#include "fs/environment.h"
+#include "fs/path.h"
+#include "installer/environment_backup.h"
+#include "launcher/base/launch_options.h"
+#include "media/layout.h"
+#include "platform/administrator.h"
+
+namespace launcher {
+namespace {
+
+constexpr char kListSeparator[] = ";";
+
+void BackupAndSet(const std::string& name, const std::string& value) {
+    BackupEnvVar(name);
+    SetEnvVar(name, value);
+}
+
+// Appends each folder below the per-OS prefix and below the common one.
+void AppendEntries(std::string& list, const std::string& osPrefix, const std::string& commonPrefix,
+                   std::initializer_list<std::string> folders) {
+    for (const std::string& folder : folders) {
+        if (!list.empty()) list += kListSeparator;
+        list += osPrefix + folder + kListSeparator + commonPrefix + folder;
+    }
+}
+
+void SetMediaVariables(const LaunchOptions& options) {
+    const std::string instFolder = Join(options.mediaDir, kInstFolder).Text();
+    const std::string installPath = instFolder + kBackslash + options.osFolder;
+    SetEnvVar("ZEPAdmInstCurrentMediaDir", options.mediaDir.Text());
+    BackupAndSet("MORInst", instFolder);
+    BackupAndSet("MORInstaller", options.mediaInstDir);
+    BackupAndSet("MORInstallPath", installPath);
+    SetSearchPathVariable(options, "MORDictionaryPath", {"code\\dictionary"});
+    SetSearchPathVariable(options, "MORReffilesPath", {"reffiles"});
+    SetSearchPathVariable(
+        options, "MORGraphicPath",
+        {"resources\\graphic", "resources\\graphic\\icons", "resources\\graphic\\splashscreens"});
+    SetSearchPathVariable(options, "MORMsgCatalogPath", {"resources\\msgcatalog"});
+    // The separator stays even when there was no PATH.
+    BackupAndSet("PATH", installPath + kBackslash + kCodeFolder + kBackslash + kBinFolder +
+                             kListSeparator + GetEnvVar("PATH"));
+}
+
+// Forced on every run, whatever the user set. The mix of "f" and "1" is what the installer expects.
+void SetFixedSwitches() {
+    SetEnvVar("ZEPSysIRManagementActivation", "NO");
+    SetEnvVar("MORAppBridge", "NO");
+    SetEnvVar("ZEPAdmInstDebugEnv", "f");
+    SetEnvVar("ZEPAdmInstDebugSummary", "f");
+    SetEnvVar("ZEPAdmInstDebugIndexes", "f");
+    SetEnvVar("ZEPAdmInstDebugAction", "f");
+    SetEnvVar("ZEPAdmInstDebugError", "1");
+    SetEnvVar("ZEPAdmInstDebugEverything", "1");
+}
+
+void SetSessionVariables(const LaunchOptions& options) {
+    SetEnvVar("ZEP_OS", options.osFolder);
+    SetEnvVar("ZEPIns_HasElevatedPrivileges", IsAdministrator() ? "1" : "0");
+    SetEnvVar("ZEPIns_IsInteractiveSession", options.interactiveSession ? "1" : "0");
+}
+
+}  // namespace
+
+void PrepareInstallerEnvironment(const LaunchOptions& options) {
+    SetMediaVariables(options);
+    SetFixedSwitches();
+    SetSessionVariables(options);
+}
+
+void SetSearchPathVariable(const LaunchOptions& options, const std::string& name,
+                           std::initializer_list<std::string> folders) {
+    BackupEnvVar(name);
+    const Path instFolder = Join(options.mediaDir, kInstFolder);
+    std::string list;
+    AppendEntries(list, Join(instFolder, options.osFolder).Text() + kBackslash,
+                  Join(instFolder, kCommonFolder).Text() + kBackslash, folders);
+    const std::string& installerInst = options.mediaInstDir;  // ends in a backslash
+    if (!installerInst.empty())
+        AppendEntries(list, installerInst + options.osFolder + kBackslash,
+                      installerInst + kCommonFolder + kBackslash, folders);
+    SetEnvVar(name, list);
+}
+
+}  // namespace launcher

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <initializer_list>
+#include <string>
+
+namespace launcher {
+
+class LaunchOptions;
+
+// Writes what the installer reads from its environment into this process's own, which the installer
+// inherits: where the media and its runtime folders lie, the operating system's folder, whether the
+// user is an administrator and whether the session is interactive, and a handful of fixed switches.
+// Whatever these variables held is overwritten; the path variables are backed up first
+// (installer/environment_backup.h). Reports nothing; throws what IsAdministrator throws.
+void PrepareInstallerEnvironment(const LaunchOptions& options);
+
+// Backs up `name` and sets it to the search path of the relative `folders`: each in the media's
+// per-OS folder and then in its "common" folder, and, when there is a separate installer media,
+// the same again in that one. Entries are joined with ";" and not tested for existence.
+void SetSearchPathVariable(const LaunchOptions& options, const std::string& name,
+                           std::initializer_list<std::string> folders);
+
+}  // namespace launcher

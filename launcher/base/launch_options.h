@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "fs/path.h"
+
+namespace launcher {
+
+// The options of the command line and the state of the one launch they start. Owned by the entry
+// point for the whole run. A function that takes it by mutable reference changes the launch; all
+// others take it const. Narrow strings are UTF-8.
+class LaunchOptions {
+  public:
+    // Parses a command line: `argv[0]`, the program, is skipped; "-env" assignments take effect at
+    // once. A null `argv` leaves the defaults. The two flags are the defaults of `useGui` and
+    // `wait`. A bad command line is reported and ends the process with exit code 1:
+    //   "Bad -env argument", "Bad -installerPath argument"   the value is missing
+    //   "-SoftMgt must be used with another flag (either -List, -Check, -Commit or -Rollback)."
+    //   "-" + action + " must be used with the -SoftMgt flag."
+    LaunchOptions(int argc, const wchar_t* const* argv, std::string installerExeName,
+                  bool useGuiDefault, bool waitDefault);
+
+    bool wait;                       // wait for the installer and hand back its exit code
+    bool useGui;                     // messages in boxes; the folder dialog may be offered
+    bool interactiveSession = true;  // told to the installer
+    // The last console message was a warning or an error. Mutable, as the one thing that showing a
+    // message changes: nobody who only has something to say changes the launch.
+    mutable bool lastMessageWasProblem = false;
+    std::vector<std::string> installerArgs;  // passed on, in command-line order
+    std::string installerPath;               // "-installerPath": a media folder, as given
+    bool softMgt = false;                    // "-SoftMgt"
+    bool softMgtReadOnly = false;            // "-List" or "-Check": needs no administrator
+    bool skipTemporaryCopy = false;          // run the installer from where it is
+    bool temporaryCopyMade = false;
+    bool uninstall = false;        // the last of "--mgt" and "--uninst"; recorded only
+    std::string softMgtAction;     // empty, "List", "Check1", "Commit" or "Rollback"
+    Path mediaDir;                 // root folder of the media, of its copy once there is one
+    std::string mediaInstDir;      // the "inst" folder of a separate installer media, ending in
+                                   // a backslash; empty when there is none
+    std::string installerExeName;  // file name of the installer
+    std::string installerExePath;  // its full path once found; empty before
+    std::string osFolder;          // "win_b64", "win_csa64" or "intel_a" once chosen
+};
+
+}  // namespace launcher

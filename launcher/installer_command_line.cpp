@@ -1,0 +1,56 @@
+#include "launcher/installer_command_line.h"
+
+#include <vector>
+
+#include "fs/environment.h"
+#include "fs/path.h"
+#include "launcher/base/launch_options.h"
+
+namespace launcher {
+namespace {
+
+std::string Quoted(const std::string& text) {
+    return "\"" + text + "\"";
+}
+
+void AddSoftMgtArguments(LaunchOptions& options) {
+    std::vector<std::string>& args = options.installerArgs;
+    args.push_back("--mgt");
+    args.push_back(Parent(Parent(options.mediaDir)).Text());
+    if (options.softMgtAction.empty()) return;
+    args.push_back("--var");
+    args.push_back("Radio_ZEPSoftwareMgtCheck?" + options.softMgtAction + "=true");
+    SetEnvVar("ZEPSoftwareMgtSingleExec", "1");
+    SetEnvVar("ZEPAdmTUIValue_SoftwareMgt_Resume", "!r");
+}
+
+void AddMediaArguments(LaunchOptions& options) {
+    options.installerArgs.insert(options.installerArgs.begin(),
+                                 {"-CDpath", options.mediaDir.Text()});
+}
+
+// What precedes the installer on its command line; empty in normal use.
+std::string DebugPrefix() {
+    const std::string value = GetEnvVar("DEBUGCMD_INSTALLK7");
+    return value == "1" ? "cmd.exe /k echo" : value;
+}
+
+}  // namespace
+
+std::string BuildInstallerCommandLine(LaunchOptions& options) {
+    const std::string& exePath = options.installerExePath;
+    std::string commandLine = exePath.starts_with('"') ? exePath : Quoted(exePath);
+    if (options.softMgt)
+        AddSoftMgtArguments(options);
+    else
+        AddMediaArguments(options);
+    const std::string prefix = DebugPrefix();
+    if (!prefix.empty()) commandLine = prefix + " " + commandLine;
+    for (std::string& argument : options.installerArgs) {
+        if (argument.ends_with('\\')) argument += '\\';
+        commandLine += " " + Quoted(argument);
+    }
+    return commandLine;
+}
+
+}  // namespace launcher

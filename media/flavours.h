@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace launcher {
+
+class LaunchOptions;
+
+// One operating-system flavour of a media: a per-OS folder below "inst" with the installer for it,
+// and a marker. The marker's existence says that the media, or the separate installer media it
+// needs, is made for that flavour.
+struct Flavour {
+    std::string osFolder;  // "win_b64", for instance
+    bool needs64BitWindows;
+    std::string installer;  // full path of the executable, which need not be there
+    std::string marker;     // full path of the file "inst\common\" + osFolder + ".installos"
+};
+
+// Whether a flavour's installer runs on this Windows.
+constexpr bool Suits(const Flavour& flavour, bool is64BitWindows) {
+    return is64BitWindows || !flavour.needs64BitWindows;
+}
+
+// The flavours of the media in `mediaDir`, the preferred one first. While
+// "ZEPAdmInstODTinstallOSpath" is set, its value, as it is given, is the marker of all of them.
+std::vector<Flavour> MediaFlavours(const LaunchOptions& options);
+
+}  // namespace launcher

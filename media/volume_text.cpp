@@ -1,0 +1,45 @@
+#include "media/volume_text.h"
+
+#include <istream>
+#include <stdexcept>
+
+namespace launcher {
+namespace {
+
+constexpr char kMtbDirPrefix[] = "MTBDIR=";
+
+std::optional<int> ToInt(const std::string& text) {
+    try {
+        return std::stoi(text);
+    } catch (const std::logic_error&) {  // not a number, or out of range
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+std::istream& ReadTextLine(std::istream& input, std::string& line) {
+    if (std::getline(input, line) && line.ends_with('\r')) line.pop_back();
+    return input;
+}
+
+int ToIntOr(const std::string& text, int fallback) {
+    return ToInt(text).value_or(fallback);
+}
+
+std::string FindMtbDir(std::istream& input) {
+    std::string line;
+    while (ReadTextLine(input, line))
+        if (line.starts_with(kMtbDirPrefix)) return line.substr(sizeof kMtbDirPrefix - 1);
+    return {};
+}
+
+std::optional<VolumeCount> ParseVolumeCount(std::istream& input) {
+    std::string line;
+    if (!ReadTextLine(input, line)) return std::nullopt;
+    const std::optional<int> count = ToInt(line);
+    if (!count) return std::nullopt;
+    return VolumeCount{line, *count};
+}
+
+}  // namespace launcher

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace launcher {
+
+// False when the system's web library (wininet.dll) lacks web sockets, which came with Internet
+// Explorer 10. A system without the library passes. None of the library's code runs.
+// https://learn.microsoft.com/windows/win32/api/libloaderapi/nf-libloaderapi-loadlibraryexw
+bool HasRequiredWebLibrary();
+
+}  // namespace launcher

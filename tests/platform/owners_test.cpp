@@ -1,0 +1,31 @@
+#include "platform/owners.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <type_traits>
+
+#include "tests/support/handle_count.h"
+
+namespace launcher {
+namespace {
+
+// Where files answer INVALID_HANDLE_VALUE, these answer null: mixing them up must not compile.
+TEST(PlatformOwners, HoldNullByDefaultAndAreTypesOfTheirOwn) {
+    static_assert(!std::is_same_v<FileHandle, TokenHandle>);
+    EXPECT_EQ(TokenHandle().Get(), nullptr);
+    EXPECT_EQ(Sid().Get(), nullptr);
+    EXPECT_EQ(Library().Get(), nullptr);
+}
+
+TEST(PlatformOwners, OfATokenCloseIt) {
+    const std::size_t before = test::OpenHandleCount();
+    {
+        const TokenHandle token(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+        EXPECT_EQ(test::OpenHandleCount(), before + 1);
+    }
+    EXPECT_EQ(test::OpenHandleCount(), before);
+}
+
+}  // namespace
+}  // namespace launcher
