@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "fs/owners.h"
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tests/fs/links.h"
 #include "tests/mediatool/mistake_row.h"
 #include "tools/mediatool/files.h"

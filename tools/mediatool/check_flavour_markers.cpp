@@ -64,7 +64,7 @@ void CheckFlavourMarkers(const Subject& subject, Findings& out) {
     CheckMisplaced(inst, out);
     for (const char* flavour : {"win_b64", "win_csa64", "intel_a"}) {
         CheckMisplaced(Join(inst, flavour), out);
-        const Path exe = InstallerPath(subject.Media(), flavour, kInstallerName);
+        const Path exe = InstallerExecutable(subject.Media(), flavour, kInstallerName);
         const Path marker = Join(common, std::string(flavour) + kExtension);
         if (!Look(exe) || Look(marker)) continue;
         out.Note("flavour-marker-missing", marker.Text(),

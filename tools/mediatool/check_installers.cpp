@@ -28,7 +28,7 @@ Path MarkerOf(const Subject& subject, const char* flavour) {
 }
 
 Path ExeOf(const Subject& subject, const char* flavour) {
-    return InstallerPath(subject.Media(), flavour, kInstallerName);
+    return InstallerExecutable(subject.Media(), flavour, kInstallerName);
 }
 
 void CheckMachine(const Flavour& flavour, const Path& exe, const ProgramFile& program,
@@ -159,7 +159,7 @@ void CheckUnknownFlavours(const Subject& subject, Findings& out) {
         bool known = false;
         for (const Flavour& flavour : kFlavours)
             known = known || SameName(entry.name, flavour.folder);
-        const Path exe = InstallerPath(subject.Media(), entry.name, kInstallerName);
+        const Path exe = InstallerExecutable(subject.Media(), entry.name, kInstallerName);
         if (known || !entry.isFolder || !Look(exe)) continue;
         out.Error("installer-folder-unknown", exe.Text(),
                   "The folder " + entry.name + " has an installer in it.",
@@ -168,7 +168,7 @@ void CheckUnknownFlavours(const Subject& subject, Findings& out) {
     }
     const Path nested = Join(subject.Media(), "1");
     for (const Flavour& flavour : kFlavours) {
-        const Path exe = InstallerPath(nested, flavour.folder, kInstallerName);
+        const Path exe = InstallerExecutable(nested, flavour.folder, kInstallerName);
         if (!Look(exe) || !HasExe(subject, flavour.folder)) continue;
         out.Warning("installer-in-two-places", exe.Text(),
                     "There is an installer below the folder 1 as well as below inst.",

@@ -17,9 +17,9 @@ constexpr char kNotThere[] = "The launcher reads no identifier, as if the volume
 constexpr char kRewrite[] =
     "Write the line MTBDIR=identifier, in upper case and in the first column, in plain text.";
 
-class MarkerText {
+class MarkerCheck {
   public:
-    MarkerText(const Path& path, Findings& out)
+    MarkerCheck(const Path& path, Findings& out)
         : path_(path), out_(out), id_(ReadMtbDir(path.Text())) {}
 
     std::string Check() {
@@ -132,7 +132,7 @@ class MarkerText {
 }  // namespace
 
 std::string CheckMarkerText(const Path& marker, Findings& out) {
-    return MarkerText(marker, out).Check();
+    return MarkerCheck(marker, out).Check();
 }
 
 }  // namespace launcher::mediatool

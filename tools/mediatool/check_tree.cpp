@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 #include "media/layout.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"

@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/mediatool/console.h"
+#include "tools/mediatool/dry_run.h"
+#include "tools/mediatool/dry_run_report.h"
 #include "tools/mediatool/findings.h"
 #include "tools/mediatool/report.h"
 #include "tools/mediatool/writer.h"
@@ -91,10 +93,73 @@ struct CreateCommand {
     bool json = false;
 };
 
+struct DryRunCommand {
+    explicit DryRunCommand(CLI::App& app)
+        : command(app.add_subcommand("dry-run", "Rehearse a run of a media's launcher.")) {
+        command->add_option("media", request.media, "The media's folder.")->required();
+        command->add_option("--windows", windows, "The pretended Windows: 7, 8, 8.1, 10 or 11.")
+            ->check(CLI::IsMember({"7", "8", "8.1", "10", "11"}));
+        command->add_option("--bits", bits, "Its bits: 32 or 64.")
+            ->check(CLI::IsMember({"32", "64"}));
+        command->add_option("--admin", administrator, "An administrator runs it: yes or no.")
+            ->check(CLI::IsMember({"yes", "no"}));
+        command->add_flag("--old-web-library", request.machine.hasOldWebLibrary,
+                          "Its web library is older than that of Internet Explorer 10.");
+        TakeAsWritten(command
+                          ->add_option("--env", variables,
+                                       "NAME=VALUE: a variable of its environment; may be "
+                                       "given again.")
+                          ->expected(1)
+                          ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll));
+        command->add_option("--temp", temp, "Its TEMP folder.");
+        command->add_option("--pick", pick, "The folder that is picked in the folder dialog.");
+        command->add_flag("--all", everything, "Show every variable that changes.");
+        command->add_flag("--json", json, "Print JSON.");
+        command->prefix_command();
+        command->footer(
+            "The launcher's own arguments stand after --, as in: mediatool dry-run D:\\ -- -wait\n"
+            "Exit code: 0 whatever the launcher would do, 2 wrong use.");
+    }
+
+    int Run() {
+        request.arguments = command->remaining();
+        PretendedMachine& machine = request.machine;
+        if (!windows.empty()) machine.isWindows8OrNewer = windows != "7";
+        if (!bits.empty()) machine.is64Bit = bits == "64";
+        if (!administrator.empty()) machine.isAdministrator = administrator == "yes";
+        if (command->count("--pick") > 0) machine.picked = pick;
+        if (command->count("--temp") > 0) request.environment.emplace_back("TEMP", temp);
+        for (const std::string& variable : variables)
+            request.environment.push_back(Assignment(variable));
+        const DryRun run = RunDry(request);
+        PrintOut(json ? Printed(JsonOf(run)) : TextOf(run, everything));
+        return kSuccess;
+    }
+
+    static std::pair<std::string, std::string> Assignment(const std::string& text) {
+        const std::size_t equals = text.find('=');
+        if (equals == 0 || equals == std::string::npos)
+            throw BadInput("--env takes NAME=VALUE, not \"" + text + "\".");
+        return {text.substr(0, equals), text.substr(equals + 1)};
+    }
+
+    CLI::App* command;
+    DryRunRequest request;
+    std::string windows;
+    std::string bits;
+    std::string administrator;
+    std::vector<std::string> variables;
+    std::string temp;
+    std::string pick;
+    bool everything = false;
+    bool json = false;
+};
+
 class Mediatool {
   public:
     Mediatool()
         : app_("Checks, makes and rehearses installation media.", "mediatool"),
+          dryRun_(app_),
           validate_(app_),
           create_(app_) {
         app_.require_subcommand(1);
@@ -104,6 +169,7 @@ class Mediatool {
     int Run(std::vector<std::string> arguments) {
         std::ranges::reverse(arguments);  // as CLI11 wants them
         app_.parse(std::move(arguments));
+        if (dryRun_.command->parsed()) return dryRun_.Run();
         if (validate_.command->parsed()) return validate_.Run();
         return create_.Run();
     }
@@ -124,6 +190,7 @@ class Mediatool {
 
   private:
     CLI::App app_;
+    DryRunCommand dryRun_;
     ValidateCommand validate_;
     CreateCommand create_;
 };

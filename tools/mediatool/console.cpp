@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 
 namespace launcher::mediatool {
 namespace {

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "fs/encoding.h"
 #include "fs/exceptions.h"
 #include "fs/owners.h"
-#include "fs/text.h"
 
 namespace launcher::mediatool {
 namespace {

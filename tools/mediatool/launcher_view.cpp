@@ -1,7 +1,7 @@
 #include "tools/mediatool/launcher_view.h"
 
 #include "fs/environment.h"
-#include "launcher/launch_options.h"
+#include "launcher/base/launch_options.h"
 #include "media/layout.h"
 #include "media/volumes.h"
 #include "tools/mediatool/media_set.h"

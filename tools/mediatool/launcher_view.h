@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "fs/path.h"
-#include "media/marker_files.h"
+#include "media/volume_files.h"
 
 namespace launcher::mediatool {
 

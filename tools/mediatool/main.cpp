@@ -1,7 +1,7 @@
 #include <string>
 #include <vector>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tools/mediatool/commands.h"
 
 int wmain(int argc, wchar_t** argv) {

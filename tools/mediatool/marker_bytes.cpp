@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <sstream>
 
-#include "media/marker_files.h"
+#include "media/volume_files.h"
 
 namespace launcher::mediatool {
 

@@ -1,7 +1,6 @@
 #include "tools/mediatool/markers.h"
 
 #include "media/layout.h"
-#include "tools/mediatool/media_set.h"
 
 namespace launcher::mediatool {
 
@@ -11,6 +10,10 @@ Path CountFileIn(const Path& volumeOne) {
 
 std::string CountFileText(int volumes) {
     return std::to_string(volumes) + "\r\n";
+}
+
+std::string MarkerName(long long number) {
+    return std::to_string(number) + ".txt";
 }
 
 Path MarkerIn(const Path& volume, long long number) {

@@ -74,8 +74,4 @@ MediaSet OpenMediaSet(const std::vector<std::string>& folders) {
     return set;
 }
 
-std::string MarkerName(long long number) {
-    return std::to_string(number) + ".txt";
-}
-
 }  // namespace launcher::mediatool

@@ -4,12 +4,12 @@
 #include <vector>
 
 #include "fs/path.h"
+#include "tools/mediatool/markers.h"
 
 namespace launcher::mediatool {
 
 inline constexpr char kLauncherName[] = "setup.exe";
 inline constexpr char kInstallerName[] = "ZEPInsAppliGUI.exe";
-inline constexpr char kCountFileName[] = "volumes.txt";
 
 // The folders of one media, as the user gave them.
 struct MediaSet {
@@ -20,8 +20,5 @@ struct MediaSet {
 // Finds volume 1 among `folders`: the folder with the launcher. Throws BadInput when one of them
 // is not there, is no folder, cannot be listed or is given twice, and when none has a launcher.
 MediaSet OpenMediaSet(const std::vector<std::string>& folders);
-
-// "7.txt"
-std::string MarkerName(long long number);
 
 }  // namespace launcher::mediatool

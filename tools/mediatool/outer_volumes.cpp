@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "media/marker_files.h"
+#include "media/volume_files.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"
 #include "tools/mediatool/marker_bytes.h"

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "fs/text.h"
+#include "fs/encoding.h"
 #include "tools/mediatool/files.h"
 
 namespace launcher::mediatool {

@@ -1,6 +1,6 @@
 #include "tools/mediatool/volume_markers.h"
 
-#include "media/marker_files.h"
+#include "media/volume_files.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"
 #include "tools/mediatool/marker_bytes.h"
