@@ -19,18 +19,20 @@ namespace {
 const std::map<std::string, Layout> kLayouts = {
     {"one-folder", Layout::OneFolder}, {"siblings", Layout::Siblings}, {"outer", Layout::Outer}};
 
-// Like every option with a list of values: what is in square brackets is no list in itself.
-CLI::Option* TakeAsWritten(CLI::Option* option) {
-    return option->allow_extra_args(false);
+// One value for each time that the option is given.
+CLI::Option* MayBeGivenAgain(CLI::Option* option) {
+    return option->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->allow_extra_args(false);
 }
 
 struct ValidateCommand {
     explicit ValidateCommand(CLI::App& app)
         : command(app.add_subcommand("validate", "Look for mistakes in a media.")) {
-        TakeAsWritten(command->add_option("media", request.folders,
-                                          "The media's folder; or the folders of its volumes."))
-            ->required()
-            ->expected(1, CLI::detail::expected_max_vector_size);
+        command
+            ->add_option("media", request.folders,
+                         "The media's folder; or the folders of its volumes.")
+            ->required();
         command->add_option("--temp", request.temp,
                             "The temporary folder of the users it is for (default: the longest "
                             "usual one).");
@@ -59,12 +61,9 @@ struct CreateCommand {
             ->required()
             ->transform(CLI::Transformer(kLayouts));
         command->add_option("--volumes", request.volumes, "How many volumes: 1 to 99.")->required();
-        command
-            ->add_option("--from", from,
-                         "A folder with the content of a volume, once for each, volume 1 first.")
-            ->expected(1)
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-        TakeAsWritten(command->get_option("--from"));
+        MayBeGivenAgain(command->add_option(
+            "--from", from,
+            "A folder with the content of a volume, once for each, volume 1 first."));
         command->add_option("--outer-id", request.outerId,
                             "The identifier of the outer volumes (default: ID-outer).");
         command->add_option("--first-outer", request.firstOuter,
@@ -105,24 +104,19 @@ struct DryRunCommand {
             ->check(CLI::IsMember({"yes", "no"}));
         command->add_flag("--old-web-library", request.machine.hasOldWebLibrary,
                           "Its web library is older than that of Internet Explorer 10.");
-        TakeAsWritten(command
-                          ->add_option("--env", variables,
-                                       "NAME=VALUE: a variable of its environment; may be "
-                                       "given again.")
-                          ->expected(1)
-                          ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll));
+        MayBeGivenAgain(command->add_option(
+            "--env", variables, "NAME=VALUE: a variable of its environment; may be given again."));
         command->add_option("--temp", temp, "Its TEMP folder.");
         command->add_option("--pick", pick, "The folder that is picked in the folder dialog.");
         command->add_flag("--all", everything, "Show every variable that changes.");
         command->add_flag("--json", json, "Print JSON.");
-        command->prefix_command();
         command->footer(
             "The launcher's own arguments stand after --, as in: mediatool dry-run D:\\ -- -wait\n"
             "Exit code: 0 whatever the launcher would do, 2 wrong use.");
     }
 
-    int Run() {
-        request.arguments = command->remaining();
+    int Run(std::vector<std::string> launcherArguments) {
+        request.arguments = std::move(launcherArguments);
         PretendedMachine& machine = request.machine;
         if (!windows.empty()) machine.isWindows8OrNewer = windows != "7";
         if (!bits.empty()) machine.is64Bit = bits == "64";
@@ -167,9 +161,15 @@ class Mediatool {
     }
 
     int Run(std::vector<std::string> arguments) {
+        // What follows -- is the launcher's, to the letter: nothing of it is an option or a list.
+        const auto end = std::ranges::find(arguments, "--");
+        const bool hasEnd = end != arguments.end();
+        std::vector<std::string> launcherArguments(hasEnd ? end + 1 : end, arguments.end());
+        arguments.erase(end, arguments.end());
         std::ranges::reverse(arguments);  // as CLI11 wants them
         app_.parse(std::move(arguments));
-        if (dryRun_.command->parsed()) return dryRun_.Run();
+        if (dryRun_.command->parsed()) return dryRun_.Run(std::move(launcherArguments));
+        if (hasEnd) throw BadInput("Only dry-run takes arguments of the launcher, after --.");
         if (validate_.command->parsed()) return validate_.Run();
         return create_.Run();
     }
