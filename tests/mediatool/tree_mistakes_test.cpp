@@ -4,8 +4,8 @@
 
 #include <functional>
 
-#include "fs/owners.h"
 #include "fs/encoding.h"
+#include "fs/owners.h"
 #include "tests/fs/links.h"
 #include "tests/mediatool/mistake_row.h"
 #include "tools/mediatool/files.h"

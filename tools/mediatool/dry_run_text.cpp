@@ -42,7 +42,8 @@ std::string Grouped(std::uint64_t number) {
 // An argument as it is typed.
 std::string Typed(const std::string& argument) {
     const bool plain = !argument.empty() && argument.find_first_of(" \t\"") == std::string::npos;
-    return plain ? argument : "\"" + argument + "\"";
+    if (plain) return argument;
+    return "\"" + argument + (argument.ends_with('\\') ? "\\\"" : "\"");
 }
 
 std::string MachineText(const DryRun& run) {
@@ -163,8 +164,7 @@ std::string EnvironmentText(const DryRun& run, bool everything) {
     if (backups + switches > 0)
         text +=
             Line(Painted(Colour::Dim, "and " + Counted(backups, "backup") + " in ZEP_BAK_..., " +
-                                          Counted(switches, "fixed switch") +
-                                          (switches == 1 ? "" : "es") + "; --all shows them"));
+                                          Counted(switches, "fixed value") + "; --all shows them"));
     return text;
 }
 
