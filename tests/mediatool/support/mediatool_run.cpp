@@ -37,9 +37,8 @@ void Start(std::wstring commandLine, const std::filesystem::path& folder, std::w
 
 }  // namespace
 
-MediatoolRun RunMediatool(const std::vector<std::string>& arguments,
-                          const std::filesystem::path& folder,
-                          const std::map<std::string, std::string>& variables) {
+MediatoolRun RunCommandLine(const std::string& commandLine, const std::filesystem::path& folder,
+                            const std::map<std::string, std::string>& variables) {
     const TemporaryFolder streams;
     MediatoolRun run;
     {
@@ -50,19 +49,25 @@ MediatoolRun RunMediatool(const std::vector<std::string>& arguments,
         startup.dwFlags = STARTF_USESTDHANDLES;
         startup.hStdOutput = output.Get();
         startup.hStdError = errors.Get();
-        std::vector<std::string> line = {ToUtf8(BuiltFile(MEDIATOOL_PROGRAM))};
-        line.insert(line.end(), arguments.begin(), arguments.end());
         ProcessInformation process;
-        Start(ToWide(QuoteArguments(line)), folder, EnvironmentBlock(variables), startup, process);
+        Start(ToWide(commandLine), folder, EnvironmentBlock(variables), startup, process);
         if (WaitForSingleObject(process.hProcess, kPatience) != WAIT_OBJECT_0) {
             TerminateProcess(process.hProcess, 1);
-            throw std::runtime_error("mediatool does not end");
+            throw std::runtime_error("the program does not end: " + commandLine);
         }
         GetExitCodeProcess(process.hProcess, &run.exitCode);
     }
     run.output = ReadFile(streams.Dir() / "output");
     run.errors = ReadFile(streams.Dir() / "errors");
     return run;
+}
+
+MediatoolRun RunMediatool(const std::vector<std::string>& arguments,
+                          const std::filesystem::path& folder,
+                          const std::map<std::string, std::string>& variables) {
+    std::vector<std::string> line = {ToUtf8(BuiltFile(MEDIATOOL_PROGRAM))};
+    line.insert(line.end(), arguments.begin(), arguments.end());
+    return RunCommandLine(QuoteArguments(line), folder, variables);
 }
 
 }  // namespace launcher::test

@@ -21,4 +21,8 @@ MediatoolRun RunMediatool(const std::vector<std::string>& arguments,
                           const std::filesystem::path& folder,
                           const std::map<std::string, std::string>& variables = {});
 
+// The same for any console program, given with its command line.
+MediatoolRun RunCommandLine(const std::string& commandLine, const std::filesystem::path& folder,
+                            const std::map<std::string, std::string>& variables = {});
+
 }  // namespace launcher::test
