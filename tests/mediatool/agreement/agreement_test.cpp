@@ -28,7 +28,7 @@ namespace stdfs = std::filesystem;
 using Json = nlohmann::json;
 
 constexpr unsigned kCasesOfATest = 20;
-constexpr unsigned kTests = 15;
+constexpr unsigned kTests = 5;
 constexpr unsigned kFirstSeed = 1000;
 
 // The random name of the temporary folder stands as it does in the dry run.
@@ -286,7 +286,10 @@ TEST_F(OtherMachines, OldWebLibraryAnd32Bits) {
     EXPECT_FALSE(dryStarted_);
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, Agreement, testing::Range(0u, kTests));
+// Three suites, which can run side by side.
+INSTANTIATE_TEST_SUITE_P(First, Agreement, testing::Range(0u, kTests));
+INSTANTIATE_TEST_SUITE_P(Second, Agreement, testing::Range(kTests, 2 * kTests));
+INSTANTIATE_TEST_SUITE_P(Third, Agreement, testing::Range(2 * kTests, 3 * kTests));
 
 }  // namespace
 }  // namespace launcher::test
