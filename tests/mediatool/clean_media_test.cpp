@@ -1,0 +1,91 @@
+// Media without mistakes, and folders that are no media.
+
+#include <windows.h>
+
+#include "tests/e2e/support/wine.h"
+#include "tests/mediatool/mistake_row.h"
+
+namespace launcher::test {
+namespace {
+
+using mediatool::BadInput;
+
+struct CleanRow {
+    const char* name;
+    Layout layout;
+    int volumes;
+};
+void PrintTo(const CleanRow& row, std::ostream* stream) {
+    *stream << row.name;
+}
+
+class CleanMediaTest : public testing::TestWithParam<CleanRow> {};
+
+TEST_P(CleanMediaTest, HasNeitherErrorsNorWarnings) {
+    const SampleMedia media(GetParam().layout, GetParam().volumes);
+    const Validation validation = media.Validate();
+    EXPECT_EQ(validation.findings.Count(Level::Error), 0u) << Ids(validation);
+    EXPECT_EQ(validation.findings.Count(Level::Warning), 0u) << Ids(validation);
+    EXPECT_EQ(validation.view.layout, GetParam().layout);
+    EXPECT_FALSE(validation.view.copies);
+    EXPECT_EQ(validation.view.folders.size(), static_cast<std::size_t>(GetParam().volumes));
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, CleanMediaTest,
+                         testing::Values(CleanRow{"Ordinary", Layout::NotSplit, 1},
+                                         CleanRow{"TwoInOneFolder", Layout::OneFolder, 2},
+                                         CleanRow{"ManyInOneFolder", Layout::OneFolder, 99},
+                                         CleanRow{"TwoBeside", Layout::Siblings, 2},
+                                         CleanRow{"ManyBeside", Layout::Siblings, 99},
+                                         CleanRow{"TwoInOuterVolumes", Layout::Outer, 2},
+                                         CleanRow{"ManyInOuterVolumes", Layout::Outer, 93}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(CleanMedia, WithTheRealLauncherGetsNotesOnly) {
+    SampleMedia media;
+    CopyFileW(BuiltFile(SETUP_PROGRAM).c_str(), FromUtf8(media.Text("setup.exe")).c_str(), FALSE);
+    const Validation validation = media.Validate();
+    EXPECT_FALSE(validation.findings.Has("launcher-not-this-one")) << Ids(validation);
+    EXPECT_FALSE(validation.findings.Has("launcher-other-version")) << Ids(validation);
+    EXPECT_TRUE(validation.findings.Has("launcher-not-signed"));
+    EXPECT_EQ(validation.findings.Sorted().size(), validation.findings.Count(Level::Note));
+}
+
+TEST(CleanMedia, WithAnotherLauncherSaysSo) {
+    EXPECT_TRUE(SampleMedia().Validate().findings.Has("launcher-not-this-one"));
+}
+
+std::string Complaint(const std::vector<std::string>& folders) {
+    try {
+        mediatool::ValidateRequest request;
+        request.folders = folders;
+        mediatool::Validate(request);
+    } catch (const BadInput& failure) {
+        return failure.what();
+    }
+    return "none";
+}
+
+TEST(NoMedia, IsToldInOneSentence) {
+    const TemporaryFolder folder;
+    folder.MakeDir("empty");
+    folder.Write("file");
+    folder.Write("set/1/setup.exe");
+    EXPECT_THAT(Complaint({folder.Text("Größe 漢字")}),
+                testing::StartsWith("\"" + folder.Text("Größe 漢字") + "\" cannot be opened: "));
+    EXPECT_EQ(Complaint({folder.Text("file")}),
+              "\"" + folder.Text("file") + "\" is a file, not the folder of a media.");
+    EXPECT_EQ(Complaint({folder.Text("empty")}),
+              "\"" + folder.Text("empty") + "\" has no launcher (setup.exe) in it.");
+    EXPECT_EQ(Complaint({folder.Text("set")}),
+              "\"" + folder.Text("set") + "\" has no launcher (setup.exe) in it; \"" +
+                  folder.Text("set\\1") + "\" has one: give that folder.");
+    EXPECT_EQ(Complaint({folder.Text("empty"), folder.Text("set")}),
+              "None of the given folders has a launcher (setup.exe) in it.");
+    EXPECT_EQ(Complaint({folder.Text("set\\1"), folder.Text("SET/1/")}),
+              "\"" + folder.Text("SET\\1") + "\" is given twice.");
+    EXPECT_EQ(Complaint({""}), "\"\" is no folder.");
+}
+
+}  // namespace
+}  // namespace launcher::test

@@ -1,0 +1,219 @@
+// mediatool from outside: its command line, exit codes, streams and JSON.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <valijson/adapters/nlohmann_json_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validation_results.hpp>
+#include <valijson/validator.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/mediatool/support/mediatool_run.h"
+#include "tests/mediatool/support/sample_media.h"
+
+namespace launcher::test {
+namespace {
+
+using mediatool::Layout;
+using testing::HasSubstr;
+using testing::StartsWith;
+using Json = nlohmann::json;
+using JsonView = valijson::adapters::NlohmannJsonAdapter;
+
+// What a program that reads the output may rely on: docs/mediatool.schema.json.
+class Schema {
+  public:
+    Schema() {
+        const Json document =
+            Json::parse(ReadFile(FromUtf8(SOURCE_FOLDER) / "docs" / "mediatool.schema.json"));
+        valijson::SchemaParser parser(valijson::SchemaParser::kDraft7);
+        parser.populateSchema(JsonView(document), schema_);
+    }
+
+    // Empty for a valid document.
+    std::string Complaints(const Json& document) const {
+        valijson::Validator validator;
+        valijson::ValidationResults results;
+        if (validator.validate(schema_, JsonView(document), &results)) return {};
+        std::string text = "invalid: ";
+        valijson::ValidationResults::Error error;
+        while (results.popError(error)) {
+            for (const std::string& part : error.context)
+                text += part;
+            text += ": " + error.description + "\n";
+        }
+        return text;
+    }
+
+  private:
+    valijson::Schema schema_;
+};
+
+class Command : public testing::Test {
+  protected:
+    MediatoolRun Run(const std::vector<std::string>& arguments) const {
+        return RunMediatool(arguments, scratch.Dir());
+    }
+
+    // The output of a run with --json, which has to fit the schema.
+    Json Output(const std::vector<std::string>& arguments, unsigned long exitCode = 0) const {
+        const MediatoolRun run = Run(arguments);
+        EXPECT_EQ(run.exitCode, exitCode) << run.errors;
+        EXPECT_EQ(run.errors, "");
+        const Json output = Json::parse(run.output);
+        EXPECT_EQ(Schema().Complaints(output), "") << run.output;
+        return output;
+    }
+
+    // A wrong use: one sentence, and nothing else.
+    std::string Complaint(const std::vector<std::string>& arguments) const {
+        const MediatoolRun run = Run(arguments);
+        EXPECT_EQ(run.exitCode, 2u);
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << run.errors;
+        return run.errors;
+    }
+
+    TemporaryFolder scratch;
+    SampleMedia media;
+};
+
+TEST(SchemaFile, RefusesWhatIsNoOutput) {
+    EXPECT_NE(Schema().Complaints(Json::object()), "");
+    EXPECT_NE(Schema().Complaints(Json{{"schema", 1}, {"command", "validate"}}), "");
+}
+
+TEST_F(Command, ValidateOfACleanMedia) {
+    const Json output = Output({"validate", media.Text(), "--json"});
+    EXPECT_EQ(output["clean"], true);
+    EXPECT_EQ(output["volumes"]["layout"], "not-split");
+    EXPECT_EQ(output["media"], Json::array({media.Text()}));
+}
+
+TEST_F(Command, ValidateOfAMediaWithMistakes) {
+    media
+        .Write("inst/volumes.txt",
+               "\xEF\xBB\xBF"
+               "2\r\n")
+        .Write("1.txt", "mtbdir=\xE9\r\n");
+    const Json output = Output({"validate", media.Text(), "--json"}, 1);
+    EXPECT_EQ(output["clean"], false);
+    EXPECT_EQ(output["copiesInstaller"], true);
+    EXPECT_EQ(output["findings"][0]["severity"], "error");
+}
+
+TEST_F(Command, ValidateOfSeveralFolders) {
+    SampleMedia split(Layout::Siblings);
+    const Json output =
+        Output({"validate", split.Text("../2"), split.Text("../3"), split.Text(), "--json"});
+    EXPECT_EQ(output["volumes"]["folders"],
+              Json::array({split.Text(), split.Text("../2"), split.Text("../3")}));
+}
+
+TEST_F(Command, CreateOfEveryLayout) {
+    for (const std::string layout : {"one-folder", "siblings", "outer"}) {
+        const Json output = Output({"create", "--id", "SET", "--layout", layout, "--volumes", "3",
+                                    "--json", scratch.Text(layout)});
+        EXPECT_EQ(output["layout"], layout);
+        EXPECT_EQ(output["written"].size(), layout == "outer" ? 7u : 4u);
+    }
+}
+
+TEST_F(Command, CreateWithContent) {
+    scratch.Write("one/a.bin", "123");
+    scratch.Write("[two]/b.bin", "45");
+    const Json output = Output({"create", "--id", "SET", "--layout", "siblings", "--volumes", "2",
+                                "--from", scratch.Text("one"), "--from", scratch.Text("[two]"),
+                                "--json", scratch.Text("out")});
+    EXPECT_EQ(output["copied"]["files"], 2);
+    EXPECT_EQ(output["copied"]["bytes"], 5);
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\b.bin"))), "45");
+}
+
+TEST_F(Command, CreateThatIsRefused) {
+    scratch.Write("1.txt");
+    const MediatoolRun run =
+        Run({"create", "--id", "SET", "--layout", "one-folder", "--volumes", "2", scratch.Text()});
+    EXPECT_EQ(run.exitCode, 1u);
+    EXPECT_EQ(run.errors, "mediatool: \"" + scratch.Text("1.txt") +
+                              "\" is there already; --force writes over it.\n");
+}
+
+TEST_F(Command, DryRunOfEveryEnd) {
+    const std::string folder = media.Text();
+    EXPECT_EQ(Output({"dry-run", folder, "--json", "--admin", "yes"})["started"], true);
+    EXPECT_EQ(Output({"dry-run", folder, "--json", "--admin", "no"})["exitCode"], 1);
+    EXPECT_EQ(Output({"dry-run", folder, "--json", "--bits", "32"})["waits"], 1);
+    EXPECT_EQ(Output({"dry-run", folder, "--json", "--", "-env"})["messages"][0]["text"],
+              "Bad -env argument");
+    SampleMedia incomplete(Layout::Siblings);
+    incomplete.Remove("../3");
+    const Json copied = Output({"dry-run", incomplete.Text(), "--json", "--admin", "yes"});
+    EXPECT_EQ(copied["temporaryCopy"]["made"], true);
+    EXPECT_THAT(copied["commandLine"].get<std::string>(), HasSubstr("\\{UUID}\\inst\\"));
+}
+
+TEST_F(Command, DryRunInTheFolderDialog) {
+    media.Remove("inst/win_b64");
+    Json output = Output({"dry-run", media.Text(), "--json", "--admin", "yes"});
+    EXPECT_EQ(output["exitCode"], 1);
+    EXPECT_EQ(output["waits"], 2);
+    const SampleMedia other;
+    output = Output({"dry-run", media.Text(), "--json", "--admin", "yes", "--pick", other.Text()});
+    EXPECT_EQ(output["installer"]["foundBy"], "folder-dialog");
+    EXPECT_EQ(output["started"], true);
+}
+
+TEST_F(Command, DryRunWithAFullDiskOrWithoutATemporaryFolder) {
+    SampleMedia incomplete(Layout::Siblings);
+    incomplete.Remove("../3");
+    const Json output =
+        Output({"dry-run", incomplete.Text(), "--json", "--admin", "yes", "--temp", ""});
+    EXPECT_EQ(output["temporaryCopy"]["made"], false);
+    EXPECT_EQ(output["exitCode"], 1);
+    EXPECT_EQ(output["waits"], 2);
+}
+
+TEST_F(Command, DryRunPassesTheLaunchersArgumentsToTheLetter) {
+    const Json output = Output({"dry-run", media.Text(), "--json", "--admin", "yes", "--env",
+                                "LIST=[a,b]", "--", "[x,y]", "--", "--json", "*", "", "a\\"});
+    const std::vector<std::string> arguments = output["arguments"];
+    EXPECT_THAT(arguments, testing::ElementsAre("-CDpath", media.Text(), "[x,y]", "--", "--json",
+                                                "*", "", "a\\"));
+}
+
+TEST_F(Command, DryRunShowsOneScreen) {
+    const MediatoolRun run = Run({"dry-run", media.Text(), "--admin", "yes"});
+    EXPECT_LE(std::ranges::count(run.output, '\n'), 40) << run.output;
+    EXPECT_EQ(run.output.find('\x1b'), std::string::npos);  // no colours in a file
+}
+
+TEST_F(Command, WrongUse) {
+    EXPECT_THAT(Complaint({}), StartsWith("mediatool: "));
+    EXPECT_THAT(Complaint({"burn"}), StartsWith("mediatool: "));
+    EXPECT_THAT(Complaint({"validate"}), HasSubstr("media is required"));
+    EXPECT_THAT(Complaint({"validate", "--fast", media.Text()}), HasSubstr("--fast"));
+    EXPECT_THAT(Complaint({"validate", scratch.Text("keine Größe")}), HasSubstr("keine Größe"));
+    EXPECT_THAT(Complaint({"validate", scratch.Text()}), HasSubstr("no launcher (setup.exe)"));
+    EXPECT_THAT(Complaint({"validate", media.Text(), "--", "-wait"}), HasSubstr("Only dry-run"));
+    EXPECT_THAT(Complaint({"dry-run", scratch.Text()}), HasSubstr("no launcher (setup.exe)"));
+    EXPECT_THAT(Complaint({"dry-run", media.Text(), "--windows", "XP"}), HasSubstr("XP"));
+    EXPECT_THAT(Complaint({"dry-run", media.Text(), "--env", "=x"}), HasSubstr("NAME=VALUE"));
+    EXPECT_THAT(Complaint({"create", scratch.Text("out")}), HasSubstr("--id"));
+    EXPECT_THAT(Complaint({"create", "--id", "X", "--layout", "spiral", "--volumes", "2",
+                           scratch.Text("out")}),
+                HasSubstr("spiral"));
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.Dir()));
+}
+
+TEST_F(Command, HelpAndVersion) {
+    EXPECT_THAT(Run({"--help"}).output, HasSubstr("dry-run"));
+    EXPECT_THAT(Run({"validate", "--help"}).output, HasSubstr("Exit code: 0 clean"));
+    EXPECT_THAT(Run({"--version"}).output, StartsWith("mediatool 1."));
+    EXPECT_EQ(Run({"--help"}).exitCode, 0u);
+}
+
+}  // namespace
+}  // namespace launcher::test

@@ -1,0 +1,190 @@
+// What mediatool creates: it is what validate calls clean and what the launcher finds whole.
+
+#include <filesystem>
+
+#include "tests/mediatool/mistake_row.h"
+#include "tools/mediatool/create.h"
+#include "tools/mediatool/findings.h"
+#include "tools/mediatool/writer.h"
+
+namespace launcher::test {
+namespace {
+
+namespace stdfs = std::filesystem;
+using mediatool::BadInput;
+using mediatool::Create;
+using mediatool::CreateRequest;
+using mediatool::Creation;
+using mediatool::Refused;
+
+class CreateTest : public testing::TestWithParam<std::tuple<Layout, int>> {
+  protected:
+    // The content of the volumes, without any marker.
+    std::vector<std::string> Contents(int volumes) {
+        std::vector<std::string> folders = {content_.Text()};
+        for (int k = 2; k <= volumes; ++k) {
+            const std::string name = "contents/" + std::to_string(k);
+            scratch_.Write(name + "/data/part" + std::to_string(k) + ".bin", "part");
+            folders.push_back(scratch_.Text(name));
+        }
+        return folders;
+    }
+
+    // The content of volume 1 where it is going to be; cheaper for many volumes.
+    void PutContentInPlace(Layout layout) {
+        const std::string first = layout == Layout::OneFolder  ? "out/"
+                                  : layout == Layout::Siblings ? "out/1/"
+                                                               : "out/1/media/1/";
+        for (const char* name : {"meta.TOCxml", "media.xml", "media.db", "StartTUI.exe",
+                                 "setup_noUAC.exe", "inst/common/win_b64.installos"})
+            scratch_.Write(first + name);
+        for (const char* name : {"setup.exe", "inst/win_b64/code/bin/ZEPInsAppliGUI.exe"})
+            scratch_.Write(first + name, ProgramBytes(kX64));
+    }
+
+    SampleMedia content_;
+    TemporaryFolder scratch_;
+};
+
+TEST_P(CreateTest, ValidatesCleanAndIsWhole) {
+    const auto [layout, volumes] = GetParam();
+    CreateRequest request;
+    request.id = "SET 2027";
+    request.layout = layout;
+    request.volumes = volumes;
+    if (volumes <= 3)
+        request.from = Contents(layout == Layout::OneFolder ? 1 : volumes);
+    else
+        PutContentInPlace(layout);
+    request.out = scratch_.Text("out");
+    const Creation creation = Create(request);
+    ASSERT_EQ(creation.folders.size(), static_cast<std::size_t>(volumes));
+
+    mediatool::ValidateRequest check;
+    check.folders = {creation.folders.front()};
+    const Validation validation = mediatool::Validate(check);
+    EXPECT_EQ(validation.findings.Count(Level::Error), 0u) << Ids(validation);
+    EXPECT_EQ(validation.findings.Count(Level::Warning), 0u) << Ids(validation);
+    if (volumes > 1) {
+        EXPECT_EQ(validation.view.layout, layout);
+        EXPECT_EQ(validation.view.folders, creation.folders);
+    }
+    EXPECT_FALSE(validation.view.copies);
+}
+
+std::string CreateName(const testing::TestParamInfo<std::tuple<Layout, int>>& info) {
+    std::string name = mediatool::LayoutName(std::get<0>(info.param));
+    std::erase(name, '-');
+    return name + std::to_string(std::get<1>(info.param));
+}
+
+INSTANTIATE_TEST_SUITE_P(OneFolder, CreateTest,
+                         testing::Combine(testing::Values(Layout::OneFolder),
+                                          testing::Values(1, 2, 3, 9, 10, 50, 99)),
+                         CreateName);
+INSTANTIATE_TEST_SUITE_P(Siblings, CreateTest,
+                         testing::Combine(testing::Values(Layout::Siblings),
+                                          testing::Values(1, 2, 3, 9, 10, 50, 99)),
+                         CreateName);
+INSTANTIATE_TEST_SUITE_P(Outer, CreateTest,
+                         testing::Combine(testing::Values(Layout::Outer), testing::Range(1, 100)),
+                         CreateName);
+
+class Creating : public testing::Test {
+  protected:
+    Creating() {
+        request.id = "SET";
+        request.layout = Layout::Siblings;
+        request.volumes = 2;
+        request.out = scratch.Text("out");
+    }
+
+    std::string Complaint() {
+        try {
+            Create(request);
+        } catch (const BadInput& failure) {
+            return std::string("wrong use: ") + failure.what();
+        } catch (const Refused& failure) {
+            return std::string("refused: ") + failure.what();
+        }
+        return "none";
+    }
+
+    TemporaryFolder scratch;
+    CreateRequest request;
+};
+
+TEST_F(Creating, WritesTheTextsThatTheLauncherReads) {
+    Create(request);
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\inst\\volumes.txt"))), "2\r\n");
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\1.txt"))), "MTBDIR=SET\r\n");
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\2.txt"))), "MTBDIR=SET\r\n");
+}
+
+TEST_F(Creating, OuterVolumesHaveAnIdentifierOfTheirOwn) {
+    request.layout = Layout::Outer;
+    request.firstOuter = 98;
+    const Creation creation = Create(request);
+    EXPECT_EQ(creation.outerId, "SET-outer");
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\98\\98.txt"))), "MTBDIR=SET-outer\r\n");
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\99\\media\\2\\2.txt"))), "MTBDIR=SET\r\n");
+}
+
+TEST_F(Creating, WritesIntoFoldersThatAreThere) {
+    scratch.Write("out/1/setup.exe", "launcher");
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\setup.exe"))), "launcher");
+}
+
+TEST_F(Creating, RefusesToOverwriteUnlessForced) {
+    scratch.Write("out/2/2.txt", "old");
+    EXPECT_EQ(Complaint(), "refused: \"" + scratch.Text("out\\2\\2.txt") +
+                               "\" is there already; --force writes over it.");
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out\\1"))));
+    request.force = true;
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\2.txt"))), "MTBDIR=SET\r\n");
+}
+
+TEST_F(Creating, TakesBackWhatItMadeWhenItFails) {
+    scratch.Write("out/2", "a file where a folder has to be");
+    EXPECT_THAT(Complaint(), testing::StartsWith("refused: \"" + scratch.Text("out\\2") + "\""));
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out\\1"))));
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2"))), "a file where a folder has to be");
+}
+
+TEST_F(Creating, CopiesTheContentAndItsEmptyFolders) {
+    scratch.Write("one/a/b.bin", "12345");
+    scratch.MakeDir("two/empty");
+    scratch.Write("two/2.txt", "an old marker");
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    const Creation creation = Create(request);
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\a\\b.bin"))), "12345");
+    EXPECT_TRUE(stdfs::is_directory(FromUtf8(scratch.Text("out\\2\\empty"))));
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\2.txt"))), "MTBDIR=SET\r\n");
+    EXPECT_EQ(creation.copiedFiles, 1u);
+    EXPECT_EQ(creation.copiedBytes, 5u);
+}
+
+TEST_F(Creating, SaysWhatMakesNoSense) {
+    request.id = "";
+    EXPECT_EQ(Complaint(), "wrong use: --id is empty.");
+    request.id = "SET ";
+    EXPECT_THAT(Complaint(), testing::StartsWith("wrong use: --id begins or ends with a blank"));
+    request.id = "SET";
+    request.volumes = 100;
+    EXPECT_EQ(Complaint(), "wrong use: --volumes takes a number from 1 to 99.");
+    request.volumes = 2;
+    request.from = {scratch.Text()};
+    EXPECT_EQ(Complaint(), "wrong use: --from takes one folder for each of the 2 volumes.");
+    request.from = {scratch.Text(), scratch.Text("none")};
+    EXPECT_THAT(Complaint(), testing::HasSubstr("are in one another."));
+    request.from = {};
+    request.layout = Layout::Outer;
+    request.outerId = "SET";
+    EXPECT_EQ(Complaint(), "wrong use: --outer-id has to differ from --id.");
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
+}  // namespace
+}  // namespace launcher::test

@@ -1,0 +1,210 @@
+// Every command in the pages for administrators and makers of media is run here, and its output
+// compared with what the page shows.
+//
+// A block of kind "console" holds a prompt with a mediatool command and its output; a line "..."
+// stands for any lines. A block of kind "bat" is a batch script, and the block of kind "text" after
+// it what the script prints. The comment "<!-- media: NAME -->" before a block says which media the
+// drive M: holds.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+// windows.h first: the shell headers need it.
+#include <shellapi.h>
+
+#include <map>
+#include <sstream>
+
+#include "fs/encoding.h"
+#include "fs/owners.h"
+#include "tests/e2e/support/launcher_run.h"
+#include "tests/e2e/support/media.h"
+#include "tests/e2e/support/wine.h"
+#include "tests/mediatool/support/mediatool_run.h"
+#include "tests/support/temporary_folder.h"
+
+namespace launcher::test {
+namespace {
+
+namespace stdfs = std::filesystem;
+
+struct Block {
+    std::string page;
+    int line = 0;
+    std::string kind;
+    std::string media;
+    std::vector<std::string> lines;
+};
+
+std::vector<Block> BlocksOf(const std::string& page) {
+    std::istringstream input(ReadFile(FromUtf8(SOURCE_FOLDER) / "docs" / page));
+    std::vector<Block> blocks;
+    std::string media;
+    Block block;
+    bool inBlock = false;
+    int number = 0;
+    for (std::string line; std::getline(input, line);) {
+        ++number;
+        if (line.ends_with('\r')) line.pop_back();
+        if (line.starts_with("```")) {
+            if (inBlock) blocks.push_back(block);
+            inBlock = !inBlock;
+            block = {page, number, line.substr(3), media, {}};
+            if (!inBlock) media.clear();
+        } else if (inBlock) {
+            block.lines.push_back(line);
+        } else if (line.starts_with("<!-- media: ")) {
+            media = line.substr(12, line.find(" -->") - 12);
+        }
+    }
+    return blocks;
+}
+
+// The media that the pages speak of.
+void MakeMedia(const std::string& name, const stdfs::path& drive) {
+    const auto volumes = [&](std::initializer_list<int> others) {
+        Media media(drive / "Set" / "1");
+        media.AddInstaller("win_b64").AddMarker("win_b64").MakeSplit(3, "PRODUCT-2027");
+        for (const int k : others)
+            WriteVolumeMarker(drive / "Set" / std::to_string(k), k, "PRODUCT-2027");
+    };
+    if (name == "ordinary") Media(drive / "Media").AddInstaller("win_b64").AddMarker("win_b64");
+    if (name == "without installer") Media(drive / "Media").AddMarker("win_b64");
+    if (name == "three volumes") volumes({2, 3});
+    if (name == "volume 3 missing") volumes({2});
+    if (name == "content only") {
+        Media(drive / "Set" / "1").AddInstaller("win_b64").AddMarker("win_b64");
+        for (const char* folder : {"2", "3"})
+            stdfs::create_directories(drive / "Set" / folder);
+    }
+    if (name == "byte-order mark") {
+        volumes({2, 3});
+        WriteFile(drive / "Set" / "1" / "inst" / "volumes.txt",
+                  "\xEF\xBB\xBF"
+                  "3\r\n");
+    }
+    if (name == "wrong marker") {
+        volumes({2, 3});
+        WriteFile(drive / "Set" / "2" / "2.txt", "MTBDIR=PRODUCT-2026\r\n");
+    }
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::istringstream input(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(input, line);) {
+        while (line.ends_with('\r') || line.ends_with(' '))
+            line.pop_back();
+        lines.push_back(line);
+    }
+    while (!lines.empty() && lines.back().empty())
+        lines.pop_back();
+    return lines;
+}
+
+// A line "..." of the page stands for any lines.
+bool Fits(const std::vector<std::string>& page, std::size_t i, const std::vector<std::string>& real,
+          std::size_t j) {
+    if (i == page.size()) return j == real.size();
+    if (page[i] == "...") {
+        for (std::size_t next = j; next <= real.size(); ++next)
+            if (Fits(page, i + 1, real, next)) return true;
+        return false;
+    }
+    return j < real.size() && page[i] == real[j] && Fits(page, i + 1, real, j + 1);
+}
+
+std::vector<std::string> Split(const std::string& commandLine) {
+    int count = 0;
+    const LocalMemory<wchar_t*> split(CommandLineToArgvW(ToWide(commandLine).c_str(), &count));
+    std::vector<std::string> words;
+    for (int i = 0; i < count; ++i)
+        words.push_back(ToNarrow(split.Get()[i]));
+    return words;
+}
+
+class Documentation : public testing::TestWithParam<const char*> {
+  protected:
+    static std::map<std::string, std::string> Variables() {
+        return {{"TEMP", "C:\\Temp"}, {"PATH", "C:\\windows\\system32;C:\\windows"}};
+    }
+
+    // A prompt, the command after it, and what follows until the next prompt.
+    void RunConsole(const Block& block) {
+        for (std::size_t i = 0; i < block.lines.size();) {
+            const std::string prompt = "M:\\> mediatool ";
+            ASSERT_TRUE(block.lines[i].starts_with(prompt)) << block.lines[i];
+            const std::string command = block.lines[i].substr(4);
+            std::vector<std::string> shown;
+            for (++i; i < block.lines.size() && !block.lines[i].starts_with("M:\\> "); ++i)
+                shown.push_back(block.lines[i]);
+            while (!shown.empty() && shown.back().empty())
+                shown.pop_back();
+            std::vector<std::string> arguments = Split(command);
+            arguments.erase(arguments.begin());
+            const MediatoolRun run = RunMediatool(arguments, L"M:\\", Variables());
+            const std::string all = run.errors + run.output;
+            EXPECT_TRUE(Fits(shown, 0, Lines(all), 0))
+                << block.page << ", line " << block.line << ": " << command << "\nprints:\n"
+                << all;
+            ++commands_;
+        }
+    }
+
+    std::size_t commands_ = 0;
+};
+
+TEST_P(Documentation, ShowsWhatMediatoolPrints) {
+    for (const Block& block : BlocksOf(GetParam())) {
+        if (block.kind != "console") continue;
+        const TemporaryFolder folder;
+        const MappedDrive drive("m:", folder.Dir());
+        MakeMedia(block.media, folder.Dir());
+        RunConsole(block);
+    }
+    EXPECT_GE(commands_, 3u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, Documentation, testing::Values("administrators.md", "media.md"),
+                         [](const auto& page) {
+                             std::string name = page.param;
+                             return name.substr(0, name.find('.'));
+                         });
+
+// The scripts of the page for administrators, each with the stand-in installer, whose exit code is
+// 3010.
+void RunScripts(const std::string& kind, const std::string& fileName,
+                const std::string& commandLine) {
+    const std::vector<Block> blocks = BlocksOf("administrators.md");
+    std::size_t scripts = 0;
+    for (std::size_t i = 0; i + 1 < blocks.size(); ++i) {
+        const Block& block = blocks[i];
+        if (block.kind != kind) continue;
+        ASSERT_EQ(blocks[i + 1].kind, "text") << "what does it print? line " << block.line;
+        const TemporaryFolder folder;
+        const MappedDrive drive("m:", folder.Dir());
+        MakeMedia(block.media, folder.Dir());
+        std::string script;
+        for (const std::string& line : block.lines)
+            script += line + "\r\n";
+        folder.Write(fileName, script);
+        const MediatoolRun run = RunCommandLine(commandLine, L"M:\\", {{"STANDIN_EXIT", "3010"}});
+        EXPECT_EQ(Lines(run.output), blocks[i + 1].lines)
+            << "line " << block.line << "; errors: " << run.errors;
+        ++scripts;
+    }
+    EXPECT_GT(scripts, 0u);
+}
+
+TEST(DocumentedScripts, OfTheCommandProcessor) {
+    RunScripts("bat", "script.bat", "cmd.exe /d /c M:\\script.bat");
+}
+
+TEST(DocumentedScripts, OfPowerShell) {
+    if (IsWine()) GTEST_SKIP() << "Wine has no PowerShell";
+    RunScripts("powershell", "script.ps1",
+               "powershell.exe -NoProfile -ExecutionPolicy Bypass -File M:\\script.ps1");
+}
+
+}  // namespace
+}  // namespace launcher::test

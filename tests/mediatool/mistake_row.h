@@ -1,0 +1,52 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ostream>
+#include <string>
+
+#include "tests/mediatool/support/sample_media.h"
+
+namespace launcher::test {
+
+using mediatool::Finding;
+using mediatool::Layout;
+using mediatool::Level;
+using mediatool::Validation;
+
+// One kind of mistake: what is done to a media without mistakes, and the finding that names it.
+struct Mistake {
+    const char* id;
+    Level level;
+    Layout layout;
+    void (*make)(SampleMedia& media);
+    const char* variant = "";  // tells apart rows of one id
+};
+
+inline void PrintTo(const Mistake& mistake, std::ostream* stream) {
+    *stream << mistake.id;
+}
+
+// The name of a test: the words of the id and the variant, each with a capital.
+inline std::string MistakeName(const testing::TestParamInfo<Mistake>& info) {
+    std::string name;
+    bool atStart = true;
+    for (const char c : std::string(info.param.id) + "-" + info.param.variant) {
+        if (c != '-') name += atStart ? static_cast<char>(std::toupper(c)) : c;
+        atStart = c == '-';
+    }
+    return name;
+}
+
+inline std::string Ids(const Validation& validation) {
+    std::string ids;
+    for (const Finding& finding : validation.findings.Sorted())
+        ids += finding.id + " (" + finding.file + ") ";
+    return ids;
+}
+
+class MistakeTest : public testing::TestWithParam<Mistake> {};
+
+}  // namespace launcher::test

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/temporary_folder.h"
+#include "tools/mediatool/launcher_view.h"
+#include "tools/mediatool/validate.h"
+
+namespace launcher::test {
+
+inline constexpr std::uint16_t kX64 = 0x8664;
+inline constexpr std::uint16_t kX86 = 0x014C;
+inline constexpr std::uint16_t kArm64 = 0xAA64;
+
+// The headers of a Windows program, and nothing else of it.
+std::string ProgramBytes(std::uint16_t machine, bool isLibrary = false);
+
+// A media without mistakes, in a temporary folder, and what tests do to it. File names are relative
+// to the folder of volume 1 and may lead out of it.
+class SampleMedia {
+  public:
+    // The identifier of the split ones is SET, that of the outer volumes OUTER, whose first is 7.
+    explicit SampleMedia(mediatool::Layout layout = mediatool::Layout::NotSplit, int volumes = 3);
+
+    SampleMedia& Write(std::string_view relative, std::string_view content = {});
+    SampleMedia& Remove(std::string_view relative);
+    SampleMedia& Rename(std::string_view relative, std::string_view to);
+    SampleMedia& MakeDir(std::string_view relative);
+    SampleMedia& Marker(std::string_view relative, std::string_view id = "SET");
+
+    // Volume 1, or what is at `relative` to it.
+    std::string Text(std::string_view relative = {}) const;
+    const TemporaryFolder& Folder() const { return *folder_; }
+
+    mediatool::Validation Validate(const std::vector<std::string>& others = {}) const;
+
+  private:
+    void WriteBasics();
+    void WriteVolumes(mediatool::Layout layout, int volumes);
+
+    std::unique_ptr<TemporaryFolder> folder_;
+    std::string first_;  // of volume 1, relative to the folder
+};
+
+}  // namespace launcher::test

@@ -1,0 +1,167 @@
+// Mistakes in the tree below inst, and in what lies under locks.
+
+#include <windows.h>
+
+#include <functional>
+
+#include "fs/encoding.h"
+#include "fs/owners.h"
+#include "tests/fs/links.h"
+#include "tests/mediatool/mistake_row.h"
+#include "tools/mediatool/files.h"
+
+namespace launcher::test {
+namespace {
+
+constexpr char kExe[] = "inst/win_b64/code/bin/ZEPInsAppliGUI.exe";
+
+void ExpectFound(const Validation& validation, const std::string& id, Level level) {
+    const std::vector<Finding> findings = validation.findings.Sorted();
+    const auto found = std::ranges::find(findings, id, &Finding::id);
+    ASSERT_NE(found, findings.end()) << "found only: " << Ids(validation);
+    EXPECT_EQ(found->level, level);
+}
+
+// A name that Windows itself does not give. Returns false where the system refuses it all the same.
+bool WriteRaw(const std::string& path) {
+    const FileHandle file(CreateFileW(mediatool::Extended(path).c_str(), GENERIC_WRITE, 0, nullptr,
+                                      CREATE_ALWAYS, 0, nullptr));
+    return static_cast<bool>(file);
+}
+
+void RemoveRaw(const std::string& path) {
+    DeleteFileW(mediatool::Extended(path).c_str());
+}
+
+TEST(TreeMistakes, AReservedName) {
+    SampleMedia media;
+    const std::string file = media.Text("inst") + "\\aux.txt";
+    ASSERT_TRUE(WriteRaw(file));
+    ExpectFound(media.Validate(), "name-reserved", Level::Error);
+    RemoveRaw(file);
+    EXPECT_FALSE(media.Validate().findings.Has("name-reserved"));
+}
+
+TEST(TreeMistakes, ANameThatEndsInADot) {
+    SampleMedia media;
+    const std::string file = media.Text("inst") + "\\readme.";
+    ASSERT_TRUE(WriteRaw(file));
+    ExpectFound(media.Validate(), "name-ends-in-dot-or-blank", Level::Error);
+    RemoveRaw(file);
+}
+
+TEST(TreeMistakes, ANameOutsideTheConsolesCodePage) {
+    SampleMedia media;
+    media.Write("inst/common/漢字.txt");
+    ExpectFound(media.Validate(), "name-outside-oem-code-page", Level::Note);
+}
+
+std::string LongName() {
+    return "inst/" + std::string(90, 'a') + "/" + std::string(90, 'b') + ".dll";
+}
+
+// The file itself can be opened where it is: it is the copy whose path would be too long.
+TEST(TreeMistakes, APathThatGetsTooLongInACopy) {
+    SampleMedia media;
+    media.Write(LongName());
+    ExpectFound(media.Validate(), "path-too-long-in-copy", Level::Warning);
+    mediatool::ValidateRequest request;
+    request.folders = {media.Text()};
+    request.temp = "C:\\T";
+    EXPECT_FALSE(mediatool::Validate(request).findings.Has("path-too-long-in-copy"));
+}
+
+TEST(TreeMistakes, APathThatGetsTooLongInACopyThatWillBeMade) {
+    SampleMedia media(Layout::Siblings);
+    media.Write(LongName()).Remove("../3");
+    ExpectFound(media.Validate(), "path-too-long-in-copy", Level::Error);
+}
+
+TEST(TreeMistakes, ATemporaryFolderThatRemoveBatCannotName) {
+    const SampleMedia media;
+    mediatool::ValidateRequest request;
+    request.folders = {media.Text()};
+    request.temp = "C:\\Users\\José\\Temp";
+    ExpectFound(mediatool::Validate(request), "temp-outside-oem-code-page", Level::Warning);
+    request.temp = "C:\\Users\\Jose\\Temp";
+    EXPECT_FALSE(mediatool::Validate(request).findings.Has("temp-outside-oem-code-page"));
+}
+
+TEST(TreeMistakes, ALinkToAFolder) {
+    SampleMedia media;
+    media.MakeDir("../target");
+    const FolderLink link(FromUtf8(media.Text("inst/link")), FromUtf8(media.Text("../target")));
+    ExpectFound(media.Validate(), "link", Level::Warning);
+}
+
+TEST(TreeMistakes, ALinkToAFolderThatItIsIn) {
+    SampleMedia media;
+    const FolderLink link(FromUtf8(media.Text("inst/link")), FromUtf8(media.Text("inst")));
+    ExpectFound(media.Validate(), "link-loop", Level::Error);
+}
+
+TEST(TreeMistakes, ALinkThatLeadsNowhere) {
+    SampleMedia media;
+    media.MakeDir("../target");
+    const FolderLink link(FromUtf8(media.Text("inst/link")), FromUtf8(media.Text("../target")));
+    media.Remove("../target");
+    if (!mediatool::Look(Path(media.Text("inst/link"))))
+        GTEST_SKIP() << "Wine lists no link whose target is gone";
+    ExpectFound(media.Validate(), "link-broken", Level::Error);
+}
+
+TEST(PlaceMistakes, ALauncherWhosePathIsCut) {
+    const TemporaryFolder folder;
+    const std::string media =
+        folder.Text() + "\\" + std::string(120, 'm') + "\\" + std::string(120, 'n');
+    CreateDirectoryW(mediatool::Extended(folder.Text() + "\\" + std::string(120, 'm')).c_str(),
+                     nullptr);
+    CreateDirectoryW(mediatool::Extended(media).c_str(), nullptr);
+    ASSERT_TRUE(WriteRaw(media + "\\setup.exe"));
+    CreateDirectoryW(mediatool::Extended(media + "\\inst").c_str(), nullptr);
+    mediatool::ValidateRequest request;
+    request.folders = {media};
+    const Validation validation = mediatool::Validate(request);
+    RemoveRaw(media + "\\setup.exe");
+    RemoveDirectoryW(mediatool::Extended(media + "\\inst").c_str());
+    RemoveDirectoryW(mediatool::Extended(media).c_str());
+    ExpectFound(validation, "launcher-path-cut", Level::Error);
+}
+
+// A file that another program has open for itself alone.
+class LockedFile {
+  public:
+    explicit LockedFile(const std::string& path)
+        : file_(CreateFileW(ToWide(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0,
+                            nullptr)) {}
+
+  private:
+    FileHandle file_;
+};
+
+TEST(LockedFiles, ARootEntry) {
+    const SampleMedia media;
+    const LockedFile lock(media.Text("media.db"));
+    ExpectFound(media.Validate(), "root-entry-unreadable", Level::Warning);
+}
+
+TEST(LockedFiles, AnInstaller) {
+    const SampleMedia media;
+    const LockedFile lock(media.Text(kExe));
+    ExpectFound(media.Validate(), "installer-unreadable", Level::Error);
+}
+
+TEST(LockedFiles, TheCountFile) {
+    const SampleMedia media(Layout::Siblings);
+    const LockedFile lock(media.Text("inst/volumes.txt"));
+    ExpectFound(media.Validate(), "count-file-unreadable", Level::Error);
+}
+
+TEST(LockedFiles, AVolumeMarker) {
+    const SampleMedia media(Layout::Siblings);
+    const LockedFile lock(media.Text("../2/2.txt"));
+    ExpectFound(media.Validate(), "volume-marker-unreadable", Level::Error);
+}
+
+}  // namespace
+}  // namespace launcher::test

@@ -1,0 +1,163 @@
+// Every kind of mistake in the volumes of a split media and their markers.
+
+#include "tests/mediatool/mistake_row.h"
+
+namespace launcher::test {
+namespace {
+
+constexpr char kTwo[] = "../2/2.txt";
+constexpr Layout kBeside = Layout::Siblings;
+constexpr Layout kTogether = Layout::OneFolder;
+constexpr Layout kOuter = Layout::Outer;
+
+class VolumeMistakeTest : public MistakeTest {};
+
+TEST_P(VolumeMistakeTest, IsFoundByItsName) {
+    const Mistake& mistake = GetParam();
+    SampleMedia media(mistake.layout);
+    ASSERT_FALSE(media.Validate().findings.Has(mistake.id)) << "before the mistake was made";
+    mistake.make(media);
+    const Validation validation = media.Validate();
+    const std::vector<Finding> findings = validation.findings.Sorted();
+    const auto found = std::ranges::find(findings, mistake.id, &Finding::id);
+    ASSERT_NE(found, findings.end()) << "found only: " << Ids(validation);
+    EXPECT_EQ(found->level, mistake.level);
+}
+
+using Media = SampleMedia;
+
+const Mistake kTextMistakes[] = {
+    {"volume-marker-bom", Level::Error, kBeside,
+     [](Media& m) { m.Write(kTwo, "\xEF\xBB\xBFMTBDIR=SET\r\n"); }},
+    {"volume-marker-bom", Level::Warning, kBeside,
+     [](Media& m) { m.Write(kTwo, "\xEF\xBB\xBF# Volume 2\r\nMTBDIR=SET\r\n"); }, "OnAnotherLine"},
+    {"volume-marker-utf16", Level::Error, kBeside,
+     [](Media& m) { m.Write(kTwo, std::string_view("\xFF\xFEM\0T\0", 6)); }},
+    {"volume-marker-empty", Level::Error, kBeside, [](Media& m) { m.Write(kTwo, ""); }},
+    {"volume-marker-no-id", Level::Error, kBeside, [](Media& m) { m.Write(kTwo, "SET\r\n"); }},
+    {"volume-marker-lower-case", Level::Error, kBeside,
+     [](Media& m) { m.Write(kTwo, "mtbdir=SET\r\n"); }},
+    {"volume-marker-leading-blank", Level::Error, kBeside,
+     [](Media& m) { m.Write(kTwo, " MTBDIR=SET\r\n"); }},
+    {"volume-marker-blank-before-equals", Level::Error, kBeside,
+     [](Media& m) { m.Write(kTwo, "MTBDIR =SET\r\n"); }},
+    {"volume-marker-no-equals", Level::Error, kBeside,
+     [](Media& m) { m.Write(kTwo, "MTBDIR:SET\r\n"); }},
+    {"volume-id-empty", Level::Error, kBeside, [](Media& m) { m.Write(kTwo, "MTBDIR=\r\n"); }},
+    {"volume-id-leading-blank", Level::Warning, kBeside, [](Media& m) { m.Marker(kTwo, " SET"); }},
+    {"volume-id-trailing-blank", Level::Warning, kBeside, [](Media& m) { m.Marker(kTwo, "SET "); }},
+    {"volume-id-blanks-differ", Level::Error, kBeside, [](Media& m) { m.Marker(kTwo, "SET "); }},
+    {"volume-id-quoted", Level::Warning, kBeside, [](Media& m) { m.Marker(kTwo, "\"SET\""); }},
+    {"volume-id-not-utf8", Level::Warning, kBeside, [](Media& m) { m.Marker(kTwo, "S\xE9T"); }},
+    {"volume-id-control-character", Level::Error, kBeside,
+     [](Media& m) { m.Marker(kTwo, "SET\x1A"); }},
+    {"volume-marker-double-cr", Level::Error, kBeside, [](Media& m) { m.Marker(kTwo, "SET\r"); }},
+    {"volume-marker-cr-only", Level::Error, kBeside,
+     [](Media& m) { m.Write(kTwo, "MTBDIR=SET\rVolume 2"); }},
+    {"volume-marker-two-ids", Level::Warning, kBeside,
+     [](Media& m) { m.Write(kTwo, "MTBDIR=SET\r\nMTBDIR=OLD\r\n"); }},
+    {"volume-marker-is-folder", Level::Error, kBeside,
+     [](Media& m) { m.Remove(kTwo).MakeDir(kTwo); }},
+};
+INSTANTIATE_TEST_SUITE_P(Text, VolumeMistakeTest, testing::ValuesIn(kTextMistakes), MistakeName);
+
+const Mistake kPlaceMistakes[] = {
+    {"volume-marker-missing", Level::Error, kBeside, [](Media& m) { m.Remove(kTwo); }},
+    {"volume-marker-missing", Level::Error, kBeside, [](Media& m) { m.Remove("1.txt"); },
+     "OfVolumeOne"},
+    {"volume-marker-leading-zeros", Level::Error, kBeside,
+     [](Media& m) { m.Rename(kTwo, "../2/02.txt"); }},
+    {"volume-marker-leading-zeros", Level::Error, kTogether,
+     [](Media& m) { m.Rename("2.txt", "02.txt"); }, "InOneFolder"},
+    {"volume-marker-double-extension", Level::Error, kBeside,
+     [](Media& m) { m.Rename(kTwo, "../2/2.txt.txt"); }},
+    {"volume-marker-wrong-number", Level::Error, kBeside,
+     [](Media& m) { m.Rename(kTwo, "../2/3.txt"); }},
+    {"volume-id-differs", Level::Error, kBeside, [](Media& m) { m.Marker(kTwo, "OTHER"); }},
+    {"volume-id-differs", Level::Error, kTogether, [](Media& m) { m.Marker("2.txt", "OTHER"); },
+     "InOneFolder"},
+    {"volume-id-case-differs", Level::Error, kBeside, [](Media& m) { m.Marker(kTwo, "Set"); }},
+    {"volume-missing", Level::Error, kBeside, [](Media& m) { m.Remove("../3"); }},
+    {"volume-missing", Level::Error, kTogether, [](Media& m) { m.Remove("3.txt"); }, "InOneFolder"},
+    {"volume-folder-named-otherwise", Level::Error, kBeside,
+     [](Media& m) { m.Rename("../2", "../Disc 2"); }},
+    {"volumes-mixed-layouts", Level::Error, kTogether,
+     [](Media& m) { m.Remove("3.txt").Marker("../3/3.txt"); }},
+    {"volume-beyond-count", Level::Error, kBeside, [](Media& m) { m.Marker("../4/4.txt"); }},
+    {"volume-beyond-count", Level::Error, kTogether, [](Media& m) { m.Marker("4.txt"); },
+     "InOneFolder"},
+    {"volumes-elsewhere", Level::Warning, kBeside,
+     [](Media& m) { m.Remove("../2").Remove("../3"); }},
+};
+INSTANTIATE_TEST_SUITE_P(Place, VolumeMistakeTest, testing::ValuesIn(kPlaceMistakes), MistakeName);
+
+const Mistake kOuterMistakes[] = {
+    {"outer-marker-upper-case", Level::Error, kOuter,
+     [](Media& m) { m.Remove("../../7.txt").Marker("../../7.TXT", "OUTER"); }},
+    {"outer-marker-number-too-high", Level::Error, kOuter,
+     [](Media& m) { m.Rename("../../7.txt", "../../700.txt"); }},
+    {"outer-marker-zero", Level::Error, kOuter,
+     [](Media& m) { m.Rename("../../7.txt", "../../0.txt"); }},
+    {"outer-marker-irregular", Level::Error, kOuter,
+     [](Media& m) { m.Rename("../../7.txt", "../../7a.txt"); }},
+    {"outer-markers-two", Level::Error, kOuter, [](Media& m) { m.Marker("../../9.txt", "OUTER"); }},
+    {"outer-marker-missing", Level::Error, kOuter, [](Media& m) { m.Remove("../../../8/8.txt"); }},
+    {"outer-volume-missing", Level::Error, kOuter, [](Media& m) { m.Remove("../../../8"); }},
+    {"outer-id-differs", Level::Error, kOuter,
+     [](Media& m) { m.Marker("../../../8/8.txt", "OTHER"); }},
+    {"outer-id-same", Level::Warning, kOuter,
+     [](Media& m) {
+         m.Marker("../../7.txt", "SET")
+             .Marker("../../../8/8.txt", "SET")
+             .Marker("../../../9/9.txt", "SET");
+     }},
+    {"outer-inner-folder-missing", Level::Error, kOuter,
+     [](Media& m) { m.Rename("../../../8/media", "../../../8/other"); }},
+    {"volume-id-differs", Level::Error, kOuter,
+     [](Media& m) { m.Marker("../../../8/media/2/2.txt", "OTHER"); }, "InOuterVolume"},
+    {"volume-marker-no-id", Level::Error, kOuter,
+     [](Media& m) { m.Write("../../7.txt", "notes of a meeting"); }, "OfOuterVolume"},
+};
+INSTANTIATE_TEST_SUITE_P(Outer, VolumeMistakeTest, testing::ValuesIn(kOuterMistakes), MistakeName);
+
+bool Finds(const Validation& validation, const std::string& id) {
+    EXPECT_TRUE(validation.findings.Has(id)) << "found only: " << Ids(validation);
+    return validation.findings.Has(id);
+}
+
+TEST(GivenFolders, ThatNoLayoutFits) {
+    SampleMedia media(kBeside);
+    media.Remove("../3").Rename("../2", "../../elsewhere");
+    EXPECT_TRUE(Finds(media.Validate({"../../elsewhere"}), "no-layout-fits"));
+}
+
+TEST(GivenFolders, TwoWithTheSameNumber) {
+    SampleMedia media(kBeside);
+    media.Remove("../3").Marker("../../a/2.txt").Marker("../../b/2.txt");
+    EXPECT_TRUE(Finds(media.Validate({"../../a", "../../b"}), "volume-number-twice"));
+}
+
+TEST(GivenFolders, OneThatTheLauncherDoesNotComeTo) {
+    SampleMedia media(kBeside);
+    media.Marker("../../other/3.txt");
+    EXPECT_TRUE(Finds(media.Validate({"../2", "../3", "../../other"}), "folder-not-a-volume"));
+    EXPECT_FALSE(media.Validate({"../2", "../3"}).findings.Has("folder-not-a-volume"));
+}
+
+TEST(GivenFolders, ALaterVolumeWithACountFile) {
+    SampleMedia media(kBeside);
+    media.Write("../2/inst/volumes.txt", "3\r\n");
+    EXPECT_TRUE(Finds(media.Validate({"../2", "../3"}), "count-file-in-later-volume"));
+}
+
+TEST(GivenFolders, VolumeOneIsTheOneWithTheLauncher) {
+    SampleMedia media(kBeside);
+    mediatool::ValidateRequest request;
+    request.folders = {media.Text("../3"), media.Text("../2"), media.Text()};
+    const Validation validation = mediatool::Validate(request);
+    EXPECT_EQ(validation.view.layout, kBeside);
+    EXPECT_EQ(validation.findings.Count(Level::Error), 0u) << Ids(validation);
+}
+
+}  // namespace
+}  // namespace launcher::test

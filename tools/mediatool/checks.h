@@ -1,0 +1,38 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "tools/mediatool/findings.h"
+#include "tools/mediatool/launcher_view.h"
+#include "tools/mediatool/media_set.h"
+
+namespace launcher::mediatool {
+
+// What the checks look at.
+struct Subject {
+    MediaSet set;
+    LauncherView view;
+    // The temporary folder of the users that the media is for; empty for the longest usual one.
+    std::string temp;
+    // Told of every entry that is looked at; may be empty.
+    std::function<void(std::size_t entries)> progress;
+
+    const Path& Media() const { return set.first; }
+};
+
+// One group of mistakes each, in a file of its own.
+void CheckLauncher(const Subject& subject, Findings& out);
+void CheckRootEntries(const Subject& subject, Findings& out);
+void CheckInstallers(const Subject& subject, Findings& out);
+void CheckFlavourMarkers(const Subject& subject, Findings& out);
+void CheckCountFile(const Subject& subject, Findings& out);
+void CheckVolumes(const Subject& subject, Findings& out);
+void CheckTree(const Subject& subject, Findings& out);
+
+// The text of one volume marker that is there. Returns the identifier that the launcher reads from
+// it, empty when it reads none.
+std::string CheckMarkerText(const Path& marker, Findings& out);
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,220 @@
+#include "tools/mediatool/commands.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <exception>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "tools/mediatool/console.h"
+#include "tools/mediatool/dry_run.h"
+#include "tools/mediatool/dry_run_report.h"
+#include "tools/mediatool/findings.h"
+#include "tools/mediatool/report.h"
+#include "tools/mediatool/writer.h"
+
+namespace launcher::mediatool {
+namespace {
+
+const std::map<std::string, Layout> kLayouts = {
+    {"one-folder", Layout::OneFolder}, {"siblings", Layout::Siblings}, {"outer", Layout::Outer}};
+
+// One value for each time that the option is given.
+CLI::Option* MayBeGivenAgain(CLI::Option* option) {
+    return option->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->allow_extra_args(false);
+}
+
+struct ValidateCommand {
+    explicit ValidateCommand(CLI::App& app)
+        : command(app.add_subcommand("validate", "Look for mistakes in a media.")) {
+        command
+            ->add_option("media", request.folders,
+                         "The media's folder; or the folders of its volumes.")
+            ->required();
+        command->add_option("--temp", request.temp,
+                            "The temporary folder of the users it is for (default: the longest "
+                            "usual one).");
+        command->add_flag("--json", json, "Print JSON.");
+        command->footer("Exit code: 0 clean, 1 a finding of severity error, 2 wrong use.");
+    }
+
+    int Run() {
+        Progress progress("Entries looked at:");
+        request.progress = [&progress](std::size_t count) { progress.Show(count); };
+        const Validation validation = Validate(request);
+        PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
+        return validation.findings.Count(Level::Error) == 0 ? kSuccess : kFailure;
+    }
+
+    CLI::App* command;
+    ValidateRequest request;
+    bool json = false;
+};
+
+struct CreateCommand {
+    explicit CreateCommand(CLI::App& app)
+        : command(app.add_subcommand("create", "Write the count file and markers of a media.")) {
+        command->add_option("--id", request.id, "The identifier of the media.")->required();
+        command->add_option("--layout", request.layout, "one-folder, siblings or outer.")
+            ->required()
+            ->transform(CLI::Transformer(kLayouts));
+        command->add_option("--volumes", request.volumes, "How many volumes: 1 to 99.")->required();
+        MayBeGivenAgain(command->add_option(
+            "--from", from,
+            "A folder with the content of a volume, once for each, volume 1 first."));
+        command->add_option("--outer-id", request.outerId,
+                            "The identifier of the outer volumes (default: ID-outer).");
+        command->add_option("--first-outer", request.firstOuter,
+                            "The number of the first outer volume (default: 1).");
+        command->add_option("--inner", request.inner,
+                            "The folder in each outer volume that the media is in (default: "
+                            "media).");
+        command->add_flag("--force", request.force, "Write over files that are there.");
+        command->add_flag("--json", json, "Print JSON.");
+        command->add_option("out", request.out, "The folder to write into.")->required();
+        command->footer("Exit code: 0 written, 1 not written, 2 wrong use.");
+    }
+
+    int Run() {
+        request.from = from;
+        Progress progress("Files copied:");
+        request.progress = [&progress](std::size_t count) { progress.Show(count); };
+        const Creation creation = Create(request);
+        PrintOut(json ? Printed(JsonOf(creation, request)) : TextOf(creation));
+        return kSuccess;
+    }
+
+    CLI::App* command;
+    CreateRequest request;
+    std::vector<std::string> from;
+    bool json = false;
+};
+
+struct DryRunCommand {
+    explicit DryRunCommand(CLI::App& app)
+        : command(app.add_subcommand("dry-run", "Rehearse a run of a media's launcher.")) {
+        command->add_option("media", request.media, "The media's folder.")->required();
+        command->add_option("--windows", windows, "The pretended Windows: 7, 8, 8.1, 10 or 11.")
+            ->check(CLI::IsMember({"7", "8", "8.1", "10", "11"}));
+        command->add_option("--bits", bits, "Its bits: 32 or 64.")
+            ->check(CLI::IsMember({"32", "64"}));
+        command->add_option("--admin", administrator, "An administrator runs it: yes or no.")
+            ->check(CLI::IsMember({"yes", "no"}));
+        command->add_flag("--old-web-library", request.machine.hasOldWebLibrary,
+                          "Its web library is older than that of Internet Explorer 10.");
+        MayBeGivenAgain(command->add_option(
+            "--env", variables, "NAME=VALUE: a variable of its environment; may be given again."));
+        command->add_option("--temp", temp, "Its TEMP folder.");
+        command->add_option("--pick", pick, "The folder that is picked in the folder dialog.");
+        command->add_flag("--all", everything, "Show every variable that changes.");
+        command->add_flag("--json", json, "Print JSON.");
+        command->footer(
+            "The launcher's own arguments stand after --, as in: mediatool dry-run D:\\ -- -wait\n"
+            "Exit code: 0 whatever the launcher would do, 2 wrong use.");
+    }
+
+    int Run(std::vector<std::string> launcherArguments) {
+        request.arguments = std::move(launcherArguments);
+        PretendedMachine& machine = request.machine;
+        if (!windows.empty()) machine.isWindows8OrNewer = windows != "7";
+        if (!bits.empty()) machine.is64Bit = bits == "64";
+        if (!administrator.empty()) machine.isAdministrator = administrator == "yes";
+        if (command->count("--pick") > 0) machine.picked = pick;
+        if (command->count("--temp") > 0) request.environment.emplace_back("TEMP", temp);
+        for (const std::string& variable : variables)
+            request.environment.push_back(Assignment(variable));
+        const DryRun run = RunDry(request);
+        PrintOut(json ? Printed(JsonOf(run)) : TextOf(run, everything));
+        return kSuccess;
+    }
+
+    static std::pair<std::string, std::string> Assignment(const std::string& text) {
+        const std::size_t equals = text.find('=');
+        if (equals == 0 || equals == std::string::npos)
+            throw BadInput("--env takes NAME=VALUE, not \"" + text + "\".");
+        return {text.substr(0, equals), text.substr(equals + 1)};
+    }
+
+    CLI::App* command;
+    DryRunRequest request;
+    std::string windows;
+    std::string bits;
+    std::string administrator;
+    std::vector<std::string> variables;
+    std::string temp;
+    std::string pick;
+    bool everything = false;
+    bool json = false;
+};
+
+class Mediatool {
+  public:
+    Mediatool()
+        : app_("Checks, makes and rehearses installation media.", "mediatool"),
+          dryRun_(app_),
+          validate_(app_),
+          create_(app_) {
+        app_.require_subcommand(1);
+        app_.set_version_flag("--version", "mediatool " LAUNCHER_VERSION);
+    }
+
+    int Run(std::vector<std::string> arguments) {
+        // What follows -- is the launcher's, to the letter: nothing of it is an option or a list.
+        const auto end = std::ranges::find(arguments, "--");
+        const bool hasEnd = end != arguments.end();
+        std::vector<std::string> launcherArguments(hasEnd ? end + 1 : end, arguments.end());
+        arguments.erase(end, arguments.end());
+        std::ranges::reverse(arguments);  // as CLI11 wants them
+        app_.parse(std::move(arguments));
+        if (dryRun_.command->parsed()) return dryRun_.Run(std::move(launcherArguments));
+        if (hasEnd) throw BadInput("Only dry-run takes arguments of the launcher, after --.");
+        if (validate_.command->parsed()) return validate_.Run();
+        return create_.Run();
+    }
+
+    // Help and the version, which CLI11 asks for by exceptions, or a mistake in the command line.
+    int Answer(const CLI::ParseError& request) const {
+        if (request.get_name() == "CallForVersion") {
+            PrintOut(std::string(request.what()) + "\n");
+            return kSuccess;
+        }
+        if (request.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+            PrintOut(app_.help());
+            return kSuccess;
+        }
+        PrintError(std::string("mediatool: ") + request.what() + "\n");
+        return kWrongUse;
+    }
+
+  private:
+    CLI::App app_;
+    DryRunCommand dryRun_;
+    ValidateCommand validate_;
+    CreateCommand create_;
+};
+
+int Complain(const std::exception& failure, int exitCode) {
+    PrintError(std::string("mediatool: ") + failure.what() + "\n");
+    return exitCode;
+}
+
+}  // namespace
+
+int RunMediatool(const std::vector<std::string>& arguments) {
+    Mediatool mediatool;
+    try {
+        return mediatool.Run(arguments);
+    } catch (const CLI::ParseError& request) {
+        return mediatool.Answer(request);
+    } catch (const Refused& failure) {
+        return Complain(failure, kFailure);
+    } catch (const BadInput& failure) {
+        return Complain(failure, kWrongUse);
+    } catch (const std::exception& failure) {
+        return Complain(failure, kWrongUse);
+    }
+}
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace launcher::mediatool {
+
+// The standard streams, in UTF-8. On a terminal they show it whatever its code page.
+
+void PrintOut(const std::string& text);
+void PrintError(const std::string& text);
+
+enum class Colour { Plain, Bold, Dim, Red, Yellow, Green, Cyan };
+
+// `text` in a colour: on a terminal that understands it, unless NO_COLOR is set to anything.
+std::string Painted(Colour colour, const std::string& text);
+
+// A line on the standard error stream that is written over and over; on a terminal only.
+class Progress {
+  public:
+    explicit Progress(std::string what) : what_(std::move(what)) {}
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress();
+
+    void Show(std::size_t count);
+
+  private:
+    std::string what_;
+    unsigned long long shown_ = 0;  // when last, in milliseconds
+    bool visible_ = false;
+};
+
+}  // namespace launcher::mediatool

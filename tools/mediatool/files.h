@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fs/path.h"
+
+namespace launcher::mediatool {
+
+// Looks at files and folders, whatever the length of their paths. Nothing here follows a link
+// unless it says so. Texts are UTF-8.
+
+struct Entry {
+    std::string name;
+    bool isFolder = false;
+    bool isLink = false;
+    std::uint64_t size = 0;  // bytes; 0 for a folder
+};
+
+// The absolute, normalised path that `text` means. Empty for the empty text.
+Path FullPath(const std::string& text);
+
+// The path that Windows takes at any length: "\\?\" in front.
+std::wstring Extended(const std::string& path);
+
+// What `path` names; nothing when it is not there.
+std::optional<Entry> Look(const Path& path);
+bool IsFile(const Path& path);
+bool IsFolder(const Path& path);
+
+// The entries of a folder, sorted by name; nothing when it cannot be listed, with the reason in
+// GetLastError().
+std::optional<std::vector<Entry>> List(const Path& folder);
+
+// The first `limit` bytes of a file; nothing when it cannot be read.
+std::optional<std::string> ReadStart(const Path& path, std::size_t limit);
+
+// What the system says of its last error, as the end of a sentence, without a full stop.
+std::string LastErrorText();
+
+// The number of UTF-16 code units of a text: what Windows counts a path's length in.
+std::size_t WideLength(const std::string& text);
+
+// Without regard to case, as Windows compares names.
+bool SameName(const std::string& left, const std::string& right);
+std::string InLowerCase(const std::string& text);
+
+}  // namespace launcher::mediatool

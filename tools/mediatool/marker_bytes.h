@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace launcher::mediatool {
+
+// The bytes of the small text files of a media: what in them no editor shows.
+
+inline constexpr char kUtf8Mark[] = "\xEF\xBB\xBF";
+
+bool HasUtf16Mark(const std::string& bytes);
+
+// As the launcher cuts them: at LF, without one CR before it.
+std::vector<std::string> LinesOf(const std::string& bytes);
+
+// A control character other than the tab; CR among them.
+bool HasControlCharacter(const std::string& text);
+
+bool IsUtf8(const std::string& text);
+
+// Without blanks and tabs at both ends.
+std::string Trimmed(const std::string& text);
+
+// Digits only, and at least one.
+bool IsNumber(const std::string& text);
+
+}  // namespace launcher::mediatool

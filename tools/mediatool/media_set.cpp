@@ -1,0 +1,77 @@
+#include "tools/mediatool/media_set.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "media/layout.h"
+#include "tools/mediatool/files.h"
+#include "tools/mediatool/findings.h"
+
+namespace launcher::mediatool {
+namespace {
+
+std::string Quoted(const Path& path) {
+    return "\"" + path.Text() + "\"";
+}
+
+Path CheckedFolder(const std::string& text) {
+    const Path folder = FullPath(text);
+    if (IsEmpty(folder)) throw BadInput("\"" + text + "\" is no folder.");
+    const std::optional<Entry> entry = Look(folder);
+    if (!entry) {
+        const std::string reason = LastErrorText();
+        throw BadInput(Quoted(folder) + " cannot be opened: " + reason + ".");
+    }
+    if (!entry->isFolder) throw BadInput(Quoted(folder) + " is a file, not the folder of a media.");
+    if (!List(folder)) {
+        const std::string reason = LastErrorText();
+        throw BadInput(Quoted(folder) + " cannot be listed: " + reason + ".");
+    }
+    return folder;
+}
+
+bool HasLauncher(const Path& folder) {
+    return Look(Join(folder, kLauncherName)).has_value();
+}
+
+// The given folder that looks most like volume 1.
+std::optional<Path> FirstVolume(const std::vector<Path>& given) {
+    std::optional<Path> best;
+    int bestScore = -1;
+    for (const Path& folder : given) {
+        if (!HasLauncher(folder)) continue;
+        const Path countFile = Join(Join(folder, kInstFolder), kCountFileName);
+        const int score = (Look(countFile) ? 2 : 0) + (Look(Join(folder, "1.txt")) ? 1 : 0);
+        if (score <= bestScore) continue;
+        bestScore = score;
+        best = folder;
+    }
+    return best;
+}
+
+std::string WithoutLauncher(const std::vector<Path>& given) {
+    if (given.size() > 1) return "None of the given folders has a launcher (setup.exe) in it.";
+    const Path inside = Join(given.front(), "1");
+    const std::string text = Quoted(given.front()) + " has no launcher (setup.exe) in it";
+    if (HasLauncher(inside)) return text + "; " + Quoted(inside) + " has one: give that folder.";
+    return text + ".";
+}
+
+}  // namespace
+
+MediaSet OpenMediaSet(const std::vector<std::string>& folders) {
+    MediaSet set;
+    for (const std::string& text : folders) {
+        const Path folder = CheckedFolder(text);
+        for (const Path& other : set.given)
+            if (SameName(other.Text(), folder.Text()))
+                throw BadInput(Quoted(folder) + " is given twice.");
+        set.given.push_back(folder);
+    }
+    const std::optional<Path> first = FirstVolume(set.given);
+    if (!first) throw BadInput(WithoutLauncher(set.given));
+    set.first = *first;
+    return set;
+}
+
+}  // namespace launcher::mediatool

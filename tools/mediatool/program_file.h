@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "fs/path.h"
+
+namespace launcher::mediatool {
+
+// What a file says of itself as a Windows program.
+struct ProgramFile {
+    std::uint16_t machine;  // IMAGE_FILE_MACHINE_...
+    bool isLibrary;         // a DLL
+    bool isSigned;          // carries a signature, which nobody has looked at
+
+    bool Is64Bit() const;
+    bool Is32Bit() const;
+};
+
+// Nothing when the file cannot be read or is no Windows program.
+std::optional<ProgramFile> ReadProgramFile(const Path& path);
+
+// The name and the version in a program's resources; empty when it has none.
+struct ProgramVersion {
+    std::string product;
+    std::string version;
+};
+ProgramVersion ReadProgramVersion(const Path& path);
+
+}  // namespace launcher::mediatool

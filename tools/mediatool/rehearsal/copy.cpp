@@ -1,0 +1,141 @@
+// The copy into the temporary folder: looks at every source and at the place of every destination,
+// and fails as the real one does, but writes nothing.
+
+#include "fs/copy.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "fs/create_dir.h"
+#include "fs/directory_enumerator.h"
+#include "fs/encoding.h"
+#include "fs/exceptions.h"
+#include "fs/file_type.h"
+#include "fs/open_file.h"
+#include "fs/path.h"
+#include "tools/mediatool/files.h"
+#include "tools/mediatool/rehearsal/rehearsal.h"
+
+namespace launcher {
+namespace {
+
+using mediatool::CurrentRehearsal;
+using mediatool::PretendedCopy;
+
+bool IsPretended(const std::string& folder) {
+    return std::ranges::count(CurrentRehearsal()->pretendedFolders, folder) > 0;
+}
+
+// Asks for the right to make a folder in an existing one, and makes none.
+bool MayMakeFolderIn(const std::string& folder) {
+    const std::wstring name = ToWide(folder) + (folder.ends_with(':') ? L"\\" : L"");
+    const FileHandle handle(CreateFileW(
+        name.c_str(), FILE_ADD_SUBDIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    return static_cast<bool>(handle);
+}
+
+// CreateDirectoryW, as far as it can be told without calling it.
+void PretendToCreate(const Path& folder) {
+    constexpr std::size_t kLongest = 247;  // characters
+    const std::string parent = Parent(folder).Text();
+    if (mediatool::WideLength(folder.Text()) > kLongest)
+        SetLastError(ERROR_FILENAME_EXCED_RANGE);
+    else if (IsPretended(parent) || MayMakeFolderIn(parent)) {
+        CurrentRehearsal()->pretendedFolders.push_back(folder.Text());
+        return;
+    }
+    ThrowLastError("CreateDirectory - ", folder.Text());
+}
+
+// CreateDir, on folders of which some are only pretended.
+void PretendToCreateDir(const std::string& path) {
+    const Path folder(path);
+    const std::string& text = folder.Text();
+    if (text.empty()) throw ZEPInsException("CreateDir - empty path");
+    if (IsPretended(text)) return;
+    const DWORD attributes = GetFileAttributesW(ToWide(text).c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES) {
+        if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return;
+        throw ZEPInsException("CreateDir - " + text + " is not a directory.");
+    }
+    const Path parent = Parent(folder);
+    if (IsEmpty(parent)) return;
+    try {
+        PretendToCreateDir(parent.Text());
+    } catch (const std::exception&) {  // recurs with the child
+    }
+    if (FileName(folder) != ".") PretendToCreate(folder);
+}
+
+std::optional<std::uint64_t> RoomAt(const std::string& path) {
+    for (Path folder(path); !IsEmpty(folder); folder = Parent(folder)) {
+        ULARGE_INTEGER room{};
+        const std::wstring name = ToWide(folder.Text()) + L"\\";
+        if (GetDiskFreeSpaceExW(name.c_str(), &room, nullptr, nullptr)) return room.QuadPart;
+    }
+    return std::nullopt;
+}
+
+void ThrowUnreadable(const std::string& source, DWORD error) {
+    const bool isThere = GetFileAttributesW(ToWide(source).c_str()) != INVALID_FILE_ATTRIBUTES;
+    if (!isThere) ThrowLastErrorAsErrno("Cannot stat ", source);
+    SetLastError(error);
+    ThrowLastErrorAsErrno("Cannot read ", source);
+}
+
+void PretendToCopyFile(const std::string& source, const std::string& destination) {
+    constexpr std::size_t kLongest = 259;  // characters
+    const FileHandle file = OpenSharedFile(ToWide(source), GENERIC_READ, OPEN_EXISTING);
+    const DWORD error = GetLastError();
+    if (!file) ThrowUnreadable(source, error);
+    LARGE_INTEGER size{};
+    GetFileSizeEx(file.Get(), &size);
+    if (mediatool::WideLength(destination) > kLongest) {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        ThrowLastErrorAsErrno("Cannot write into ", destination);
+    }
+    PretendedCopy& copy = CurrentRehearsal()->journal.copy;
+    ++copy.files;
+    copy.bytes += static_cast<std::uint64_t>(size.QuadPart);
+    if (copy.room && copy.bytes > *copy.room)
+        throw ZEPInsExceptionErrno("Cannot write into " + destination, ENOSPC);
+}
+
+void PretendToCreateParent(const std::string& path) {
+    const Path parent = Parent(Path(path));
+    if (!IsEmpty(parent)) PretendToCreateDir(parent.Text());
+}
+
+void PretendToCopyTree(const std::string& source, const std::string& destination) {
+    const auto entries = DirectoryEnumerator::Open(source, DirectoryEnumerator::kEverything);
+    if (entries->AtEnd()) PretendToCreateDir(destination);
+    for (; !entries->AtEnd(); entries->Next()) {
+        const std::string target = destination + kBackslash + entries->Name();
+        if (IsDirectory(entries->Type())) {
+            PretendToCopyTree(entries->FullPath(), target);
+            continue;
+        }
+        PretendToCreateParent(target);
+        PretendToCopyFile(entries->FullPath(), target);
+    }
+}
+
+}  // namespace
+
+void Copy(const std::string& source, const std::string& destination) {
+    if (source.empty()) throw ZEPInsException("Copy - empty source path");
+    if (destination.empty()) throw ZEPInsException("Copy - empty destination path");
+    PretendedCopy& copy = CurrentRehearsal()->journal.copy;
+    if (!copy.room) copy.room = RoomAt(destination);
+    if (IsDirectory(GetType(source))) {
+        PretendToCopyTree(source, destination);
+    } else {
+        PretendToCreateParent(destination);
+        PretendToCopyFile(source, destination);
+    }
+}
+
+}  // namespace launcher

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tools/mediatool/findings.h"
+#include "tools/mediatool/launcher_view.h"
+
+namespace launcher::mediatool {
+
+struct ValidateRequest {
+    std::vector<std::string> folders;
+    std::string temp;
+    std::function<void(std::size_t entries)> progress;
+};
+
+struct Validation {
+    std::vector<std::string> media;  // the folders, absolute
+    LauncherView view;
+    Findings findings;
+};
+
+// Looks for mistakes in a media. Throws BadInput.
+Validation Validate(const ValidateRequest& request);
+
+}  // namespace launcher::mediatool
