@@ -1,0 +1,205 @@
+#include "tests/soak/worker.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <sstream>
+
+#include "tests/soak/interruption.h"
+#include "tests/soak/processes.h"
+#include "tests/support/temporary_folder.h"
+
+namespace launcher::soak {
+
+namespace stdfs = std::filesystem;
+using test::LauncherProcess;
+using test::LauncherRun;
+
+namespace {
+
+constexpr int kMostRepeats = 3;
+
+// Wine now and then fails to create a process with error 1359, whoever asks.
+bool StumbledOverWine(const std::vector<std::string>& boxes) {
+    return std::ranges::any_of(boxes, [](const std::string& text) {
+        return text.starts_with("Setup failed to create process\n") &&
+               text.find("\nrc=1359\n") != std::string::npos;
+    });
+}
+
+struct WineStumble {};
+
+const Situation& Choose(Random& random) {
+    std::vector<int> weights;
+    for (const Situation& situation : Situations())
+        weights.push_back(situation.weight);
+    return Situations()[std::discrete_distribution<std::size_t>(weights.begin(),
+                                                                weights.end())(random)];
+}
+
+std::vector<stdfs::path> FoldersIn(const stdfs::path& folder) {
+    std::vector<stdfs::path> folders;
+    for (const auto& entry : stdfs::directory_iterator(folder))
+        folders.push_back(entry.path());
+    return folders;
+}
+
+// What was terminated may still be on its way out.
+std::vector<std::string> LeftRunning(const stdfs::path& folder) {
+    for (int i = 0; i < 500; ++i) {
+        if (RunningBelow(folder).empty()) return {};
+        Sleep(10);
+    }
+    return RunningBelow(folder);
+}
+
+}  // namespace
+
+std::optional<int> Soak::NextRun() {
+    const int run = ++next_;
+    if (run > runs_) return std::nullopt;
+    if (run % 50 == 0) std::printf("run %d of %d\n", run, runs_);
+    return run;
+}
+
+Random Soak::RandomOf(int run) const {
+    std::seed_seq seed{seed_, static_cast<unsigned>(run)};
+    return Random(seed);
+}
+
+void Soak::Count(const std::string& situation, const Tally& tally) {
+    const std::lock_guard lock(counting_);
+    Tally& sum = tallies_[situation];
+    sum.runs += tally.runs;
+    sum.right += tally.right;
+    sum.interrupted += tally.interrupted;
+    sum.completeCopies += tally.completeCopies;
+    sum.partialCopies += tally.partialCopies;
+}
+
+void Soak::Report(int run, const std::string& situation, const std::vector<std::string>& problems,
+                  const std::string& details) {
+    const std::lock_guard lock(counting_);
+    std::printf("WRONG: run %d of seed %u, %s\n", run, seed_, situation.c_str());
+    for (const std::string& problem : problems)
+        std::printf("  %s\n", problem.c_str());
+    std::printf("  (%s)\n", details.c_str());
+}
+
+Worker::Worker(Soak& soak, const stdfs::path& folder)
+    : soak_(soak), folder_(folder), work_(folder / "work"), media_(folder) {
+    stdfs::create_directories(work_);
+}
+
+void Worker::Work() {
+    while (const std::optional<int> run = soak_.NextRun()) {
+        Random random = soak_.RandomOf(*run);
+        const Situation& situation = Choose(random);
+        Outcome outcome;
+        try {
+            outcome = Play(situation.make(media_, random), random);
+        } catch (const std::exception& failure) {
+            outcome.problems.push_back(failure.what());
+        }
+        for (const std::string& program : LeftRunning(folder_))
+            outcome.problems.push_back("still running: " + program);
+        outcome.tally.runs = 1;
+        outcome.tally.right = outcome.problems.empty();
+        soak_.Count(situation.name, outcome.tally);
+        if (!outcome.problems.empty())
+            soak_.Report(*run, situation.name, outcome.problems, outcome.details);
+    }
+}
+
+Worker::Outcome Worker::Play(const Scene& scene, Random& random) {
+    if (scene.before) scene.before();
+    for (int repeats = 0;; ++repeats) {
+        try {
+            Outcome outcome = PlayOnce(scene, random);
+            if (scene.after) scene.after();
+            return outcome;
+        } catch (const WineStumble&) {
+            soak_.CountRepeat();
+            if (repeats == kMostRepeats) return {{"Wine cannot create a process"}, {}, {}};
+        }
+    }
+}
+
+Worker::Outcome Worker::PlayOnce(const Scene& scene, Random& random) {
+    test::LauncherStart start = scene.start;
+    start.workFolder = work_;
+    std::unique_ptr<LauncherProcess> process;
+    {
+        const std::lock_guard lock(soak_.Starting());
+        process = std::make_unique<LauncherProcess>(start);
+    }
+    const bool isInCopy =
+        scene.interruption != Interruption::None && WaitIntoCopy(*process, work_ / "temp", random);
+    if (isInCopy && scene.interruption == Interruption::Killed) {
+        process.reset();
+        return JudgeKilled();
+    }
+    LauncherRun run;
+    bool isHidden = false;
+    if (isInCopy) {
+        const HiddenFolder hidden(scene.media->Root(), *process);
+        isHidden = hidden.IsHidden();
+        run = process->Finish();
+    } else {
+        run = process->Finish();
+    }
+    process.reset();
+    if (StumbledOverWine(run.BoxTexts())) throw WineStumble();
+    return JudgeHidden(scene, run, isHidden);
+}
+
+// It is whole when it has its script, and otherwise what a killed run leaves.
+Worker::Outcome Worker::JudgeKilled() const {
+    Outcome outcome;
+    if (const auto left = LeftRunning(folder_); !left.empty()) return {left, "after a kill", {}};
+    const std::vector<stdfs::path> copies = FoldersIn(work_ / "temp");
+    if (copies.size() != 1) outcome.problems.push_back("no temporary folder of its own");
+    for (const stdfs::path& copy : copies) {
+        const bool isWhole = stdfs::exists(copy / "remove.bat");
+        ++(isWhole ? outcome.tally.completeCopies : outcome.tally.partialCopies);
+        outcome.tally.interrupted += !isWhole;
+    }
+    return outcome;
+}
+
+// Either it had all it needs from the media, or it says what it could not read.
+Worker::Outcome Worker::JudgeHidden(const Scene& scene, const LauncherRun& run,
+                                    bool isHidden) const {
+    const std::vector<std::string> boxes = run.BoxTexts();
+    if (!isHidden || boxes.empty()) return JudgeRun(run, scene.expected, *scene.media);
+    Expectation failed = scene.expected;
+    failed.exitCode = 1;
+    failed.startsInstaller = false;
+    failed.copying = Copying::Failed;
+    failed.errors.clear();
+    const std::string place = scene.media->Text() + "\\";
+    std::string text = "Cannot stat " + place;
+    for (const char* const other : {"Cannot read ", "GetType - "})
+        if (boxes.back().starts_with(other)) text = other + place;
+    failed.boxes = {{text, false}};
+    Outcome outcome = JudgeRun(run, failed, *scene.media);
+    outcome.tally.interrupted = 1;
+    return outcome;
+}
+
+Worker::Outcome Worker::JudgeRun(const LauncherRun& run, const Expectation& expected,
+                                 const test::Media& media) const {
+    Outcome outcome;
+    outcome.problems = Problems(run, expected, media);
+    outcome.tally.completeCopies = expected.copying == Copying::Complete;
+    outcome.tally.partialCopies = expected.copying == Copying::Failed;
+    std::ostringstream details;
+    test::PrintTo(run, &details);
+    outcome.details = details.str();
+    return outcome;
+}
+
+}  // namespace launcher::soak
