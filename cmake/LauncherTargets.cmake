@@ -31,6 +31,8 @@ else()
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_INTERPROCEDURAL_OPTIMIZATION)
     # The launcher is optimised as a whole; tests link the same objects without, in a moment.
     list(APPEND mingw_options -ffat-lto-objects)
+    # In one piece: GCC 12 can fail with an internal error when it divides the work.
+    target_link_options(launcher_settings INTERFACE -flto-partition=one)
   endif()
   target_compile_options(launcher_settings INTERFACE "$<${is_cxx}:${mingw_options}>")
   add_compile_options("$<${is_cxx}:-ffunction-sections;-fdata-sections>")

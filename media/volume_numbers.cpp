@@ -1,8 +1,9 @@
 #include "media/volume_numbers.h"
 
 #include <algorithm>
-#include <set>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 #include "fs/directory_enumerator.h"
 
@@ -40,21 +41,33 @@ std::string ListableText(const Path& folder) {
     return IsEmpty(folder) ? "\\." : folder.Text();
 }
 
+// The numbers from `first` to `last` among the folder's entries, in order; nothing when it cannot
+// be listed.
+std::optional<std::vector<VolumeNumber>> ListedNumbers(const Path& folder, VolumeNumber first,
+                                                       VolumeNumber last,
+                                                       const std::string& suffix) {
+    const auto entries =
+        DirectoryEnumerator::Open(ListableText(folder), DirectoryEnumerator::kEverything);
+    if (entries->AtEnd()) return std::nullopt;
+    std::vector<VolumeNumber> numbers;
+    for (; !entries->AtEnd(); entries->Next()) {
+        const VolumeNumber number = NumberOfEntry(entries->Name(), suffix);
+        if (number >= first && number <= last) numbers.push_back(number);
+    }
+    std::ranges::sort(numbers);
+    // Twice the same only where names differ in nothing but case.
+    numbers.erase(std::ranges::unique(numbers).begin(), numbers.end());
+    return numbers;
+}
+
 }  // namespace
 
 void ForEachVolumeNumber(const Path& folder, VolumeNumber first, VolumeNumber last,
                          const std::string& suffix,
                          const std::function<void(VolumeNumber)>& visit) {
     if (last - first >= kOrdinaryCount) {
-        const auto entries =
-            DirectoryEnumerator::Open(ListableText(folder), DirectoryEnumerator::kEverything);
-        if (!entries->AtEnd()) {
-            std::set<VolumeNumber> numbers;
-            for (; !entries->AtEnd(); entries->Next()) {
-                const VolumeNumber number = NumberOfEntry(entries->Name(), suffix);
-                if (number >= first && number <= last) numbers.insert(number);
-            }
-            std::ranges::for_each(numbers, visit);
+        if (const auto numbers = ListedNumbers(folder, first, last, suffix)) {
+            std::ranges::for_each(*numbers, visit);
             return;
         }
     }
