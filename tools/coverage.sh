@@ -24,7 +24,7 @@ if [ $run_tests = yes ]; then
     command -v gcovr >/dev/null || tools/install-tools.sh gcovr
     cmake --preset mingw-debug -B "$build" -DCMAKE_PROJECT_INCLUDE="$PWD/tools/coverage.cmake" \
         -DCOVERAGE_DATA="$data" >/dev/null
-    cmake --build "$build"
+    cmake --build "$build" -j "${JOBS:-$(nproc)}"
     rm -rf "$data"
     mkdir -p "$data"
     ctest --test-dir "$build" -j "$(nproc)" --output-on-failure "$@" || echo "some tests failed" >&2

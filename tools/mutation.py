@@ -88,7 +88,8 @@ class Runner:
     def measure(self, tree):
         """How long each program takes, and which tests fail without any change."""
         self.seconds, self.skipped = {}, {}
-        for program in tree.programs():
+        programs = tree.all_programs() if self.arguments.until == "all" else tree.programs()
+        for program in programs:
             self.skipped[program] = []
             while True:
                 start = time.monotonic()
@@ -162,7 +163,7 @@ class Runner:
         trees = [Tree(REPOSITORY, Path(self.arguments.folder) / f"worker{i + 1}")
                  for i in range(self.arguments.workers)]
         for tree in trees:
-            tree.prepare()
+            tree.prepare(layers_only=self.arguments.until != "all")
         self.measure(trees[0])
         self.judged = 0
         threads = [threading.Thread(target=self.work, args=(tree, waiting)) for tree in trees]

@@ -33,8 +33,8 @@ class Tree:
 
     # --- making it
 
-    def prepare(self):
-        """Copies what has changed, builds all of it and keeps the result to go back to."""
+    def prepare(self, layers_only):
+        """Copies what has changed, builds it and keeps the result to go back to."""
         self.copy_sources()
         if not (self.build_folder / "build.ninja").exists():
             launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
@@ -42,7 +42,7 @@ class Tree:
             # change is no mistake of style.
             self.call(["cmake", "--preset", "mingw-debug", "-B", self.build_folder,
                        "-DCMAKE_CXX_FLAGS=-w", "-DCMAKE_CXX_FLAGS_DEBUG=-O0", *launcher])
-        if not self.build([]):
+        if not self.build(self.programs() if layers_only else []):
             raise Failure("the sources do not build as they are:\n" + self.output[-4000:])
         self.take_snapshot()
 
@@ -108,7 +108,7 @@ class Tree:
     def build(self, targets):
         """False when something does not build; `output` says what."""
         try:
-            self.call(["cmake", "--build", self.build_folder, "-j", "2"] +
+            self.call(["cmake", "--build", self.build_folder, "-j", "4"] +
                       [part for target in targets for part in ("--target", target)])
         except Failure:
             return False
@@ -117,9 +117,12 @@ class Tree:
     # --- testing it
 
     def programs(self):
-        """All test programs, by their path in the build folder."""
-        return sorted(str(path.relative_to(self.build_folder))
-                      for path in (self.build_folder / "tests").rglob("*_test.exe"))
+        """The test programs of the layers, by their path in the build folder."""
+        return [program for program in self.all_programs() if program.split("/")[1] in PRODUCT]
+
+    def all_programs(self):
+        self.call(["ninja", "-C", self.build_folder, "-t", "targets", "all"])
+        return sorted(re.findall(r"^(tests/\S+_test\.exe):", self.output, re.MULTILINE))
 
     def was_rebuilt(self, program):
         status = (self.build_folder / program).stat()
