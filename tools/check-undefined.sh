@@ -1,0 +1,70 @@
+#!/bin/sh
+# Runs the tests of the layers with everything that this toolchain can check at run time: traps for
+# undefined behaviour, the standard library's assertions, and Wine's checks of the heap (overruns,
+# use after release, double release).
+#
+#   check-undefined.sh [PROGRAM...]      names of test programs, "fs_test"; all without
+#
+# First, three small programs with such faults show that each check works.
+set -eu
+cd "$(dirname "$0")/.."
+build=$PWD/build/undefined
+prefix=$build/wine-prefix
+flags="-fsanitize=undefined -fsanitize-undefined-trap-on-error -D_GLIBCXX_ASSERTIONS"
+
+# Warnings are for the ordinary builds: the checks make the compiler see faults in its own library.
+cmake --preset mingw-debug -B "$build" -DCMAKE_CXX_FLAGS="$flags -w" >/dev/null
+cmake --build "$build"
+
+# The heap is checked for the programs that the registry names.
+check_heap_of() {
+    printf 'REGEDIT4\n\n'
+    for program in "$@"; do
+        printf '[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\CurrentVersion\\'
+        printf 'Image File Execution Options\\%s]\n"GlobalFlag"=dword:000000f0\n\n' "$(basename "$program")"
+    done
+}
+
+programs=$(find "$build"/tests/fs "$build"/tests/platform "$build"/tests/launcher \
+    "$build"/tests/media "$build"/tests/installer -name "*.exe" | sort)
+samples=$build/samples
+mkdir -p "$samples"
+cp tools/undefined_sample.cpp "$samples/sample.cpp"
+# shellcheck disable=SC2086  # lists of flags and of programs
+x86_64-w64-mingw32-g++-posix -std=c++20 $flags -static -o "$samples/sample.exe" \
+    "$samples/sample.cpp"
+# shellcheck disable=SC2086
+check_heap_of "$samples/sample.exe" $programs >"$build/heap.reg"
+export WINEDEBUG="-all,err+heap,warn+heap"
+tools/wine-run.sh "$prefix" regedit "$(printf 'Z:%s' "$build/heap.reg" | tr / '\\')"
+
+# Passes when the program ends well and the heap has nothing to say.
+passes() {
+    log=$1
+    shift
+    tools/wine-run.sh "$prefix" "$@" >"$log" 2>&1 && ! grep -q ':heap:' "$log"
+}
+
+for fault in none overflow index heap; do
+    expected=caught
+    [ $fault != none ] || expected=passed
+    found=caught
+    if passes "$samples/$fault.log" "$samples/sample.exe" $fault; then found=passed; fi
+    echo "sample with fault \"$fault\": $found"
+    [ $found = $expected ] || exit 1
+done
+
+failed=""
+for program in $programs; do
+    name=$(basename "$program" .exe)
+    case $name in *_test) ;; *) continue ;; esac
+    case " $* " in "  " | *" $name "*) ;; *) continue ;; esac
+    if passes "$build/$name.log" "$program" --gtest_brief=1; then
+        echo "$name: $(tail -n 1 "$build/$name.log")"
+    else
+        grep -E ':heap:|FAILED|Failure' "$build/$name.log" | head -n 20
+        echo "$name: FAILED, see $build/$name.log"
+        failed="$failed $name"
+    fi
+done
+[ -z "$failed" ]

@@ -1,0 +1,46 @@
+#!/bin/sh
+# Lines and branches of the product that the tests reach, under Wine.
+#
+#   coverage.sh [--no-tests] [CTEST-ARGUMENT...]
+#
+# Builds everything in build/coverage with counting product code, runs all tests (or those that
+# ctest's arguments choose), prints a table by folder and what was not reached, and writes an HTML
+# report, build/coverage/report/index.html. With --no-tests it reports what earlier runs counted.
+#
+# Branches that only an exception from a call would take, and those that the compiler adds for
+# clean-up, are left out. A process that ends by abort or a crash loses its counts.
+set -eu
+cd "$(dirname "$0")/.."
+build=$PWD/build/coverage
+data=$build/counts
+
+run_tests=yes
+if [ "${1-}" = --no-tests ]; then
+    run_tests=no
+    shift
+fi
+
+if [ $run_tests = yes ]; then
+    command -v gcovr >/dev/null || tools/install-tools.sh gcovr
+    cmake --preset mingw-debug -B "$build" -DCMAKE_PROJECT_INCLUDE="$PWD/tools/coverage.cmake" \
+        -DCOVERAGE_DATA="$data" >/dev/null
+    cmake --build "$build" -j "${JOBS:-$(nproc)}"
+    rm -rf "$data"
+    mkdir -p "$data"
+    ctest --test-dir "$build" -j "$(nproc)" --output-on-failure "$@" || echo "some tests failed" >&2
+fi
+
+# "#" stands for "/": each count belongs beside the notes that the compiler left.
+find "$build" -name "*.gcda" ! -path "$data/*" -delete
+for file in "$data"/*.gcda; do
+    cp "$file" "$(basename "$file" | tr '#' /)"
+done
+
+mkdir -p "$build/report"
+gcovr --root . --gcov-executable x86_64-w64-mingw32-gcov-posix --object-directory "$build" \
+    --filter 'fs/' --filter 'platform/' --filter 'launcher/' --filter 'media/' \
+    --filter 'installer/' --exclude launcher/mingw_runtime.cpp \
+    --exclude-throw-branches --exclude-unreachable-branches \
+    --html-details "$build/report/index.html" --json "$build/report/coverage.json" \
+    -j "$(nproc)" "$build" >/dev/null
+python3 tools/coverage_table.py "$build/report/coverage.json"
