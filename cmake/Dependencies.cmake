@@ -64,3 +64,10 @@ function(provide_nlohmann_json)
     https://github.com/nlohmann/json/releases/download/v3.11.3/json.tar.xz
     d6c65aca6b1ed68e7a182f4757257b107ae403032760ed6ef121c9d55e81757d)
 endfunction()
+
+# provide_valijson(): valijson, for tests; only where the system has its headers
+function(provide_valijson)
+  if(IS_DIRECTORY /usr/include/valijson)
+    provide_headers(valijson valijson valijson "" "")
+  endif()
+endfunction()
