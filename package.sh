@@ -1,6 +1,6 @@
 #!/bin/sh
 # Builds the release folder dist/media-launcher-VERSION: the launcher for 64-bit and 32-bit Windows,
-# its documentation, checksums, and the versions of the tools that made it. The same sources and
+# mediatool for 64-bit Windows, their documentation, checksums, and the versions of the tools that made it. The same sources and
 # tools give the same bytes, whatever the folder.
 #
 #   package.sh                  leaves the launchers unsigned
@@ -30,10 +30,17 @@ build() {
 }
 build mingw x64
 build mingw32 x86
-[ $# = 0 ] || sign "$@" "$here/$release/x64/setup.exe" "$here/$release/x86/setup.exe"
+
+# In a build of its own: the launcher's is that of anybody who does not want the tool.
+cmake --preset mingw -B build/package-tools -DLAUNCHER_BUILD_TESTS=OFF -DLAUNCHER_BUILD_TOOLS=ON \
+    >/dev/null
+cmake --build build/package-tools --target mediatool
+install -D -m 755 build/package-tools/tools/mediatool/mediatool.exe "$release/mediatool.exe"
+[ $# = 0 ] || sign "$@" "$here/$release/x64/setup.exe" "$here/$release/x86/setup.exe" \
+    "$here/$release/mediatool.exe"
 
 cp README.md "$release"
-cp docs/*.md "$release/docs"
+cp docs/*.md docs/*.json "$release/docs"
 cp -r docs/images "$release/docs"
 
 {
@@ -54,4 +61,5 @@ mv "$release" "dist/media-launcher-$version"
 release=dist/media-launcher-$version
 trap - EXIT
 echo "$release:"
+echo "mediatool.exe has $(stat -c %s "$release/mediatool.exe") bytes"
 cat "$release/SHA256SUMS"

@@ -6,7 +6,7 @@
 set -eu
 
 packages="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix cmake ninja-build
-    wine wine64 googletest $*"
+    wine wine64 googletest libcli11-dev nlohmann-json3-dev libvalijson-dev $*"
 
 missing=""
 for package in $packages; do

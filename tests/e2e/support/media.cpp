@@ -7,6 +7,7 @@
 
 #include "tests/e2e/support/wine.h"
 #include "tests/support/temporary_folder.h"
+#include "tools/mediatool/markers.h"
 
 namespace launcher::test {
 
@@ -63,7 +64,7 @@ Media& Media::AddMarker(const std::string& osFolder) {
 
 Media& Media::MakeSplit(int volumeCount, const std::string& id) {
     WriteVolumeMarker(root_, 1, id);
-    return AddFile("inst/volumes.txt", std::to_string(volumeCount) + "\r\n");
+    return AddFile("inst/volumes.txt", mediatool::CountFileText(volumeCount));
 }
 
 Media& Media::AddFile(std::string_view relative, std::string_view content) {
@@ -96,7 +97,7 @@ void CopyStandIn(const stdfs::path& destination) {
 }
 
 void WriteVolumeMarker(const stdfs::path& folder, int number, const std::string& id) {
-    WriteBelow(folder, std::to_string(number) + ".txt", "MTBDIR=" + id + "\r\n");
+    WriteBelow(folder, mediatool::MarkerName(number), mediatool::MarkerText(id));
 }
 
 }  // namespace launcher::test
