@@ -3,16 +3,16 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "fs/copy.h"
 #include "fs/file_type.h"
-#include "tests/fs/file_test.h"
-#include "tests/fs/throws.h"
+#include "tests/support/file_test.h"
 #include "tests/support/hook.h"
+#include "tests/support/links.h"
+#include "tests/support/throws.h"
 
 namespace launcher {
 namespace {
@@ -25,30 +25,18 @@ using testing::IsEmpty;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 
-// Everything below a folder: the relative path and the content of each file, of each folder "/".
-using Tree = std::map<std::string, std::string>;
-
-Tree TreeBelow(const std::filesystem::path& root) {
-    Tree tree;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
-        const std::string name = test::ToUtf8(entry.path().lexically_relative(root));
-        tree[name] = entry.is_directory() ? "/" : test::ReadFile(entry.path());
-    }
-    return tree;
-}
-
 class CopyDirectoryTest : public test::FileTest {
   protected:
     void CopyTree() const { CopyDirectory(folder_.Text("from"), folder_.Text("to")); }
-    Tree Original() const { return TreeBelow(folder_.Dir() / "from"); }
-    Tree Copied() const { return TreeBelow(folder_.Dir() / "to"); }
+    test::Tree Original() const { return test::TreeBelow(folder_.Dir() / "from"); }
+    test::Tree Copied() const { return test::TreeBelow(folder_.Dir() / "to"); }
 };
 
 TEST_F(CopyDirectoryTest, MakesAnEmptyFolderOfAnEmptyOne) {
     folder_.MakeDir("from");
     CopyDirectory(folder_.Text("from"), folder_.Text("deep\\to"));
     EXPECT_EQ(GetType(folder_.Text("deep\\to")), FileType::Directory);
-    EXPECT_THAT(TreeBelow(folder_.Dir() / "deep" / "to"), IsEmpty());
+    EXPECT_THAT(test::TreeBelow(folder_.Dir() / "deep" / "to"), IsEmpty());
 }
 
 TEST_F(CopyDirectoryTest, MakesBothLevelsOfAnEmptyFolderInAFolder) {
@@ -63,14 +51,16 @@ TEST_F(CopyDirectoryTest, MakesAnEmptyFolderOfOneThatCannotBeListed) {
 
     folder_.Write("from\\locked\\file");
     folder_.Write("from\\open", "content");
-    const Hook<decltype(&FindFirstFileW)> locked(
-        "FindFirstFileW", [](auto real, LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
-            if (!std::wstring_view(pattern).ends_with(L"from\\locked\\*"))
-                return real(pattern, data);
-            SetLastError(ERROR_ACCESS_DENIED);
-            return INVALID_HANDLE_VALUE;
-        });
-    CopyTree();
+    {
+        const Hook<decltype(&FindFirstFileW)> locked(
+            "FindFirstFileW", [](auto real, LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
+                if (!std::wstring_view(pattern).ends_with(L"from\\locked\\*"))
+                    return real(pattern, data);
+                SetLastError(ERROR_ACCESS_DENIED);
+                return INVALID_HANDLE_VALUE;
+            });
+        CopyTree();
+    }
     EXPECT_THAT(Copied(), ElementsAre(Pair("locked", "/"), Pair("open", "content")));
 }
 
@@ -85,31 +75,17 @@ TEST_F(CopyDirectoryTest, CopiesATreeOfEveryKindOfName) {
     EXPECT_EQ(Copied().size(), 10u);
 }
 
-TEST_F(CopyDirectoryTest, GoesDeep) {
+TEST_F(CopyDirectoryTest, GoesDeepAndFar) {
     std::string path = "from";
     for (int level = 0; level < 30; ++level) {
         path += "\\d";
         folder_.Write(path + "\\f", std::to_string(level));
     }
+    for (int file = 0; file < 300; ++file)
+        folder_.Write("from\\" + std::to_string(file), std::to_string(file));
     CopyTree();
     EXPECT_EQ(Copied(), Original());
-    EXPECT_EQ(Copied().size(), 60u);
-}
-
-TEST_F(CopyDirectoryTest, CopiesTwoThousandFiles) {
-    Tree original;
-    for (int folder = 0; folder < 20; ++folder) {
-        const std::string name = std::to_string(folder);
-        folder_.MakeDir("from\\" + name);
-        original[name] = "/";
-        for (int file = 0; file < 100; ++file) {
-            const std::string path = name + "\\" + std::to_string(file);
-            test::WriteFile(folder_.Dir() / "from" / path, path);
-            original[path] = path;
-        }
-    }
-    CopyTree();
-    EXPECT_TRUE(Copied() == original);
+    EXPECT_EQ(Copied().size(), 360u);
 }
 
 TEST_F(CopyDirectoryTest, OverwritesSameNamesAndLeavesOthersAlone) {
@@ -130,33 +106,36 @@ TEST_F(CopyDirectoryTest, OverwritesSameNamesAndLeavesOthersAlone) {
 
 TEST_F(CopyDirectoryTest, CopiesWhatLinksToFilesHold) {
     folder_.Write("from\\link", "content");
-    const Hook<decltype(&FindFirstFileW)> linked(
-        "FindFirstFileW", [](auto real, LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
-            const HANDLE search = real(pattern, data);
-            while (std::wstring_view(data->cFileName) != L"link" && FindNextFileW(search, data)) {
-            }
-            data->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
-            return search;
-        });
-    CopyTree();
-    EXPECT_EQ(test::ReadFile(folder_.Dir() / "to" / "link"), "content");
+    {
+        const Hook<decltype(&FindFirstFileW)> linked(
+            "FindFirstFileW", [](auto real, LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
+                const HANDLE search = real(pattern, data);
+                while (std::wstring_view(data->cFileName) != L"link" &&
+                       FindNextFileW(search, data)) {
+                }
+                data->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+                return search;
+            });
+        CopyTree();
+    }
+    EXPECT_THAT(Copied(), ElementsAre(Pair("link", "content")));
 }
 
 TEST_F(CopyDirectoryTest, EndsAtTheFirstFailureAndKeepsWhatItCopied) {
     for (const char* const name : {"from\\1", "from\\a\\2", "from\\a\\3", "from\\a\\b\\4"})
         folder_.Write(name, "content");
     int searches = 0;
-    const Hook<decltype(&FindFirstFileW)> opened(
-        "FindFirstFileW", [&](auto real, LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
-            ++searches;
-            return real(pattern, data);
-        });
-    const Hook<decltype(&FindClose)> closed("FindClose", [&](auto real, HANDLE search) {
-        --searches;
-        return real(search);
-    });
     int writes = 0;
     {
+        const Hook<decltype(&FindFirstFileW)> opened(
+            "FindFirstFileW", [&](auto real, LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
+                ++searches;
+                return real(pattern, data);
+            });
+        const Hook<decltype(&FindClose)> closed("FindClose", [&](auto real, HANDLE search) {
+            --searches;
+            return real(search);
+        });
         const Hook<decltype(&WriteFile)> full(
             "WriteFile", [&](auto real, HANDLE file, LPCVOID buffer, DWORD size, LPDWORD count,
                              LPOVERLAPPED overlapped) {
@@ -192,6 +171,19 @@ TEST_F(CopyDirectoryTest, ReportsAFileWhereAFolderShouldBe) {
 TEST_F(CopyDirectoryTest, ThrowsForAnEmptySource) {
     EXPECT_THAT([&] { CopyDirectory("", folder_.Text("to")); },
                 Throws("FindFirstFile - Path is empty"));
+}
+
+// A link of the host costs this process a handle under Wine: no FileTest.
+TEST(CopyDirectory, FollowsLinksToFolders) {
+    const test::TemporaryFolder folder;
+    folder.Write("elsewhere\\deep\\file", "content");
+    folder.MakeDir("from");
+    const test::FolderLink inside(folder.Dir() / "from" / "link", folder.Dir() / "elsewhere");
+    const test::FolderLink outside(folder.Dir() / "source", folder.Dir() / "from");
+    Copy(folder.Text("source"), folder.Text("to"));
+    EXPECT_EQ(GetType(folder.Text("to")), FileType::Directory);
+    EXPECT_EQ(GetType(folder.Text("to\\link")), FileType::Directory);
+    EXPECT_EQ(test::ReadFile(folder.Dir() / "to\\link\\deep\\file"), "content");
 }
 
 }  // namespace

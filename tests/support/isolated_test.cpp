@@ -1,4 +1,4 @@
-#include "tests/launcher/isolated_test.h"
+#include "tests/support/isolated_test.h"
 
 #include <windows.h>
 
@@ -22,7 +22,9 @@ std::map<std::wstring, std::wstring> ReadEnvironment() {
 
 }  // namespace
 
-IsolatedTest::IsolatedTest() : environment_(ReadEnvironment()) {}
+IsolatedTest::IsolatedTest() : environment_(ReadEnvironment()) {
+    journal.clear();
+}
 
 IsolatedTest::~IsolatedTest() {
     for (const auto& [name, value] : ReadEnvironment())

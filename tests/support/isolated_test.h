@@ -5,9 +5,12 @@
 #include <map>
 #include <string>
 
+#include "tests/support/journal.h"
+
 namespace launcher::test {
 
-// A test that may change the process environment: what it changed is undone at its end.
+// A test that begins with an empty journal and may change the process environment: what it changed
+// is undone at its end.
 class IsolatedTest : public testing::Test {
   protected:
     IsolatedTest();

@@ -1,4 +1,4 @@
-#include "tests/support/import_patch.h"
+#include "tests/support/hook.h"
 
 #include <windows.h>
 

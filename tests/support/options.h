@@ -12,7 +12,7 @@ namespace launcher::test {
 using Fields = std::map<std::string, std::string>;
 Fields FieldsOf(const LaunchOptions& options);
 
-// The record for the arguments (UTF-8) behind the program's name. The last two are the defaults
+// The record for the arguments (UTF-8) after the program's name. The last two are the defaults
 // of `useGui` and `wait`; the process entry gives true and false.
 LaunchOptions ParseOptions(const std::vector<std::string>& arguments, bool useGui = true,
                            bool wait = false);

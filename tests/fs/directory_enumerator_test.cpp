@@ -3,13 +3,14 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <cwchar>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "tests/fs/file_test.h"
-#include "tests/fs/throws.h"
+#include "tests/support/file_test.h"
 #include "tests/support/hook.h"
+#include "tests/support/throws.h"
 
 namespace launcher {
 namespace {
@@ -40,7 +41,7 @@ class FakeListing {
             return FALSE;
         }
         data->dwFileAttributes = entries_[next_].attributes;
-        wcscpy(data->cFileName, entries_[next_].name);
+        std::wmemcpy(data->cFileName, entries_[next_].name, std::wcslen(entries_[next_].name) + 1);
         ++next_;
         return TRUE;
     }
@@ -76,15 +77,11 @@ std::vector<std::string> Names(const std::string& folder, std::uint32_t filter) 
 
 class DirectoryEnumeratorTest : public test::FileTest {};
 
-TEST_F(DirectoryEnumeratorTest, IsAtItsEndInAnEmptyFolder) {
-    EXPECT_TRUE(DirectoryEnumerator::Open(folder_.Text(), 3)->AtEnd());
-}
-
 TEST_F(DirectoryEnumeratorTest, IsAtItsEndWhereNothingCanBeListed) {
     const std::string file = folder_.Write("file");
-    EXPECT_TRUE(DirectoryEnumerator::Open(folder_.Text("missing"), 3)->AtEnd());
-    EXPECT_TRUE(DirectoryEnumerator::Open(file, 3)->AtEnd());
-    EXPECT_TRUE(DirectoryEnumerator::Open("B:", 3)->AtEnd());
+    const std::string empty = folder_.MakeDir("empty");
+    for (const std::string& path : {empty, file, folder_.Text("missing"), std::string("B:")})
+        EXPECT_TRUE(DirectoryEnumerator::Open(path, 3)->AtEnd()) << path;
 }
 
 TEST_F(DirectoryEnumeratorTest, ThrowsForAnEmptyPath) {
@@ -136,26 +133,15 @@ std::vector<FakeListing::Entry> OneOfEachKind() {
             {L"last", FILE_ATTRIBUTE_ARCHIVE}};
 }
 
-TEST_F(DirectoryEnumeratorTest, ListsEverythingInTheSystemsOrder) {
-    const FakeListing listing(OneOfEachKind());
-    EXPECT_THAT(Names("C:\\x", DirectoryEnumerator::kEverything),
-                ElementsAre("file", "folder", "file link", "folder link", "...", "last"));
-}
-
-TEST_F(DirectoryEnumeratorTest, ListsFilesAndLinksToFilesAlone) {
-    const FakeListing listing(OneOfEachKind());
-    EXPECT_THAT(Names("C:\\x", DirectoryEnumerator::kFiles),
-                ElementsAre("file", "file link", "last"));
-}
-
-// An entry's type and the filter need share only one bit.
-TEST_F(DirectoryEnumeratorTest, TakesAnyFilterAsABitSet) {
+// In the system's order. An entry's type and the filter need share only one bit.
+TEST_F(DirectoryEnumeratorTest, ListsWhatTheFilterAccepts) {
     const auto listed = [](std::uint32_t filter) {
         const FakeListing listing(OneOfEachKind());
         return Names("C:\\x", filter);
     };
-    EXPECT_THAT(listed(1), ElementsAre("folder", "folder link", "..."));
-    EXPECT_THAT(listed(4), ElementsAre("file link", "folder link"));
+    EXPECT_THAT(listed(DirectoryEnumerator::kEverything),
+                ElementsAre("file", "folder", "file link", "folder link", "...", "last"));
+    EXPECT_THAT(listed(DirectoryEnumerator::kFiles), ElementsAre("file", "file link", "last"));
     EXPECT_THAT(listed(5), ElementsAre("folder", "file link", "folder link", "..."));
     EXPECT_THAT(listed(0), IsEmpty());
 }
@@ -172,12 +158,9 @@ TEST_F(DirectoryEnumeratorTest, GivesLinksTheirTypes) {
 
 TEST_F(DirectoryEnumeratorTest, ClosesItsSearchOnce) {
     const FakeListing listing(OneOfEachKind());
-    {
-        auto entries = DirectoryEnumerator::Open("C:\\x", 3);
-        EXPECT_EQ(listing.closed, 0);
-        entries.reset();
-        EXPECT_EQ(listing.closed, 1);
-    }
+    auto entries = DirectoryEnumerator::Open("C:\\x", 3);
+    EXPECT_EQ(listing.closed, 0);
+    entries.reset();
     EXPECT_EQ(listing.closed, 1);
 }
 

@@ -1,4 +1,4 @@
-#include "tests/fs/links.h"
+#include "tests/support/links.h"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "tests/launcher/base/options_fields.h"
+#include "tests/support/options.h"
 
 #include "fs/encoding.h"
 

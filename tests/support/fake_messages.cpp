@@ -1,25 +1,16 @@
-#include "tests/launcher/fake_messages.h"
+#include "tests/support/fake_messages.h"
 
 #include <windows.h>
 
 #include "launcher/base/message.h"
-#include "tests/launcher/journal.h"
+#include "tests/support/journal.h"
 
 namespace launcher {
 namespace {
 
 std::string Word(Severity severity) {
-    switch (severity) {
-        case Severity::Info:
-            return "info";
-        case Severity::Warning:
-            return "warning";
-        case Severity::Error:
-            return "error";
-        case Severity::Plain:
-            break;
-    }
-    return "plain";
+    constexpr const char* kWords[] = {"plain", "info", "warning", "error"};
+    return kWords[static_cast<std::size_t>(severity)];
 }
 
 }  // namespace
@@ -34,7 +25,7 @@ void TraceMessage(const LaunchOptions&, const std::string& text, Severity severi
 
 void ReportErrorAndExit(const LaunchOptions& options, const std::string& text) {
     ReportMessage(options, text, Severity::Error, false);
-    throw test::ProcessExit{1};
+    throw test::ProcessExit();
 }
 
 void ReportLastErrorAndExit(const LaunchOptions& options, std::string_view detail,
