@@ -2,14 +2,24 @@
 # Builds the release folder dist/media-launcher-VERSION: the launcher for 64-bit and 32-bit Windows,
 # its documentation, checksums, and the versions of the tools that made it. The same sources and
 # tools give the same bytes, whatever the folder.
+#
+#   package.sh                  leaves the launchers unsigned
+#   package.sh SIGN_OPTION...   signs them: options of tools/sign.sh, --pkcs12 FILE for instance
 set -eu
+caller=$PWD
 cd "$(dirname "$0")"
+here=$PWD
 
+# The files in the options are named from the caller's folder.
+sign() { (cd "$caller" && "$here/tools/sign.sh" "$@"); }
+
+[ $# = 0 ] || sign --check "$@"
 tools/install-tools.sh
 
-version=$(sed -n 's/^project(.* VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
-release=dist/media-launcher-$version
+# Takes its name when it is complete.
+release=dist/unfinished
 rm -rf "$release"
+trap 'rm -rf "$release"' EXIT
 mkdir -p "$release/docs"
 
 # build PRESET FOLDER: the launcher into the release's FOLDER
@@ -20,6 +30,7 @@ build() {
 }
 build mingw x64
 build mingw32 x86
+[ $# = 0 ] || sign "$@" "$here/$release/x64/setup.exe" "$here/$release/x86/setup.exe"
 
 cp README.md "$release"
 cp docs/*.md "$release/docs"
@@ -31,9 +42,16 @@ cp -r docs/images "$release/docs"
         x86_64-w64-mingw32-ld i686-w64-mingw32-ld x86_64-w64-mingw32-windres cmake ninja; do
         echo "$program: $("$program" --version | head -n 1)"
     done
+    [ $# = 0 ] || echo "Signed with $(osslsigncode --version | head -n 1)"
     dpkg-query -W -f '${Package}: ${Version}\n' mingw-w64-common 2>/dev/null || true
 } >"$release/BUILD.txt"
 
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' build/package-mingw/CMakeCache.txt)
+# shellcheck disable=SC2094  # find leaves out what is being written
 (cd "$release" && find . -type f ! -name SHA256SUMS | LC_ALL=C sort | xargs sha256sum >SHA256SUMS)
+rm -rf "dist/media-launcher-$version"
+mv "$release" "dist/media-launcher-$version"
+release=dist/media-launcher-$version
+trap - EXIT
 echo "$release:"
 cat "$release/SHA256SUMS"

@@ -49,8 +49,11 @@ bool IsProcessElevated() {
         ThrowLastError("OpenProcessToken failed.");
     TOKEN_ELEVATION elevation{};
     DWORD length = 0;
-    if (!GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof elevation, &length))
-        ThrowLastError("GetTokenInformation failed.");
+    if (!GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof elevation, &length)) {
+        const DWORD error = GetLastError();
+        token.Reset();  // closed before anything else, in a run that this exception ends
+        throw ZEPInsException("GetTokenInformation failed.", error);
+    }
     return elevation.TokenIsElevated != 0;
 }
 

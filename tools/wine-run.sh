@@ -5,13 +5,20 @@
 #
 # Makes the prefix on the first call (some seconds) and keeps its server for a while after the last
 # program, so that the next ones start warm. Boxes and dialogs work without a display.
+#
+# The prefix is a 64-bit Windows, or a 32-bit one when WINEARCH=win32 asks for it: then the 32-bit
+# Wine has to be installed.
 set -eu
 
 prefix=$1
 shift
 
-WINE=$(command -v wine64 || command -v /usr/lib/wine/wine64 || command -v wine)
-export WINEPREFIX="$prefix" WINEARCH=win64
+export WINEPREFIX="$prefix" WINEARCH="${WINEARCH:-win64}"
+if [ "$WINEARCH" = win32 ]; then
+    WINE=$(command -v wine32 || command -v /usr/lib/wine/wine || command -v wine)
+else
+    WINE=$(command -v wine64 || command -v /usr/lib/wine/wine64 || command -v wine)
+fi
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml,winedbg.exe,winemenubuilder.exe=}"
 

@@ -27,6 +27,25 @@ TEST_F(Administrator, RefusalComesLastAndUndoesNothing) {
     EXPECT_EQ(run.LeftInTemp().size(), 1u);
 }
 
+// Without anything pretended: what the tests are started with decides.
+class NotElevated : public LauncherTest {
+  protected:
+    void SetUp() override {
+        if (IsElevated()) GTEST_SKIP() << "needs a user without an administrator's full rights";
+    }
+};
+
+TEST_F(NotElevated, IsRefused) {
+    EXPECT_THAT(Run(UsualMedia(), {"-wait"}), IsRefusedWith(kRefusal));
+}
+
+TEST_F(NotElevated, IsLetInByTheVariable) {
+    variables["ZEPAdmInstAllowNotAdminUser"] = "1";
+    const LauncherRun run = Run(UsualMedia(), {"-wait"});
+    EXPECT_THAT(run, EndsQuietlyWith(0));
+    EXPECT_EQ(run.Installer().Variable("ZEPIns_HasElevatedPrivileges"), "0");
+}
+
 class AllowNotAdmin : public LauncherTableTest<const char*> {};
 
 TEST_P(AllowNotAdmin, LetsOthersIn) {

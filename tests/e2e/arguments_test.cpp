@@ -31,7 +31,7 @@ Arguments Split(const std::string& commandLine) {
 // one that ends in one.
 std::string ExpectedLine(const Media& media, const Arguments& arguments) {
     std::string line =
-        "\"" + media.InstallerText("win_b64") + "\" \"-CDpath\" \"" + media.Text() + "\"";
+        "\"" + media.InstallerText(UsualOs()) + "\" \"-CDpath\" \"" + media.Text() + "\"";
     for (const std::string& argument : arguments)
         line += " \"" + argument + (argument.ends_with('\\') ? "\\\"" : "\"");
     return line;

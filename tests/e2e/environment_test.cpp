@@ -21,14 +21,14 @@ std::map<std::string, std::string> LaunchersOwn(const InstallerReport& seen) {
 
 // The path variables of a media folder, and the backups of unset ones.
 std::map<std::string, std::string> PathVariables(const std::string& media) {
-    const std::string os = media + "\\inst\\win_b64\\";
+    const std::string os = media + "\\inst\\" + UsualOs() + "\\";
     const std::string common = media + "\\inst\\common\\";
     const auto both = [&](const std::string& folder) {
         return os + folder + ";" + common + folder;
     };
     std::map<std::string, std::string> expected = {
         {"MORInst", media + "\\inst"},
-        {"MORInstallPath", media + "\\inst\\win_b64"},
+        {"MORInstallPath", media + "\\inst\\" + UsualOs()},
         {"MORDictionaryPath", both("code\\dictionary")},
         {"MORReffilesPath", both("reffiles")},
         {"MORGraphicPath", both("resources\\graphic") + ";" + both("resources\\graphic\\icons") +
@@ -49,7 +49,7 @@ const std::map<std::string, std::string> kSwitches = {{"ZEPSysIRManagementActiva
                                                       {"ZEPAdmInstDebugAction", "f"},
                                                       {"ZEPAdmInstDebugError", "1"},
                                                       {"ZEPAdmInstDebugEverything", "1"},
-                                                      {"ZEP_OS", "win_b64"},
+                                                      {"ZEP_OS", UsualOs()},
                                                       {"ZEPIns_HasElevatedPrivileges", "1"},
                                                       {"ZEPIns_IsInteractiveSession", "1"}};
 
@@ -63,7 +63,7 @@ TEST_F(InstallerEnvironment, OfAPlainRunIsExactlyThis) {
     const InstallerReport seen = Run(media).Installer();
     EXPECT_EQ(LaunchersOwn(seen), expected);
     EXPECT_EQ(seen.Variable("PATH"),
-              media.Text("inst\\win_b64\\code\\bin") + ";C:\\windows\\system32;C:\\x y");
+              media.Text("inst\\" + UsualOs() + "\\code\\bin") + ";C:\\windows\\system32;C:\\x y");
 }
 
 TEST_F(InstallerEnvironment, SwitchesAreForced) {
@@ -87,12 +87,13 @@ TEST_F(InstallerEnvironment, EarlierValuesAreBackedUp) {
 }
 
 TEST_F(InstallerEnvironment, SearchesASeparateInstallerToo) {
-    AddStandInInstaller(scratch.Dir() / "other", "win_b64");
-    const Media media = EmptyMedia().AddMarker("win_b64");
+    AddStandInInstaller(scratch.Dir() / "other", UsualOs());
+    const Media media = EmptyMedia().AddMarker(UsualOs());
     const InstallerReport seen = Run(media, {"-installerPath", scratch.Text("other")}).Installer();
     EXPECT_EQ(seen.Variable("MORReffilesPath"),
-              media.Text("inst\\win_b64\\reffiles") + ";" + media.Text("inst\\common\\reffiles") +
-                  ";" + scratch.Text("other\\inst\\win_b64\\reffiles") + ";" +
+              media.Text("inst\\" + UsualOs() + "\\reffiles") + ";" +
+                  media.Text("inst\\common\\reffiles") + ";" +
+                  scratch.Text("other\\inst\\" + UsualOs() + "\\reffiles") + ";" +
                   scratch.Text("other\\inst\\common\\reffiles"));
     EXPECT_EQ(seen.Variable("MORInstaller"), scratch.Text("other\\inst") + "\\");
 }
@@ -101,7 +102,7 @@ TEST_F(InstallerEnvironment, PathKeepsItsSeparatorWhenItWasUnset) {
     variables["PATH"] = "";
     const Media media = UsualMedia();
     const InstallerReport seen = Run(media).Installer();
-    EXPECT_EQ(seen.Variable("PATH"), media.Text("inst\\win_b64\\code\\bin") + ";");
+    EXPECT_EQ(seen.Variable("PATH"), media.Text("inst\\" + UsualOs() + "\\code\\bin") + ";");
     EXPECT_EQ(seen.Variable("ZEP_BAK_PATH"), "ZEP_BAK=");
 }
 

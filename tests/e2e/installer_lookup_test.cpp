@@ -15,13 +15,16 @@ constexpr char kNotFound[] =
     "The installer is not found, please read the file \"ReadMe_Windows.txt\".";
 
 std::string Invalid(const std::string& folder) {
-    return "Invalid Installer media, \"" + folder +
-           "\\inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe\" does not exist";
+    return "Invalid Installer media, \"" + folder + "\\inst\\" + UsualOs() +
+           "\\code\\bin\\ZEPInsAppliGUI.exe\" does not exist";
 }
 
 struct FlavourRow : Row {
     std::vector<std::string> present;
-    const char* chosen;
+    const char* best;  // on 64-bit Windows
+
+    // 32-bit Windows knows one flavour, which every row has.
+    std::string Chosen() const { return Is64BitWindows() ? best : "intel_a"; }
 };
 
 class InstallerFlavour : public LauncherTableTest<FlavourRow> {};
@@ -31,8 +34,8 @@ TEST_P(InstallerFlavour, IsTheBestThatTheMediaHas) {
     for (const std::string& osFolder : GetParam().present)
         media.AddInstaller(osFolder);
     const LauncherRun run = Run(media);
-    EXPECT_EQ(run.Installer().module, media.InstallerText(GetParam().chosen));
-    EXPECT_EQ(run.Installer().Variable("ZEP_OS"), GetParam().chosen);
+    EXPECT_EQ(run.Installer().module, media.InstallerText(GetParam().Chosen()));
+    EXPECT_EQ(run.Installer().Variable("ZEP_OS"), GetParam().Chosen());
 }
 
 // On 64-bit Windows the 64-bit flavours come before the 32-bit one.
@@ -44,17 +47,30 @@ INSTANTIATE_TEST_SUITE_P(
                     FlavourRow{{"Intel"}, {"intel_a"}, "intel_a"}),
     RowName);
 
+class OnlyFor64Bit : public LauncherTableTest<const char*> {};
+
+TEST_P(OnlyFor64Bit, IsRefusedOn32BitWindows) {
+    if (Is64BitWindows()) GTEST_SKIP() << "needs a 32-bit Windows";
+    const LauncherRun run = Run(EmptyMedia().AddInstaller(GetParam()), {"-wait"});
+    EXPECT_THAT(
+        run, IsRefusedWith("This media cannot be installed on a 32-bit Windows operating system."));
+    EXPECT_EQ(run.output, Lines({" INFO: 32-bit OS"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Flavours, OnlyFor64Bit, testing::Values("win_b64", "win_csa64"),
+                         [](const auto& row) { return TestName(row.param); });
+
 class SeparateInstaller : public LauncherTest {
   protected:
     // A folder with a separate installer, without a launcher; returns its text.
-    std::string Separate(const std::string& name, const std::string& osFolder = "win_b64") const {
+    std::string Separate(const std::string& name, const std::string& osFolder = UsualOs()) const {
         AddStandInInstaller(scratch.Dir() / name, osFolder);
         return scratch.Text(name);
     }
-    std::string Module(const std::string& folder, const std::string& osFolder = "win_b64") const {
+    std::string Module(const std::string& folder, const std::string& osFolder = UsualOs()) const {
         return folder + "\\inst\\" + osFolder + "\\code\\bin\\" + kGuiInstaller;
     }
-    Media MarkedMedia() const { return EmptyMedia().AddMarker("win_b64"); }
+    Media MarkedMedia() const { return EmptyMedia().AddMarker(UsualOs()); }
 };
 
 class MarkerFlavour : public SeparateInstaller, public testing::WithParamInterface<FlavourRow> {};
@@ -66,12 +82,12 @@ TEST_P(MarkerFlavour, IsTheOneLookedForElsewhere) {
     for (const char* osFolder : {"win_b64", "win_csa64", "intel_a"})
         Separate("other", osFolder);
     const LauncherRun run = Run(media, {"-installerPath", scratch.Text("other")});
-    EXPECT_EQ(run.Installer().module, Module(scratch.Text("other"), GetParam().chosen));
-    EXPECT_EQ(run.Installer().Variable("ZEP_OS"), GetParam().chosen);
-    EXPECT_THAT(run.output, HasSubstr(" INFO: " +
-                                      media.Text("inst\\common\\" + std::string(GetParam().chosen) +
-                                                 ".installos") +
-                                      " found, os " + GetParam().chosen + "\r\n"));
+    EXPECT_EQ(run.Installer().module, Module(scratch.Text("other"), GetParam().Chosen()));
+    EXPECT_EQ(run.Installer().Variable("ZEP_OS"), GetParam().Chosen());
+    EXPECT_THAT(
+        run.output,
+        HasSubstr(" INFO: " + media.Text("inst\\common\\" + GetParam().Chosen() + ".installos") +
+                  " found, os " + GetParam().Chosen() + "\r\n"));
 }
 
 // The same order among the markers of a media without an installer.
@@ -87,7 +103,7 @@ TEST_F(SeparateInstaller, MediaWithoutAMarkerIsForAnotherSystem) {
     const LauncherRun run = Run(media, {"-installerPath", Separate("other")});
     EXPECT_THAT(run, IsRefusedWith("This media is not for Windows operating system."));
     const std::string common = media.Text("inst\\common\\");
-    EXPECT_EQ(run.output, Lines({" INFO: 64-bit OS", " INFO: No installer in the current media.",
+    EXPECT_EQ(run.output, Lines({" INFO: " + OsTrace(), " INFO: No installer in the current media.",
                                  " INFO: " + common + "intel_a.installos not found",
                                  " INFO: " + common + "win_b64.installos not found",
                                  " INFO: " + common + "win_csa64.installos not found"}));
@@ -97,7 +113,7 @@ TEST_F(SeparateInstaller, MediaWithoutAMarkerIsForAnotherSystem) {
 TEST_F(SeparateInstaller, OneMarkerFileMayStandForAll) {
     variables["ZEPAdmInstODTinstallOSpath"] = scratch.Write("any marker");
     const LauncherRun run = Run(EmptyMedia(), {"-installerPath", Separate("other")});
-    EXPECT_EQ(run.Installer().Variable("ZEP_OS"), "win_b64");
+    EXPECT_EQ(run.Installer().Variable("ZEP_OS"), UsualOs());
 }
 
 TEST_F(SeparateInstaller, MissingMarkerFileStandsForAllToo) {
@@ -164,8 +180,8 @@ TEST_F(SeparateInstaller, CancelledDialogEndsTheSearch) {
     EXPECT_THAT(run.BoxTexts(),
                 ElementsAre(Invalid(scratch.Text("a")), Invalid(scratch.Text("b")), kNotFound));
     EXPECT_THAT(run.dialogs,
-                ElementsAre("Select the folder of the separate media called QN_Installer for "
-                            "win_b64"));
+                ElementsAre("Select the folder of the separate media called QN_Installer for " +
+                            UsualOs()));
     EXPECT_FALSE(run.report.has_value());
     EXPECT_THAT(run.LeftInTemp(), testing::IsEmpty());
 }
@@ -174,19 +190,19 @@ TEST_F(SeparateInstaller, NobodyIsAskedWhenTheMediaHasItsInstaller) {
     const Media media = UsualMedia().AddMarker("win_csa64");
     variables["ZEP_TALVOR_Installer"] = Separate("other");
     const LauncherRun run = Run(media, {"-installerPath", scratch.Text("other")});
-    EXPECT_EQ(run.Installer().module, media.InstallerText("win_b64"));
+    EXPECT_EQ(run.Installer().module, media.InstallerText(UsualOs()));
     EXPECT_EQ(run.Installer().Variable("MORInstaller"), std::nullopt);
 }
 
 // Any value, also one that looks like no.
 TEST_F(SeparateInstaller, InstallerOfTheMediaCanBeSetAside) {
-    const Media media = UsualMedia().AddMarker("win_b64");
+    const Media media = UsualMedia().AddMarker(UsualOs());
     variables["ZEP_UseExternalInstaller"] = "0";
     const LauncherRun run = Run(media, {"-installerPath", Separate("other")});
     EXPECT_EQ(run.Installer().module, Module(scratch.Text("other")));
     EXPECT_THAT(run.output,
                 HasSubstr(" INFO: Installer found in the current media, \"" +
-                          media.InstallerText("win_b64") +
+                          media.InstallerText(UsualOs()) +
                           "\" but do not use it because of ZEP_UseExternalInstaller env var.\r\n"));
 }
 

@@ -25,7 +25,7 @@ std::string FailureText(const std::string& what, const std::string& commandLine,
 }
 
 std::string UsualCommandLine(const Media& media) {
-    return "\"" + media.InstallerText("win_b64") + "\" \"-CDpath\" \"" + media.Text() + "\"";
+    return "\"" + media.InstallerText(UsualOs()) + "\" \"-CDpath\" \"" + media.Text() + "\"";
 }
 
 struct ExitCodeRow : Row {
@@ -100,7 +100,8 @@ TEST_F(Launch, HandsNoOpenFileOnButTheStreams) {
 }
 
 TEST_F(Launch, ReportsAnInstallerThatIsNoProgram) {
-    const Media media = EmptyMedia().AddFile("inst/win_b64/code/bin/ZEPInsAppliGUI.exe", "text");
+    const Media media =
+        EmptyMedia().AddFile("inst/" + UsualOs() + "/code/bin/ZEPInsAppliGUI.exe", "text");
     EXPECT_THAT(Run(media),
                 IsRefusedWith(FailureText("Setup failed to create process", UsualCommandLine(media),
                                           ERROR_BAD_EXE_FORMAT)));

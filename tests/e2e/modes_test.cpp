@@ -16,11 +16,11 @@ class Modes : public LauncherTest {};
 
 // Waits, says that nobody is there to be asked, and copies nothing.
 TEST_F(Modes, PipeServerHasAnInstallerOfItsOwn) {
-    const Media media = MediaToCopy().AddInstaller("win_b64", "ZEPInsPipeServer.exe");
+    const Media media = MediaToCopy().AddInstaller(UsualOs(), "ZEPInsPipeServer.exe");
     variables["STANDIN_EXIT"] = "5";
     const LauncherRun run = Run(media, {"--pipeserver", "x"});
     EXPECT_THAT(run, EndsQuietlyWith(5));
-    EXPECT_EQ(run.Installer().module, media.InstallerText("win_b64", "ZEPInsPipeServer.exe"));
+    EXPECT_EQ(run.Installer().module, media.InstallerText(UsualOs(), "ZEPInsPipeServer.exe"));
     EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text(), "x"));
     EXPECT_EQ(run.Installer().Variable("ZEPIns_IsInteractiveSession"), "0");
     EXPECT_THAT(run.LeftInTemp(), IsEmpty());
@@ -30,18 +30,18 @@ TEST_F(Modes, PipeServerHasAnInstallerOfItsOwn) {
 TEST_F(Modes, OdtHasAnInstallerAndAMediaOfItsOwn) {
     const Media launcherMedia = UsualMedia();
     const Media media(scratch.Dir() / "current");
-    AddStandInInstaller(media.Root(), "win_b64", "ZEPInsAppliODT.exe");
+    AddStandInInstaller(media.Root(), UsualOs(), "ZEPInsAppliODT.exe");
     variables["CurrentMediaDir"] = "\"" + media.Text() + "\\\"";
     variables["STANDIN_EXIT"] = "7";
     const LauncherRun run = Run(launcherMedia, {"--odt", "x"});
     EXPECT_THAT(run, EndsQuietlyWith(7));
-    EXPECT_EQ(run.Installer().module, media.InstallerText("win_b64", "ZEPInsAppliODT.exe"));
+    EXPECT_EQ(run.Installer().module, media.InstallerText(UsualOs(), "ZEPInsAppliODT.exe"));
     EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text(), "x"));
     EXPECT_EQ(run.Installer().Variable("ZEPIns_IsInteractiveSession"), "1");
 }
 
 TEST_F(Modes, OdtMediaMayBeCopied) {
-    const Media media = MediaToCopy().AddInstaller("win_b64", "ZEPInsAppliODT.exe");
+    const Media media = MediaToCopy().AddInstaller(UsualOs(), "ZEPInsAppliODT.exe");
     variables["CurrentMediaDir"] = media.Text();
     const LauncherRun run = Run(media, {"--odt"});
     EXPECT_EQ(run.Installer().Variable("ZEPAdmInstOriginalMediaDir"), media.Text());
@@ -54,7 +54,7 @@ TEST_P(Maintenance, IsDoneFromTheMedia) {
     const Media media = MediaToCopy();
     const LauncherRun run = Run(media, {GetParam()});
     EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text(), GetParam()));
-    EXPECT_EQ(run.Installer().module, media.InstallerText("win_b64"));
+    EXPECT_EQ(run.Installer().module, media.InstallerText(UsualOs()));
     EXPECT_THAT(run.LeftInTemp(), IsEmpty());
 }
 
@@ -74,7 +74,7 @@ TEST_P(SoftwareManagement, TellsTheInstallerTheAction) {
     std::vector<std::string> arguments = {"-SoftMgt", "x"};
     arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
     const Media media(scratch.Dir() / "outer" / "media");
-    AddStandInInstaller(media.Root(), "win_b64");
+    AddStandInInstaller(media.Root(), UsualOs());
     const LauncherRun run = Run(media, arguments);
     EXPECT_THAT(run.Installer().Arguments(),
                 ElementsAre("x", "--mgt", scratch.Text(), "--var", GetParam().variable));

@@ -20,16 +20,16 @@ class MediaFolder : public LauncherTableTest<FolderRow> {};
 
 TEST_P(MediaFolder, MayHaveAnyName) {
     Media media(scratch.Dir() / FromUtf8(GetParam().folder));
-    media.AddInstaller("win_b64").MakeSplit(2, "SET");
+    media.AddInstaller(UsualOs()).MakeSplit(2, "SET");
     const LauncherRun run = Run(media, {"--mgt"});
-    EXPECT_EQ(run.Installer().module, media.InstallerText("win_b64"));
+    EXPECT_EQ(run.Installer().module, media.InstallerText(UsualOs()));
     EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text(), "--mgt"));
     EXPECT_EQ(run.Installer().Variable("MORInst"), media.Text("inst"));
 }
 
 TEST_P(MediaFolder, MayBeCopiedFromUnderAnyName) {
     Media media(scratch.Dir() / FromUtf8(GetParam().folder));
-    media.AddInstaller("win_b64").MakeSplit(2, "SET");
+    media.AddInstaller(UsualOs()).MakeSplit(2, "SET");
     media.AddFile("inst/common/" + std::string(GetParam().folder) + "/a file.dat", "content");
     const LauncherRun run = Run(media, {"-wait"});
     EXPECT_THAT(run, EndsQuietlyWith(0));
@@ -57,8 +57,9 @@ TEST_F(Places, DriveRoot) {
     const LauncherRun run =
         RunToEnd({FromUtf8("Q:\\setup.exe"), {"-wait", "x"}, variables, scratch.Dir()});
     EXPECT_THAT(run, EndsQuietlyWith(0));
-    EXPECT_EQ(run.Installer().commandLine,
-              "\"Q:\\inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe\" \"-CDpath\" \"Q:\" \"x\"");
+    EXPECT_EQ(
+        run.Installer().commandLine,
+        "\"Q:\\inst\\" + UsualOs() + "\\code\\bin\\ZEPInsAppliGUI.exe\" \"-CDpath\" \"Q:\" \"x\"");
     EXPECT_EQ(run.Installer().Variable("ZEPAdmInstCurrentMediaDir"), "Q:");
     EXPECT_EQ(run.Installer().Variable("MORInst"), "Q:\\inst");
 }
@@ -85,7 +86,7 @@ TEST_F(Places, DriveRootInSoftwareManagement) {
 TEST_F(Places, LauncherOnANetworkPath) {
     if (IsWine()) GTEST_SKIP() << "Wine tells such a program a name that leads nowhere";
     const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
-    const Media media = Media(root).AddInstaller("win_b64");
+    const Media media = Media(root).AddInstaller(UsualOs());
     const LauncherRun run = Run(media, {"-wait", "x"});
     EXPECT_THAT(run, EndsQuietlyWith(0));
     EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text(), "x"));
@@ -94,12 +95,12 @@ TEST_F(Places, LauncherOnANetworkPath) {
 
 TEST_F(Places, MediaOnANetworkPath) {
     const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
-    const Media media = Media(root).AddInstaller("win_b64", "ZEPInsAppliODT.exe");
+    const Media media = Media(root).AddInstaller(UsualOs(), "ZEPInsAppliODT.exe");
     variables["CurrentMediaDir"] = media.Text();
     const LauncherRun run = Run(EmptyMedia(), {"--odt"});
     EXPECT_THAT(run, EndsQuietlyWith(0));
     EXPECT_EQ(run.Installer().commandLine,
-              "\"" + media.InstallerText("win_b64", "ZEPInsAppliODT.exe") + "\" \"-CDpath\" \"" +
+              "\"" + media.InstallerText(UsualOs(), "ZEPInsAppliODT.exe") + "\" \"-CDpath\" \"" +
                   media.Text() + "\"");
     EXPECT_EQ(run.Installer().Variable("MORInst"), media.Text("inst"));
     stdfs::remove_all(root);
@@ -108,7 +109,7 @@ TEST_F(Places, MediaOnANetworkPath) {
 TEST_F(Places, MediaOnANetworkPathIsCopied) {
     const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
     const Media media =
-        Media(root).AddInstaller("win_b64", "ZEPInsAppliODT.exe").MakeSplit(2, "SET");
+        Media(root).AddInstaller(UsualOs(), "ZEPInsAppliODT.exe").MakeSplit(2, "SET");
     variables["CurrentMediaDir"] = media.Text();
     const LauncherRun run = Run(EmptyMedia(), {"--odt"});
     EXPECT_THAT(run, EndsQuietlyWith(0));
@@ -119,8 +120,8 @@ TEST_F(Places, MediaOnANetworkPathIsCopied) {
 
 TEST_F(Places, InstallerOnANetworkPath) {
     const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
-    AddStandInInstaller(root, "win_b64");
-    const Media media = EmptyMedia().AddMarker("win_b64");
+    AddStandInInstaller(root, UsualOs());
+    const Media media = EmptyMedia().AddMarker(UsualOs());
     const LauncherRun run = Run(media, {"-wait", "-installerPath", ToUtf8(root)});
     EXPECT_THAT(run, EndsQuietlyWith(0));
     EXPECT_EQ(run.Installer().Variable("MORInstaller"), ToUtf8(root) + "\\inst\\");

@@ -42,8 +42,8 @@ TEST_F(TemporaryCopy, HoldsTheInstallersPartOfTheMedia) {
     EXPECT_THAT(FilesBelow(FromUtf8(copy)),
                 testing::UnorderedElementsAre(
                     "StartTUI.exe", "inst\\common\\deep\\er\\file.dat", "inst\\volumes.txt",
-                    "inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe", "media.db", "media.xml",
-                    "meta.TOCxml", "remove.bat", "setup.exe", "setup_noUAC.exe"));
+                    "inst\\" + UsualOs() + "\\code\\bin\\ZEPInsAppliGUI.exe", "media.db",
+                    "media.xml", "meta.TOCxml", "remove.bat", "setup.exe", "setup_noUAC.exe"));
     EXPECT_EQ(ReadFile(FromUtf8(copy + "\\inst\\common\\deep\\er\\file.dat")), "content");
     EXPECT_EQ(ReadFile(FromUtf8(copy + "\\setup.exe")), ReadFile(media.Launcher()));
 }
@@ -54,7 +54,7 @@ TEST_F(TemporaryCopy, IsWhereTheInstallerRunsAndFindsItsMedia) {
     EXPECT_THAT(run, EndsQuietlyWith(0));
     const std::string copy = CopyOf(run);
     const InstallerReport& seen = run.Installer();
-    EXPECT_EQ(seen.module, copy + "\\inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe");
+    EXPECT_EQ(seen.module, copy + "\\inst\\" + UsualOs() + "\\code\\bin\\ZEPInsAppliGUI.exe");
     EXPECT_THAT(seen.Arguments(), ElementsAre("-CDpath", copy, "x"));
     EXPECT_EQ(seen.Variable("ZEPAdmInstCurrentMediaDir"), copy);
     EXPECT_EQ(seen.Variable("MORInst"), copy + "\\inst");
@@ -105,7 +105,7 @@ TEST_P(NoCopy, IsMadeWhenForbidden) {
     variables["ZEPAdmInstOriginalMediaDir"] = "from before";
     const Media media = MediaToCopy();
     const LauncherRun run = Run(media, {"-wait"});
-    EXPECT_EQ(run.Installer().module, media.InstallerText("win_b64"));
+    EXPECT_EQ(run.Installer().module, media.InstallerText(UsualOs()));
     EXPECT_EQ(run.Installer().Variable("ZEPAdmInstOriginalMediaDir"), std::nullopt);
     EXPECT_EQ(run.errors, "");
     EXPECT_THAT(run.LeftInTemp(), IsEmpty());
@@ -125,7 +125,7 @@ class RequiredEntry : public TemporaryCopy, public testing::WithParamInterface<c
 TEST_P(RequiredEntry, MissingFailsTheCopy) {
     // The launcher itself has another name here, so that "setup.exe" can be missing too.
     Media media(scratch.Dir() / "media", "launcher.exe");
-    media.AddInstaller("win_b64").MakeSplit(2, "SET");
+    media.AddInstaller(UsualOs()).MakeSplit(2, "SET");
     stdfs::remove(media.Root() / GetParam());
     const LauncherRun run = Run(media, {"-wait"});
     EXPECT_EQ(run.exitCode, 1u);
@@ -146,22 +146,23 @@ INSTANTIATE_TEST_SUITE_P(Entries, RequiredEntry,
 // Of the separate installer media its own folder and the common one join the copy.
 TEST_F(TemporaryCopy, TakesInASeparateInstaller) {
     Media media = EmptyMedia();
-    media.AddMarker("win_b64").MakeSplit(2, "SET");
-    AddStandInInstaller(scratch.Dir() / "other", "win_b64");
+    media.AddMarker(UsualOs()).MakeSplit(2, "SET");
+    AddStandInInstaller(scratch.Dir() / "other", UsualOs());
     scratch.Write("other/inst/common/extra.dat");
     scratch.Write("other/inst/win_csa64/foreign.dat");
     const LauncherRun run = Run(media, {"-installerPath", scratch.Text("other")});
     const std::string copy = CopyOf(run);
-    EXPECT_EQ(run.Installer().module, copy + "\\inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe");
+    EXPECT_EQ(run.Installer().module,
+              copy + "\\inst\\" + UsualOs() + "\\code\\bin\\ZEPInsAppliGUI.exe");
     EXPECT_TRUE(stdfs::exists(FromUtf8(copy + "\\inst\\common\\extra.dat")));
-    EXPECT_TRUE(stdfs::exists(FromUtf8(copy + "\\inst\\common\\win_b64.installos")));
+    EXPECT_TRUE(stdfs::exists(FromUtf8(copy + "\\inst\\common\\" + UsualOs() + ".installos")));
     EXPECT_FALSE(stdfs::exists(FromUtf8(copy + "\\inst\\win_csa64")));
 }
 
 TEST_F(TemporaryCopy, SeparateInstallerWithoutACommonFolderIsWhole) {
     Media media = EmptyMedia();
-    media.AddMarker("win_b64").MakeSplit(2, "SET");
-    AddStandInInstaller(scratch.Dir() / "other", "win_b64");
+    media.AddMarker(UsualOs()).MakeSplit(2, "SET");
+    AddStandInInstaller(scratch.Dir() / "other", UsualOs());
     const LauncherRun run = Run(media, {"-wait", "-installerPath", scratch.Text("other")});
     EXPECT_THAT(run, EndsQuietlyWith(0));
 }

@@ -20,21 +20,23 @@ class Trace : public LauncherTest {
         variables["ZEP_TALVOR_Installer"] = scratch.Text("other");
         variables["ZEPProcessNotAdmin"] = "1";
         variables["ZEPAdmInstAllowNotAdminUser"] = "1";
-        AddStandInInstaller(scratch.Dir() / "other", "win_b64");
+        AddStandInInstaller(scratch.Dir() / "other", UsualOs());
         return Run(media, {"-wait", "-installerPath", scratch.MakeDir("empty")});
     }
     Media MediaToTrace() const {
         Media media = EmptyMedia();
-        return media.AddMarker("win_b64").MakeSplit(3, "SET");
+        return media.AddMarker(UsualOs()).MakeSplit(3, "SET");
     }
     std::string InstallerIn(const std::string& folder) const {
-        return "\"" + scratch.Text(folder) + "\\inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe\"";
+        return "\"" + scratch.Text(folder) + "\\inst\\" + UsualOs() +
+               "\\code\\bin\\ZEPInsAppliGUI.exe\"";
     }
     std::vector<std::string> Search() const {
         return {
-            "64-bit OS",
+            OsTrace(),
             "No installer in the current media.",
-            scratch.Text("media\\inst\\common\\win_b64.installos") + " found, os win_b64",
+            scratch.Text("media\\inst\\common\\" + UsualOs() + ".installos") + " found, os " +
+                UsualOs(),
             "Argument \"-installerPath\" found and its value is \"" + scratch.Text("empty") + "\".",
             "Installer executable " + InstallerIn("empty\\1") +
                 " does not exist, trying without sub dir \"1\"",
@@ -85,8 +87,9 @@ TEST_F(Trace, GoesToBoxesOnRequest) {
 TEST_F(Trace, OfAPlainRunIsShort) {
     const Media media = UsualMedia();
     const LauncherRun run = Run(media, {"-wait"});
-    EXPECT_EQ(run.output, Lines({" INFO: 64-bit OS", " INFO: Installer found in current media: \"" +
-                                                         media.InstallerText("win_b64") + "\"."}));
+    EXPECT_EQ(run.output,
+              Lines({" INFO: " + OsTrace(), " INFO: Installer found in current media: \"" +
+                                                media.InstallerText(UsualOs()) + "\"."}));
     EXPECT_EQ(run.errors, "");
 }
 

@@ -15,7 +15,7 @@ class VolumesTest : public LauncherTest {
     // Volume 1 of a media of `count`, in the folder "1" of a set's folder.
     Media FirstVolume(int count) const {
         Media media(scratch.Dir() / "set" / "1");
-        return media.AddInstaller("win_b64").MakeSplit(count, "SET");
+        return media.AddInstaller(UsualOs()).MakeSplit(count, "SET");
     }
     void AddSibling(int number, const std::string& id = "SET") const {
         WriteVolumeMarker(scratch.Dir() / "set" / std::to_string(number), number, id);
@@ -92,11 +92,11 @@ TEST_F(Volumes, ThreeGiveTwoPathsAndAreUsedInPlace) {
     EXPECT_THAT(run, EndsQuietlyWith(0));
     EXPECT_EQ(run.Installer().Variable("ZEPAdmInstVolumePath_2"), Sibling(2));
     EXPECT_EQ(run.Installer().Variable("ZEPAdmInstVolumePath_3"), Sibling(3));
-    EXPECT_EQ(run.Installer().module, media.InstallerText("win_b64"));
+    EXPECT_EQ(run.Installer().module, media.InstallerText(UsualOs()));
     EXPECT_THAT(run.LeftInTemp(), IsEmpty());
-    EXPECT_EQ(run.output, Lines({" INFO: 64-bit OS",
+    EXPECT_EQ(run.output, Lines({" INFO: " + OsTrace(),
                                  " INFO: Installer found in current media: \"" +
-                                     media.InstallerText("win_b64") + "\".",
+                                     media.InstallerText(UsualOs()) + "\".",
                                  " INFO: This media is composed of 3 volumes.",
                                  "       Volume 1 found in: " + media.Text(),
                                  "       Volume 2 found in: " + Sibling(2),
@@ -116,7 +116,7 @@ TEST_F(Volumes, InOneFolderLookLikeAnOrdinaryMedia) {
 // The outer volumes 7 and 8 hold one volume each of the set inside them.
 TEST_F(Volumes, InsideOuterVolumesAreFound) {
     Media media(scratch.Dir() / "7" / "R" / "V");
-    media.AddInstaller("win_b64").MakeSplit(2, "SET");
+    media.AddInstaller(UsualOs()).MakeSplit(2, "SET");
     WriteVolumeMarker(scratch.Dir() / "7", 7, "OUTER");
     WriteVolumeMarker(scratch.Dir() / "8", 8, "OUTER");
     WriteVolumeMarker(scratch.Dir() / "8" / "R" / "2", 2, "SET");

@@ -25,7 +25,7 @@ class OnWine : public LauncherTest {
     // A media whose launcher has a name of its own, for settings that hold for this name alone.
     Media MediaFor(const std::string& launcherName) const {
         Media media(scratch.Dir() / "media", launcherName);
-        return media.AddInstaller("win_b64");
+        return media.AddInstaller(UsualOs());
     }
 };
 

@@ -116,8 +116,8 @@ TEST_P(EarlyLibrary, IsTakenByTheLauncherAsByAnyProgram) {
 
 INSTANTIATE_TEST_SUITE_P(At, EarlyLibrary,
                          testing::Combine(testing::Values(kLaunch, kBox, kDialog),
-                                          testing::Values("combase", "imm32", "ole32", "rpcrt4",
-                                                          "sechost", "version")),
+                                          testing::Values("combase", "imm32", "msimg32", "ole32",
+                                                          "rpcrt4", "sechost", "version")),
                          [](const auto& row) {
                              return std::string(std::get<0>(row.param).name) + "_" +
                                     std::get<1>(row.param);

@@ -4,7 +4,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <cstdint>
+#include <cstring>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@
 namespace launcher::test {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -32,6 +34,10 @@ class Resources : public testing::Test {
 
     Library file{LoadLibraryExW(LauncherFile().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE)};
 };
+
+TEST_F(Resources, ManifestHasTheVersionOfTheProject) {
+    EXPECT_THAT(Manifest(), HasSubstr(" version=\"" PRODUCT_VERSION ".0\" "));
+}
 
 TEST_F(Resources, ManifestAsksForNoElevation) {
     EXPECT_THAT(Manifest(), HasSubstr(R"(level="asInvoker" uiAccess="false")"));
@@ -64,13 +70,55 @@ TEST_F(Resources, ManifestAsksForNoOtherAssembly) {
     EXPECT_THAT(Manifest(), Not(HasSubstr("<file")));
 }
 
-TEST_F(Resources, HaveAnIconInSeveralSizes) {
-    const std::string group = Find(RT_GROUP_ICON, 1);
-    ASSERT_GE(group.size(), 6u);
-    const int images = static_cast<unsigned char>(group[4]);  // behind two words, a count
-    EXPECT_GE(images, 3);
-    for (int id = 1; id <= images; ++id)
-        EXPECT_NE(Find(RT_ICON, static_cast<WORD>(id)), "") << id;
+// The directory of an icon: three words, the last of which is the count, and 14 bytes for each
+// image, the first of which is its width and the last two its number.
+constexpr std::size_t kIconHeader = 6;
+constexpr std::size_t kIconEntry = 14;
+
+class Icon : public Resources {
+  protected:
+    int ByteAt(std::size_t offset) const { return static_cast<unsigned char>(group_.at(offset)); }
+    // The images' bytes by their widths in pixels, as the directory has them.
+    std::map<int, std::string> Images() const {
+        std::map<int, std::string> images;
+        for (int i = 0; i < ByteAt(4); ++i) {
+            const std::size_t entry = kIconHeader + static_cast<std::size_t>(i) * kIconEntry;
+            const int number = ByteAt(entry + 12) + 256 * ByteAt(entry + 13);
+            const int width = ByteAt(entry) == 0 ? 256 : ByteAt(entry);
+            images[width] = Find(RT_ICON, static_cast<WORD>(number));
+        }
+        return images;
+    }
+    static bool IsCompressed(const std::string& image) { return image.starts_with("\x89PNG\r\n"); }
+
+  private:
+    std::string group_ = Find(RT_GROUP_ICON, 1);
+};
+
+// Small, large and extra large ones, and the sizes between for screens of finer resolution.
+TEST_F(Icon, HasEverySizeThatWindowsAsksFor) {
+    std::vector<int> widths;
+    for (const auto& [width, image] : Images())
+        widths.push_back(width);
+    EXPECT_THAT(widths, ElementsAre(16, 20, 24, 32, 40, 48, 64, 256));
+}
+
+// Compressed ones are for the largest size only: in others, not every program reads them.
+TEST_F(Icon, ImagesAreOfTheSizeThatTheDirectoryNames) {
+    for (const auto& [width, image] : Images()) {
+        ASSERT_GT(image.size(), sizeof(BITMAPINFOHEADER)) << width;
+        EXPECT_EQ(IsCompressed(image), width == 256) << width;
+        if (IsCompressed(image)) {
+            // Big-endian, after the signature and the name of the first part.
+            EXPECT_EQ(image.substr(16, 8), std::string("\0\0\1\0\0\0\1\0", 8));
+            continue;
+        }
+        BITMAPINFOHEADER header;
+        std::memcpy(&header, image.data(), sizeof header);
+        EXPECT_EQ(header.biWidth, width);
+        EXPECT_EQ(header.biHeight, 2 * width);  // with the mask
+        EXPECT_EQ(header.biBitCount, 32) << width;
+    }
 }
 
 class VersionResource : public testing::Test {

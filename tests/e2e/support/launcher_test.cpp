@@ -6,10 +6,25 @@
 
 #include <cctype>
 
+#include "platform/owners.h"
+
 namespace launcher::test {
 
+bool IsElevated() {
+    TokenHandle token;
+    TOKEN_ELEVATION elevation{};
+    DWORD length = 0;
+    OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Put());
+    GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof elevation, &length);
+    return elevation.TokenIsElevated != 0 && IsUserAnAdmin();
+}
+
 void LauncherTest::SetUp() {
-    if (!IsUserAnAdmin()) GTEST_SKIP() << "needs a console that runs as administrator";
+    if (!IsElevated()) GTEST_SKIP() << "needs a console that runs as administrator";
+}
+
+std::string OsTrace() {
+    return Is64BitWindows() ? "64-bit OS" : "32-bit OS";
 }
 
 std::string Lines(const std::vector<std::string>& lines) {

@@ -15,6 +15,9 @@
 
 namespace launcher::test {
 
+// Whether this process has an administrator's full rights, which what it starts then has too.
+bool IsElevated();
+
 // A test that starts the real launcher in media folders of its own.
 class LauncherTest : public testing::Test {
   protected:
@@ -30,8 +33,8 @@ class LauncherTest : public testing::Test {
         return {media.Launcher(), arguments, variables, scratch.Dir()};
     }
 
-    // A new media, with an installer for 64-bit Windows.
-    Media UsualMedia() const { return EmptyMedia().AddInstaller("win_b64"); }
+    // A new media, with an installer for this Windows.
+    Media UsualMedia() const { return EmptyMedia().AddInstaller(UsualOs()); }
     // One without any installer.
     Media EmptyMedia() const { return Media(scratch.Dir() / "media"); }
     // One that is copied before its installer starts: a part of it cannot be found.
@@ -65,6 +68,9 @@ MATCHER_P(EndsQuietlyWith, exitCode, "") {
     return arg.exitCode == static_cast<DWORD>(exitCode) && arg.boxes.empty() &&
            arg.dialogs.empty() && arg.report.has_value();
 }
+
+// What the launcher traces of this Windows.
+std::string OsTrace();
 
 // Lines as they stand in a file that a standard stream was sent to.
 std::string Lines(const std::vector<std::string>& lines);

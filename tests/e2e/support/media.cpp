@@ -33,6 +33,16 @@ stdfs::path InstallerBelow(const stdfs::path& root, const std::string& osFolder,
 
 }  // namespace
 
+bool Is64BitWindows() {
+    SYSTEM_INFO system;
+    GetNativeSystemInfo(&system);
+    return system.wProcessorArchitecture != PROCESSOR_ARCHITECTURE_INTEL;
+}
+
+std::string UsualOs() {
+    return Is64BitWindows() ? "win_b64" : "intel_a";
+}
+
 Media::Media(stdfs::path root, const std::string& launcherName)
     : root_(std::move(root)), launcher_(root_ / FromUtf8(launcherName)) {
     stdfs::create_directories(root_ / "inst" / "common");

@@ -8,6 +8,11 @@ namespace launcher::test {
 
 inline constexpr char kGuiInstaller[] = "ZEPInsAppliGUI.exe";
 
+// Of the Windows that the tests run on, whatever the launcher and the tests were built for.
+bool Is64BitWindows();
+// The per-OS folder that the launcher takes there when a media has it.
+std::string UsualOs();
+
 // A media folder with the real launcher and the other entries at its root, and with what a test
 // adds. Paths and texts are UTF-8.
 class Media {

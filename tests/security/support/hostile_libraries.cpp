@@ -16,7 +16,7 @@ namespace {
 
 constexpr char kNames[] =
     "apphelp bcrypt bcryptprimitives clbcatq comctl32 coremessaging crypt32 cryptbase cryptsp "
-    "dwmapi dwrite edputil explorerframe iphlpapi linkinfo mpr mscms msimg32 netapi32 netutils "
+    "dwmapi dwrite edputil explorerframe iphlpapi linkinfo mpr mscms netapi32 netutils "
     "ntmarta ntshrui oleaut32 powrprof profapi propsys rsaenh secur32 setupapi srvcli sspicli "
     "textshaping urlmon userenv usp10 uxtheme windows.storage windowscodecs winmm winspool "
     "wintypes wtsapi32";

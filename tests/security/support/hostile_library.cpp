@@ -5,6 +5,7 @@
 // It uses no library but kernel32, not even the C runtime: it may itself stand in the place of any
 // of them.
 
+#define NOIME  // some functions of imm32 are defined here
 #include <windows.h>
 
 namespace {
@@ -33,6 +34,29 @@ void Report(HINSTANCE self) {
 }
 
 }  // namespace
+
+// Newer Wine's edit fields end the program that lacks these of imm32. They say that there is no
+// input method.
+extern "C" {
+__declspec(dllexport) HANDLE WINAPI ImmGetContext(HWND) {
+    return nullptr;
+}
+__declspec(dllexport) BOOL WINAPI ImmReleaseContext(HWND, HANDLE) {
+    return FALSE;
+}
+__declspec(dllexport) BOOL WINAPI ImmSetCompositionFontW(HANDLE, void*) {
+    return FALSE;
+}
+__declspec(dllexport) BOOL WINAPI ImmSetCompositionWindow(HANDLE, void*) {
+    return FALSE;
+}
+__declspec(dllexport) LONG WINAPI ImmGetCompositionStringW(HANDLE, DWORD, void*, DWORD) {
+    return 0;
+}
+__declspec(dllexport) BOOL WINAPI ImmNotifyIME(HANDLE, DWORD, DWORD, DWORD) {
+    return FALSE;
+}
+}
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE self, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) Report(self);

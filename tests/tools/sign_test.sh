@@ -1,0 +1,138 @@
+#!/bin/sh
+# Signs copies of the launcher with a certificate made for this, and looks at what becomes of them.
+#
+#   sign_test.sh LAUNCHER WINE_PREFIX
+#
+# Prints a line for each check; the exit code is 0 when all hold.
+set -eu
+
+launcher=$1
+prefix=$2
+tools=$(cd "$(dirname "$0")/../../tools" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+failures=0
+
+# check TEXT COMMAND...: the command succeeds
+check() {
+    text=$1
+    shift
+    if "$@"; then
+        echo "ok: $text"
+    else
+        echo "FAILED: $text"
+        failures=$((failures + 1))
+    fi
+}
+
+make_certificate() {
+    openssl req -x509 -newkey rsa:2048 -nodes -keyout key.pem -out "$1.pem" -days 2 \
+        -subj "/CN=$1" -addext extendedKeyUsage=codeSigning 2>/dev/null
+    openssl pkcs12 -export -inkey key.pem -in "$1.pem" -out "$1.p12" -passout pass:secret
+}
+
+# refuses CODE SENTENCE ARGUMENT...: signing ends with this code and one line that says this, and
+# the program is as it was
+refuses() {
+    code=$1
+    sentence=$2
+    shift 2
+    status=0
+    "$tools/sign.sh" "$@" >output 2>&1 || status=$?
+    [ "$status" = "$code" ] && [ "$(wc -l <output)" = 1 ] && grep -qF -- "$sentence" output &&
+        cmp -s "$launcher" first.exe && return
+    cat output
+    return 1
+}
+
+# The number of the media's volumes is the exit code of a launcher that starts nothing.
+counts_volumes() {
+    mkdir -p set/1/inst/win_b64/code/bin
+    touch set/1/inst/win_b64/code/bin/ZEPInsAppliGUI.exe
+    echo 3 >set/1/inst/volumes.txt
+    for number in 1 2 3; do
+        mkdir -p "set/$number"
+        echo MTBDIR=SET >"set/$number/$number.txt"
+    done
+    cp "$1" set/1/setup.exe
+    status=0
+    ZEPAdmODTMultiVolumes=1 "$tools/wine-run.sh" "$prefix" set/1/setup.exe >output 2>&1 ||
+        status=$?
+    [ "$status" = 3 ] && return
+    cat output
+    return 1
+}
+
+# A signature begins at a multiple of 8 bytes: a program of another size, which only a debug build
+# has, keeps the zeros in front of it, and a checksum that counts them.
+is_restored() {
+    osslsigncode remove-signature -in "$1" -out stripped.exe >/dev/null
+    cp "$launcher" original.exe
+    if [ $(($(wc -c <original.exe) % 8)) != 0 ]; then
+        truncate -s %8 original.exe
+        clear_checksum original.exe
+        clear_checksum stripped.exe
+    fi
+    cmp original.exe stripped.exe
+}
+clear_checksum() {
+    header=$(od -An -t u4 -j 60 -N 4 --endian=little "$1" | tr -d ' ')
+    dd if=/dev/zero of="$1" bs=1 seek=$((header + 88)) count=4 conv=notrunc status=none
+}
+
+# Without osslsigncode, but with what sign.sh needs before it looks for that.
+lacks_the_tool() {
+    mkdir -p bin
+    for program in sh dirname; do ln -sf "$(command -v "$program")" bin; done
+    PATH=$work/bin refuses_without_path 2>output && return 1
+    grep -q "osslsigncode is missing" output
+}
+refuses_without_path() { "$tools/sign.sh" --pkcs12 signer.p12 --password-file password first.exe; }
+
+make_certificate signer
+make_certificate stranger
+echo secret >password
+echo wrong >wrong
+cp "$launcher" first.exe
+cp "$launcher" second.exe
+usual="--pkcs12 signer.p12 --root signer.pem"
+
+# shellcheck disable=SC2086  # several words
+{
+    check "no certificate" refuses 2 "give a certificate" --password-file password first.exe
+    check "no such certificate" refuses 2 "no such file: none.p12" --pkcs12 none.p12 first.exe
+    check "no such password file" refuses 2 "no such file: none" $usual --password-file none \
+        first.exe
+    check "no password" refuses 2 "no password" $usual first.exe
+    check "an unknown option" refuses 2 "unknown option --sign" --sign yes first.exe
+    check "an option without its value" refuses 2 "--pkcs12 needs a value" --pkcs12
+    check "no program" refuses 2 "no program" $usual --password-file password
+    check "a token without its key" refuses 2 "needs --pkcs11-key" --pkcs11-module first.exe x
+    check "osslsigncode is missing" lacks_the_tool
+    check "a wrong password" refuses 1 "Wrong password" $usual --password-file wrong first.exe
+    check "another root" refuses 1 "cannot be verified" --pkcs12 signer.p12 --root stranger.pem \
+        --password-file password first.exe
+    # The second of two: the first stays as it is too.
+    echo text >broken.exe
+    check "no Windows program" refuses 1 "cannot sign broken.exe" $usual --password-file password \
+        first.exe broken.exe
+    # A port at which nothing listens.
+    check "no time stamp server" refuses 1 "Failed to get data from http://127.0.0.1:9/" $usual \
+        --password-file password --time-stamp-server http://127.0.0.1:9/ first.exe
+    check "two programs are signed" "$tools/sign.sh" $usual --password-file password \
+        first.exe second.exe
+    cp "$launcher" third.exe
+    export SIGN_PASSWORD=secret
+    check "a password from the environment" "$tools/sign.sh" $usual third.exe
+}
+check "the unsigned launcher runs" counts_volumes "$launcher"
+check "the signed launcher runs" counts_volumes first.exe
+check "without the signature the bytes are the old ones" is_restored first.exe
+printf '\001' | dd of=second.exe bs=1 seek=5000 conv=notrunc status=none
+verifies() { osslsigncode verify -CAfile signer.pem -in "$1" >output 2>&1; }
+does_not_verify() { ! verifies "$1"; }
+check "a signed file verifies" verifies first.exe
+check "a changed file does not" does_not_verify second.exe
+
+[ "$failures" = 0 ]
