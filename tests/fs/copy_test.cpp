@@ -70,7 +70,8 @@ class CopyTest : public test::FileTest {
 
 // None, one, and the sizes around the buffer's; several buffers, the last of them full or not.
 TEST_F(CopyTest, TakesFilesOfEverySizeToTheByte) {
-    for (const std::size_t size : {0, 1, 65535, 65536, 65537, 131072, 5 * 1024 * 1024 + 17}) {
+    for (const std::size_t size :
+         {0u, 1u, 65535u, 65536u, 65537u, 131072u, 5u * 1024 * 1024 + 17}) {
         const std::string content = Content(size);
         folder_.Write("source", content);
         CopyOneFile(source_, copy_);
@@ -113,12 +114,12 @@ TEST_F(CopyTest, GoesToTheVeryNameThatIsGiven) {
 TEST_F(CopyTest, TakesTheLastWriteAndAccessTimes) {
     const FILETIME accessed = FileTime(kSomeTime + 5 * kSecond);
     const FILETIME modified = FileTime(kSomeTime);
-    {
-        const FileHandle file = OpenSharedFile(ToWide(source_), GENERIC_WRITE, OPEN_EXISTING);
-        ASSERT_TRUE(SetFileTime(file.Get(), nullptr, &accessed, &modified));
-    }
     folder_.Write("old copy", Content(100000));
     for (const std::string& copy : {copy_, folder_.Text("old copy")}) {
+        {
+            const FileHandle file = OpenSharedFile(ToWide(source_), GENERIC_WRITE, OPEN_EXISTING);
+            ASSERT_TRUE(SetFileTime(file.Get(), nullptr, &accessed, &modified));
+        }
         CopyOneFile(source_, copy);
         EXPECT_EQ(Ticks(Status(copy).ftLastWriteTime), kSomeTime);
         EXPECT_EQ(Ticks(Status(copy).ftLastAccessTime), kSomeTime + 5 * kSecond);

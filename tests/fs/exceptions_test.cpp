@@ -139,12 +139,15 @@ TEST(ZEPInsExceptionErrno, AddsTheRuntimesText) {
 // With a heap that changes the last error (hostile_heap.cpp), the thrown one must be read first.
 TEST(ThrowLastError, GivesTheErrorOfTheCallBefore) {
     const std::string object(100, 'o');
-    SetLastError(ERROR_FILE_NOT_FOUND);
-    EXPECT_THAT([&] { ThrowLastError("Call - ", object); },
+    const auto after = [&object](auto thrower) {
+        return [&object, thrower] {
+            SetLastError(ERROR_FILE_NOT_FOUND);
+            thrower("Call - ", object);
+        };
+    };
+    EXPECT_THAT(after(ThrowLastError),
                 test::ThrowsSystemError("Call - " + object, ERROR_FILE_NOT_FOUND));
-    SetLastError(ERROR_FILE_NOT_FOUND);
-    EXPECT_THAT([&] { ThrowLastErrorAsErrno("Call - ", object); },
-                test::ThrowsErrno("Call - " + object, ENOENT));
+    EXPECT_THAT(after(ThrowLastErrorAsErrno), test::ThrowsErrno("Call - " + object, ENOENT));
 }
 
 // The two are siblings below runtime_error: a handler of one does not take the other.

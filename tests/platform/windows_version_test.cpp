@@ -29,7 +29,8 @@ TEST(WindowsVersion, IsComparedWithWindows8) {
     EXPECT_EQ(wanted.wServicePackMajor, 0u);
     EXPECT_EQ(fields, 0x23u);  // major, minor and service pack
     ULONGLONG atLeast = 0;
-    for (const DWORD field : {VER_MINORVERSION, VER_MAJORVERSION, VER_SERVICEPACKMAJOR})
+    for (const DWORD field :
+         {DWORD{VER_MINORVERSION}, DWORD{VER_MAJORVERSION}, DWORD{VER_SERVICEPACKMAJOR}})
         atLeast = VerSetConditionMask(atLeast, field, VER_GREATER_EQUAL);
     EXPECT_EQ(conditions, atLeast);
 }

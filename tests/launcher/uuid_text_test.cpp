@@ -19,9 +19,6 @@
 namespace launcher {
 namespace {
 
-constexpr std::string_view kUpperDigits = "0123456789ABCDEF";
-constexpr std::string_view kLowerDigits = "0123456789abcdef";
-
 // The digits that occur at each place of many texts, "-" included.
 using Places = std::array<std::set<char>, 36>;
 
@@ -40,22 +37,19 @@ std::set<char> Digits(std::string_view digits) {
     return {digits.begin(), digits.end()};
 }
 
-class UuidTextCase : public testing::TestWithParam<bool> {};
-
-TEST_P(UuidTextCase, HasEveryDigitAtEveryPlaceButTwo) {
-    const std::set<char> all = Digits(GetParam() ? kUpperDigits : kLowerDigits);
-    const Places places = PlacesOfMany(GetParam());
-    for (std::size_t place = 0; place < places.size(); ++place) {
-        std::set<char> expected = all;
-        if (place == 8 || place == 13 || place == 18 || place == 23) expected = {'-'};
-        if (place == 14) expected = {'4'};                                 // the version
-        if (place == 19) expected = Digits(GetParam() ? "89AB" : "89ab");  // the variant
-        EXPECT_EQ(places[place], expected) << "place " << place;
+TEST(UuidText, HasEveryDigitAtEveryPlaceButTwo) {
+    for (const bool upperCase : {true, false}) {
+        const std::set<char> all = Digits(upperCase ? "0123456789ABCDEF" : "0123456789abcdef");
+        const Places places = PlacesOfMany(upperCase);
+        for (std::size_t place = 0; place < places.size(); ++place) {
+            std::set<char> expected = all;
+            if (place == 8 || place == 13 || place == 18 || place == 23) expected = {'-'};
+            if (place == 14) expected = {'4'};                                // the version
+            if (place == 19) expected = Digits(upperCase ? "89AB" : "89ab");  // the variant
+            EXPECT_EQ(places[place], expected) << "place " << place;
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(, UuidTextCase, testing::Bool(),
-                         [](const auto& instance) { return instance.param ? "Upper" : "Lower"; });
 
 TEST(UuidText, IsNewEveryTime) {
     std::set<std::string> texts;

@@ -1,18 +1,17 @@
 #include "launcher/temporary_copy.h"
-#include "launcher/remove_script.h"
 
-#include <gmock/gmock.h>
 #include <windows.h>
 
 #include <regex>
+#include <string>
+#include <vector>
 
 #include "fs/encoding.h"
 #include "fs/environment.h"
 #include "fs/path_exists.h"
-#include "launcher/base/launch_options.h"
-#include "tests/launcher/copy/media_tree.h"
-#include "tests/support/handle_count.h"
 #include "tests/support/hook.h"
+#include "tests/support/isolated_test.h"
+#include "tests/support/options.h"
 #include "tests/support/temporary_folder.h"
 
 namespace launcher {
@@ -20,17 +19,12 @@ namespace {
 
 using testing::Contains;
 using testing::IsEmpty;
+using testing::Pair;
 
 constexpr char kOriginalVar[] = "ZEPAdmInstOriginalMediaDir";
 constexpr char kDontCopyVar[] = "ZEPAdmInstDontCopyInstaller";
-constexpr char kInstaller[] = "ZEPInsAppliGUI.exe";
 
-class NewTemporaryDirNameTest : public testing::Test {
-  protected:
-    ~NewTemporaryDirNameTest() override { SetEnvVar("TEMP", temp); }
-
-    const std::string temp = GetEnvVar("TEMP");
-};
+class NewTemporaryDirNameTest : public test::IsolatedTest {};
 
 TEST_F(NewTemporaryDirNameTest, IsANewUuidInUpperCaseBelowTemp) {
     SetEnvVar("TEMP", "C:\\Users\\J\xC3\xBCrgen\\Temp");
@@ -58,12 +52,21 @@ TEST_F(NewTemporaryDirNameTest, MakesNoFolder) {
     const test::TemporaryFolder folder;
     SetEnvVar("TEMP", folder.Text());
     NewTemporaryDirName();
-    EXPECT_THAT(test::TreeOf(folder.Text()), IsEmpty());
+    EXPECT_THAT(test::TreeBelow(folder.Dir()), IsEmpty());
 }
 
-class TemporaryCopyTest : public testing::Test {
+class TemporaryCopyTest : public test::IsolatedTest {
   protected:
     TemporaryCopyTest() {
+        folder.Write(name + "/inst/common/win_b64.installos");
+        folder.Write(name + "/inst/win_b64/code/bin/ZEPInsAppliGUI.exe", "installer");
+        folder.MakeDir(name + "/inst/win_b64/nothing");
+        for (const char* entry : {"meta.TOCxml", "media.xml", "media.db", "setup.exe",
+                                  "StartTUI.exe", "setup_noUAC.exe"})
+            folder.Write(name + "/" + entry, entry);
+        whole = test::TreeBelow(test::FromUtf8(media));
+        folder.Write(name + "/ReadMe_Windows.txt", "not copied");
+        folder.Write(name + "/2/setup.exe", "not copied");
         SetEnvVar(kDontCopyVar, "");
         SetEnvVar(kOriginalVar, "stale");
         Prepare(options);
@@ -74,8 +77,9 @@ class TemporaryCopyTest : public testing::Test {
         launch.installerExePath = "the installer in the media";
     }
 
+    test::Tree Copied() const { return test::TreeBelow(test::FromUtf8(temporaryDir)); }
     void ExpectCopied(const LaunchOptions& launch) const {
-        EXPECT_THAT(test::TreeOf(temporaryDir), testing::ElementsAreArray(test::CopiedTree()));
+        EXPECT_EQ(Copied(), whole);
         EXPECT_TRUE(launch.temporaryCopyMade);
         EXPECT_EQ(GetEnvVar(kOriginalVar), media);
     }
@@ -88,9 +92,11 @@ class TemporaryCopyTest : public testing::Test {
     }
 
     const test::TemporaryFolder folder;
-    const std::string media = test::MakeMedia(folder, "Media \xC3\x9C \xE4\xB8\xAD");
+    const std::string name = "Media \xC3\x9C \xE4\xB8\xAD";
+    const std::string media = folder.Text(name);
     const std::string temporaryDir = folder.Text("Temp folder \xC3\xA9\\UUID") + "\\";
-    LaunchOptions options{0, nullptr, kInstaller, false, false};
+    test::Tree whole;  // what of the media is copied
+    LaunchOptions options = test::ParseOptions({}, false);
 };
 
 TEST_F(TemporaryCopyTest, HoldsTheInstallersPartOfTheMedia) {
@@ -110,40 +116,25 @@ TEST_F(TemporaryCopyTest, IsNotMadeWhenTheEnvironmentSaysSo) {
     }
 }
 
-// A command line, and whether it lets the copy happen.
-struct CommandLineCase {
-    const char* name;
-    std::vector<const wchar_t*> arguments;
-    bool copied;
-};
-
-void PrintTo(const CommandLineCase& value, std::ostream* out) {
-    *out << value.name;
-}
-
-class TemporaryCopyCommandLine : public TemporaryCopyTest,
-                                 public testing::WithParamInterface<CommandLineCase> {};
-
-TEST_P(TemporaryCopyCommandLine, DecidesOnTheCopy) {
-    std::vector<const wchar_t*> arguments = GetParam().arguments;
-    LaunchOptions launch(static_cast<int>(arguments.size()), arguments.data(), kInstaller, false,
-                         false);
-    Prepare(launch);
-    CopyInstallerToTemporaryDir(launch, temporaryDir);
-    if (GetParam().copied)
+TEST_F(TemporaryCopyTest, IsNotPreventedBySomeModes) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--odt"}, std::vector<std::string>{"-SoftMgt", "-Commit"}}) {
+        LaunchOptions launch = test::ParseOptions(arguments, false);
+        Prepare(launch);
+        CopyInstallerToTemporaryDir(launch, temporaryDir);
         ExpectCopied(launch);
-    else
-        ExpectNotCopied(launch);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    , TemporaryCopyCommandLine,
-    testing::Values(CommandLineCase{"plain", {L"setup.exe"}, true},
-                    CommandLineCase{"odt", {L"setup.exe", L"--odt"}, true},
-                    CommandLineCase{"softMgt", {L"setup.exe", L"-SoftMgt", L"-Commit"}, true},
-                    CommandLineCase{"mgt", {L"setup.exe", L"--mgt"}, false},
-                    CommandLineCase{"uninst", {L"setup.exe", L"--uninst"}, false},
-                    CommandLineCase{"pipeserver", {L"setup.exe", L"--pipeserver"}, false}));
+TEST_F(TemporaryCopyTest, IsPreventedByOthers) {
+    for (const char* argument : {"--mgt", "--uninst", "--pipeserver"}) {
+        LaunchOptions launch = test::ParseOptions({argument}, false);
+        Prepare(launch);
+        SetEnvVar(kOriginalVar, "stale");
+        CopyInstallerToTemporaryDir(launch, temporaryDir);
+        ExpectNotCopied(launch);
+    }
+}
 
 TEST_F(TemporaryCopyTest, NamesTheInstallerOfTheOptions) {
     options.installerExeName = "ZEPInsAppliODT.exe";
@@ -151,19 +142,6 @@ TEST_F(TemporaryCopyTest, NamesTheInstallerOfTheOptions) {
     CopyInstallerToTemporaryDir(options, temporaryDir);
     EXPECT_EQ(options.installerExePath,
               temporaryDir + "inst\\intel_a\\code\\bin\\ZEPInsAppliODT.exe");
-}
-
-TEST_F(TemporaryCopyTest, LeavesNoHandleOpen) {
-    const auto copyTo = [this](const std::string& name) {
-        Prepare(options);
-        options.mediaInstDir = media + "\\no such folder\\";
-        CopyInstallerToTemporaryDir(options, folder.Text(name) + "\\");
-        WriteRemoveScript(folder.Text(name) + "\\");
-    };
-    copyTo("first");  // what the system opens once stays open
-    const std::size_t before = test::OpenHandleCount();
-    copyTo("second");
-    EXPECT_EQ(test::OpenHandleCount(), before);
 }
 
 // The installer came from a media of its own.
@@ -189,11 +167,10 @@ TEST_F(SeparateInstallerTest, AddsItsTwoFolders) {
     folder.Write("Installer/inst/intel_a/not copied");
     folder.Write("Installer/inst/not copied");
     CopySilently();
-    std::vector<std::string> expected = test::CopiedTree();
-    expected[2] = "inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe: other installer";
-    expected.insert(expected.end(), {"inst\\common\\added: 1", "inst\\win_b64\\added: 2"});
-    EXPECT_THAT(test::TreeOf(temporaryDir), testing::UnorderedElementsAreArray(expected));
-    EXPECT_EQ(GetEnvVar(kOriginalVar), media);
+    whole["inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe"] = "other installer";
+    whole["inst\\common\\added"] = "1";
+    whole["inst\\win_b64\\added"] = "2";
+    ExpectCopied(options);
 }
 
 TEST_F(SeparateInstallerTest, AddsNothingWithoutACopy) {
@@ -208,27 +185,23 @@ TEST_F(SeparateInstallerTest, MayMissBothFolders) {
     ExpectCopied(options);
 }
 
-TEST_F(SeparateInstallerTest, MayMissTheFirstFolder) {
-    folder.Write("Installer/inst/win_b64/added", "2");
-    CopySilently();
-    EXPECT_THAT(test::TreeOf(temporaryDir), Contains("inst\\win_b64\\added: 2"));
-}
-
 TEST_F(SeparateInstallerTest, MayFailHalfway) {
     folder.Write("Installer/inst/common/win_b64.installos/in the way of a file");
     folder.Write("Installer/inst/win_b64/added", "2");
     CopySilently();
-    EXPECT_THAT(test::TreeOf(temporaryDir), Contains("inst\\win_b64\\added: 2"));
+    EXPECT_THAT(Copied(), Contains(Pair("inst\\win_b64\\added", "2")));
 }
 
 TEST_F(SeparateInstallerTest, IsNamedWithADoubledBackslash) {
     std::vector<std::string> examined;
-    const test::Hook<decltype(&GetFileAttributesW)> hook("GetFileAttributesW",
-                                                         [&](auto real, LPCWSTR path) {
-                                                             examined.push_back(ToNarrow(path));
-                                                             return real(path);
-                                                         });
-    CopySilently();
+    {
+        const test::Hook<decltype(&GetFileAttributesW)> hook("GetFileAttributesW",
+                                                             [&](auto real, LPCWSTR path) {
+                                                                 examined.push_back(ToNarrow(path));
+                                                                 return real(path);
+                                                             });
+        CopyInstallerToTemporaryDir(options, temporaryDir);
+    }
     EXPECT_THAT(examined, Contains(folder.Text("Installer\\inst") + "\\\\common"));
     EXPECT_THAT(examined, Contains(folder.Text("Installer\\inst") + "\\\\win_b64"));
 }
