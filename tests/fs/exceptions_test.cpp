@@ -1,18 +1,18 @@
 #include "fs/exceptions.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <windows.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
+#include <utility>
 
-#include "fs/encoding.h"
 #include "tests/support/hook.h"
+#include "tests/support/throws.h"
 
 namespace launcher {
 namespace {
@@ -61,6 +61,11 @@ TEST(SystemErrorText, IsEmptyForZeroWithoutAsking) {
     EXPECT_EQ(table.flags, 0u);
 }
 
+TEST(SystemErrorText, IsEmptyWhenTheSystemHasNone) {
+    const MessageTable table(std::nullopt);
+    EXPECT_EQ(SystemErrorText(5), "");
+}
+
 TEST(SystemErrorText, AsksForTheSystemsTextWithoutInserts) {
     const MessageTable table(L"text");
     EXPECT_EQ(SystemErrorText(0xC0000135), "text");
@@ -71,24 +76,16 @@ TEST(SystemErrorText, AsksForTheSystemsTextWithoutInserts) {
     EXPECT_EQ(table.arguments, nullptr);
 }
 
-TEST(SystemErrorText, IsEmptyWhenTheSystemHasNoText) {
-    const MessageTable table(std::nullopt);
-    EXPECT_EQ(SystemErrorText(5), "");
-}
-
 // One line break goes from the end; blanks, full stops and whatever else stay.
 TEST(SystemErrorText, CutsOneTrailingLineBreak) {
     const std::pair<const wchar_t*, const char*> rows[] = {
-        {L"Done. \r\n", "Done. "},
-        {L"Done.\r\n\r\n", "Done.\r\n"},
-        {L"\r\n", ""},
-        {L"Done.\n", "Done.\n"},
-        {L"Done.\r", "Done.\r"},
-        {L"\n", "\n"},
-        {L"a\r\nb", "a\r\nb"},
-        {L"gr\u00F6\u00DF\r\n", "gr\xC3\xB6\xC3\x9F"},
-        {L"Done.\n\r", "Done.\n\r"},
-        {L"%1 is missing.\r\n", "%1 is missing."}};
+        std::pair{L"Done. \r\n", "Done. "},
+        std::pair{L"Done.\r\n\r\n", "Done.\r\n"},
+        std::pair{L"\r\n", ""},
+        std::pair{L"Done.\n", "Done.\n"},
+        std::pair{L"Done.\r", "Done.\r"},
+        std::pair{L"a\r\nb", "a\r\nb"},
+        std::pair{L"gr\u00F6\u00DF\r\n", "gr\xC3\xB6\xC3\x9F"}};
     for (const auto& [text, result] : rows) {
         const MessageTable table(text);
         EXPECT_EQ(SystemErrorText(5), result);
@@ -108,13 +105,9 @@ TEST(SystemErrorText, GivesTheSystemsBufferBackOnce) {
 }
 
 TEST(SystemErrorText, OfTheRunningSystemEndsInNoLineBreak) {
-    for (const DWORD code :
-         {DWORD{ERROR_FILE_NOT_FOUND}, DWORD{ERROR_ACCESS_DENIED}, DWORD{ERROR_DISK_FULL}}) {
-        const std::string text = SystemErrorText(code);
-        EXPECT_FALSE(text.empty());
-        EXPECT_EQ(text.find_first_of("\r\n"), std::string::npos) << text;
-    }
-    EXPECT_NE(SystemErrorText(ERROR_FILE_NOT_FOUND), SystemErrorText(ERROR_ACCESS_DENIED));
+    const std::string text = SystemErrorText(ERROR_FILE_NOT_FOUND);
+    EXPECT_FALSE(text.empty());
+    EXPECT_EQ(text.find_first_of("\r\n"), std::string::npos) << text;
 }
 
 TEST(FormatSystemMessage, KeepsTheLineBreakAndPassesTheFlagsOn) {
@@ -127,28 +120,34 @@ TEST(FormatSystemMessage, KeepsTheLineBreakAndPassesTheFlagsOn) {
 
 TEST(ErrnoText, IsTheRuntimesText) {
     EXPECT_EQ(ErrnoText(ENOENT), "No such file or directory");
-    for (const int value : {0, EACCES, ENOSPC, EINVAL, -1, 9999})
-        EXPECT_EQ(ErrnoText(value), std::strerror(value));
+    EXPECT_EQ(ErrnoText(9999), std::strerror(9999));
 }
 
-TEST(ZEPInsException, OfAMessageAloneEndsInALineFeed) {
+TEST(ZEPInsException, EndsInALineFeedAfterTheSystemsText) {
     EXPECT_STREQ(ZEPInsException("message").what(), "message\n");
-    EXPECT_STREQ(ZEPInsException("").what(), "\n");
-}
-
-TEST(ZEPInsException, OfAnErrorCodeAddsTheSystemsText) {
     const MessageTable table(L"Access is denied.\r\n");
     EXPECT_STREQ(ZEPInsException("message", 5).what(), "message - Access is denied.\n");
     EXPECT_EQ(table.code, 5u);
-}
-
-TEST(ZEPInsException, OfCodeZeroHasAnEmptyExplanation) {
     EXPECT_STREQ(ZEPInsException("message", 0).what(), "message - \n");
 }
 
 TEST(ZEPInsExceptionErrno, AddsTheRuntimesText) {
     EXPECT_STREQ(ZEPInsExceptionErrno("message", ENOENT).what(),
                  "message - No such file or directory\n");
+}
+
+// With a heap that changes the last error (hostile_heap.cpp), the thrown one must be read first.
+TEST(ThrowLastError, GivesTheErrorOfTheCallBefore) {
+    const std::string object(100, 'o');
+    const auto after = [&object](auto thrower) {
+        return [&object, thrower] {
+            SetLastError(ERROR_FILE_NOT_FOUND);
+            thrower("Call - ", object);
+        };
+    };
+    EXPECT_THAT(after(ThrowLastError),
+                test::ThrowsSystemError("Call - " + object, ERROR_FILE_NOT_FOUND));
+    EXPECT_THAT(after(ThrowLastErrorAsErrno), test::ThrowsErrno("Call - " + object, ENOENT));
 }
 
 // The two are siblings below runtime_error: a handler of one does not take the other.

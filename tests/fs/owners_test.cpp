@@ -124,7 +124,7 @@ TEST(Owners, OfAFileClosesIt) {
     EXPECT_EQ(test::OpenHandleCount(), before);
 }
 
-TEST(Owners, OfASearchCloseIt) {
+TEST(Owners, OfASearchClosesIt) {
     std::vector<HANDLE> closed;
     const test::Hook<decltype(&FindClose)> hook("FindClose", [&](auto real, HANDLE search) {
         closed.push_back(search);

@@ -3,7 +3,7 @@
 #include <cwchar>
 
 #include "fs/encoding.h"
-#include "tests/launcher/journal.h"
+#include "tests/support/journal.h"
 
 namespace launcher::test {
 namespace {
@@ -32,7 +32,7 @@ IFACEMETHODIMP FakeFileDialog::QueryInterface(REFIID iid, void** object) {
     return FakeObject::QueryInterface(iid, object);
 }
 
-// A dialog that goes lets go of its events, too.
+// A dialog that goes lets go of its events.
 IFACEMETHODIMP_(ULONG) FakeFileDialog::Release() {
     const ULONG left = FakeObject::Release();
     if (left == 0 && events != nullptr) {

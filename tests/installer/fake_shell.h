@@ -10,8 +10,6 @@
 #include <cstddef>
 #include <string>
 
-#include "tests/support/import_patch.h"
-
 namespace launcher::test {
 
 template <class Interface>
@@ -64,7 +62,7 @@ class FakeOleWindow : public FakeObject<IOleWindow> {
     IFACEMETHODIMP ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
 };
 
-// A folder dialog in which the person enters `entered` and then confirms or cancels.
+// A folder dialog in which the user enters `entered` and then confirms or cancels.
 class FakeFileDialog : public FakeObject<IFileDialog> {
   public:
     FakeOleWindow window;

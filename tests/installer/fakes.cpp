@@ -1,9 +1,9 @@
 #include "tests/installer/fakes.h"
 
 #include "fs/exceptions.h"
+#include "installer/com.h"
 #include "media/installer_media.h"
 #include "platform/administrator.h"
-#include "tests/launcher/base/options_fields.h"
 
 namespace launcher {
 
@@ -18,13 +18,29 @@ bool LocateInstaller(LaunchOptions&, const std::string& folder, bool quiet) {
     return test::below.findsInstaller;
 }
 
+ComApartment::ComApartment() : initialised_(false) {
+    test::Record("COM begins");
+}
+
+ComApartment::~ComApartment() {
+    test::Record("COM ends");
+}
+
+HRESULT ComApartment::CreateInstance(REFCLSID classId, REFIID iid, void** object) const {
+    return test::below.createInstance(classId, iid, object);
+}
+
+void FreeComMemory(void* memory) {
+    ++test::below.freed;
+    CoTaskMemFree(memory);
+}
+
 namespace test {
 
 FakeBelow below;
 
 InstallerTest::InstallerTest() : options_(ParseOptions({})) {
     below = {};
-    ClearJournal();
     options_.mediaDir = Path("D:\\Media");
     options_.osFolder = "win_b64";
 }

@@ -1,8 +1,16 @@
 #pragma once
 
-#include "launcher/base/launch_options.h"
-#include "tests/launcher/isolated_test.h"
-#include "tests/launcher/journal.h"
+#include <windows.h>
+// windows.h first: the COM headers need it.
+#include <objbase.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+#include "platform/module_path.h"
+#include "tests/support/isolated_test.h"
+#include "tests/support/options.h"
 
 namespace launcher::test {
 
@@ -12,6 +20,11 @@ struct FakeBelow {
     bool administratorCheckFails = false;  // IsAdministrator throws kCheckFailed
     int administratorChecks = 0;
     bool findsInstaller = false;  // LocateInstaller; each call is in the journal
+
+    // In place of installer/com.cpp. An apartment is in the journal, "COM begins" and "COM ends";
+    // what is freed is really freed, and counted.
+    std::function<HRESULT(REFCLSID, REFIID, void**)> createInstance;
+    std::size_t freed = 0;
 };
 extern FakeBelow below;
 
@@ -24,5 +37,10 @@ class InstallerTest : public IsolatedTest {
 
     LaunchOptions options_;
 };
+
+// A command line for the child program beside this test program (launch_child.cpp).
+inline std::string ChildCommandLine(const std::string& arguments) {
+    return "\"" + GetModuleDirectory() + "\\launch_child.exe\" " + arguments;
+}
 
 }  // namespace launcher::test

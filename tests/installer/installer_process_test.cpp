@@ -1,4 +1,4 @@
-// What LaunchInstaller asks of Windows, and in which order, on fakes of the process functions.
+// What is asked of Windows, on fakes of the process functions.
 
 #include <windows.h>
 
@@ -8,9 +8,9 @@
 #include "installer/installer_process.h"
 #include "installer/launch.h"
 #include "tests/installer/fakes.h"
-#include "tests/launcher/fake_messages.h"
+#include "tests/support/fake_messages.h"
 #include "tests/support/handle_count.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/hook.h"
 
 namespace launcher {
 namespace {
@@ -38,78 +38,65 @@ struct FakeProcess {
 };
 FakeProcess process;
 
-decltype(&CloseHandle) realCloseHandle;
-decltype(&WaitForSingleObject) realWait;
-
-BOOL WINAPI FakeCreateProcess(LPCWSTR application, LPWSTR commandLine,
-                              LPSECURITY_ATTRIBUTES processSecurity,
-                              LPSECURITY_ATTRIBUTES threadSecurity, BOOL inherit, DWORD flags,
-                              LPVOID environment, LPCWSTR folder, LPSTARTUPINFOW startup,
-                              LPPROCESS_INFORMATION information) {
-    test::Record("start " + ToNarrow(commandLine));
-    *commandLine = L'X';  // the real one may write here, too
-    process.othersAreNull =
-        !application && !processSecurity && !threadSecurity && !environment && !folder;
-    process.inheritsHandles = inherit;
-    process.flags = flags;
-    process.startup = *startup;
-    if (process.starts)
-        *information = {kProcess, kThread, 1, 2};
-    else
-        SetLastError(process.lastError);
-    return process.starts;
-}
-
-DWORD WINAPI FakeWait(HANDLE handle, DWORD milliseconds) {
-    if (handle != kProcess) return realWait(handle, milliseconds);
-    test::Record(milliseconds == INFINITE ? "wait without limit" : "wait with a limit");
-    return process.waitResult;
-}
-
-BOOL WINAPI FakeGetExitCode(HANDLE handle, LPDWORD code) {
-    test::Record(handle == kProcess ? "exit code" : "exit code of another");
-    if (process.hasExitCode) *code = process.exitCode;
-    SetLastError(process.lastError);
-    return process.hasExitCode;
-}
-
-BOOL WINAPI FakeCloseHandle(HANDLE handle) {
-    if (handle == INVALID_HANDLE_VALUE) test::Record("close an invalid handle");
-    if (handle != kProcess && handle != kThread) return realCloseHandle(handle);
-    test::Record(handle == kProcess ? "close process" : "close thread");
-    return TRUE;
-}
-
 class InstallerProcessTest : public test::InstallerTest {
   protected:
     InstallerProcessTest() {
         process = {};
-        realCloseHandle = reinterpret_cast<decltype(realCloseHandle)>(close_.Original());
-        realWait = reinterpret_cast<decltype(realWait)>(wait_.Original());
         options_.wait = true;
     }
 
     std::int32_t Launch() { return LaunchInstaller(options_, "\"i.exe\" \"\xC3\xA4\""); }
 
   private:
-    const test::ImportPatch create_{"CreateProcessW", FakeCreateProcess};
-    const test::ImportPatch wait_{"WaitForSingleObject", FakeWait};
-    const test::ImportPatch exitCode_{"GetExitCodeProcess", FakeGetExitCode};
-    const test::ImportPatch close_{"CloseHandle", FakeCloseHandle};
+    const test::Hook<decltype(&CreateProcessW)> create_{
+        "CreateProcessW",
+        [](auto, LPCWSTR application, LPWSTR commandLine, LPSECURITY_ATTRIBUTES processSecurity,
+           LPSECURITY_ATTRIBUTES threadSecurity, BOOL inherit, DWORD flags, LPVOID environment,
+           LPCWSTR folder, LPSTARTUPINFOW startup, LPPROCESS_INFORMATION information) {
+            test::Record("start " + ToNarrow(commandLine));
+            *commandLine = L'X';  // the real one may write here, too
+            process.othersAreNull =
+                !application && !processSecurity && !threadSecurity && !environment && !folder;
+            process.inheritsHandles = inherit;
+            process.flags = flags;
+            process.startup = *startup;
+            SetLastError(process.lastError);
+            if (process.starts) *information = {kProcess, kThread, 1, 2};
+            return process.starts;
+        }};
+    const test::Hook<decltype(&WaitForSingleObject)> wait_{
+        "WaitForSingleObject", [](auto real, HANDLE handle, DWORD milliseconds) {
+            if (handle != kProcess) return real(handle, milliseconds);
+            test::Record(milliseconds == INFINITE ? "wait without limit" : "wait with a limit");
+            return process.waitResult;
+        }};
+    const test::Hook<decltype(&GetExitCodeProcess)> exitCode_{
+        "GetExitCodeProcess", [](auto, HANDLE handle, LPDWORD code) {
+            test::Record(handle == kProcess ? "exit code" : "exit code of another");
+            if (process.hasExitCode) *code = process.exitCode;
+            return process.hasExitCode;
+        }};
+    const test::Hook<decltype(&CloseHandle)> close_{
+        "CloseHandle", [](auto real, HANDLE handle) {
+            if (handle == INVALID_HANDLE_VALUE) test::Record("close an invalid handle");
+            if (handle != kProcess && handle != kThread) return real(handle);
+            test::Record(handle == kProcess ? "close process" : "close thread");
+            return TRUE;
+        }};
 };
 
 TEST_F(InstallerProcessTest, IsWaitedForWithoutLimitAndThenReleased) {
     process.exitCode = 7;
     EXPECT_EQ(Launch(), 7);
-    EXPECT_THAT(test::Journal(), ElementsAre("start \"i.exe\" \"\xC3\xA4\"", "wait without limit",
-                                             "exit code", "close process", "close thread"));
+    EXPECT_THAT(test::journal, ElementsAre("start \"i.exe\" \"\xC3\xA4\"", "wait without limit",
+                                           "exit code", "close process", "close thread"));
 }
 
 TEST_F(InstallerProcessTest, IsReleasedAtOnceWhereNobodyWaits) {
     options_.wait = false;
     process.exitCode = 7;
     EXPECT_EQ(Launch(), 0);
-    EXPECT_THAT(test::Journal(),
+    EXPECT_THAT(test::journal,
                 ElementsAre("start \"i.exe\" \"\xC3\xA4\"", "close process", "close thread"));
 }
 
@@ -117,20 +104,12 @@ TEST_F(InstallerProcessTest, IsReportedWithTheErrorOfItsStartAndTheLineAsItWas) 
     process.starts = FALSE;
     process.lastError = ERROR_ACCESS_DENIED;
     EXPECT_THROW(Launch(), test::ProcessExit);
-    EXPECT_THAT(test::Journal(),
+    EXPECT_THAT(test::journal,
                 ElementsAre("start \"i.exe\" \"\xC3\xA4\"",
                             "error: Setup failed to create process\n\"i.exe\" \"\xC3\xA4\"\nrc=5"));
 }
 
-TEST_F(InstallerProcessTest, IsReportedWithTheErrorOfTheMomentAfterANegativeCode) {
-    process.exitCode = 0xC0000005;
-    process.lastError = 77;
-    EXPECT_THROW(Launch(), test::ProcessExit);
-    EXPECT_THAT(test::Journal(),
-                testing::Contains("error: Cannot wait for process\n\"i.exe\" \"\xC3\xA4\"\nrc=77"));
-}
-
-TEST_F(InstallerProcessTest, AnswersAlsoAfterAFailedWait) {
+TEST_F(InstallerProcessTest, AnswersEvenAfterAFailedWait) {
     process.waitResult = WAIT_FAILED;
     process.exitCode = 7;
     EXPECT_EQ(Launch(), 7);
@@ -164,10 +143,10 @@ TEST_F(InstallerProcessTest, StartsWithoutAWindowWhenAskedTo) {
 
 TEST_F(InstallerProcessTest, HoldsNothingBeforeItIsStarted) {
     { const InstallerProcess installer("i.exe"); }
-    EXPECT_THAT(test::Journal(), ElementsAre());
+    EXPECT_THAT(test::journal, ElementsAre());
 }
 
-TEST(ProcessInformationTest, ClosesBothHandles) {
+TEST(ProcessInformation, ClosesBothHandles) {
     const std::size_t before = test::OpenHandleCount();
     {
         ProcessInformation child;

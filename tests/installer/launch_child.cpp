@@ -1,7 +1,7 @@
 // The child process of the launch tests.
 //
 //   launch_child exit CODE         ends with the code
-//   launch_child set HANDLE        sets the event behind an inherited handle; ends with 0
+//   launch_child set HANDLE        sets the event that an inherited handle names; ends with 0
 //   launch_child value NAME VALUE  ends with 0 when the environment says so, else with 1
 
 #include <windows.h>

@@ -1,45 +1,38 @@
 #include "media/installer_media.h"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 
-#include "launcher/base/launch_options.h"
-#include "tests/media/recorded_messages.h"
+#include "tests/support/isolated_test.h"
+#include "tests/support/options.h"
 #include "tests/support/temporary_folder.h"
 
 namespace launcher {
 namespace {
 
-using test::Info;
-using test::Message;
-using test::TakeMessages;
+using test::journal;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr char kExe[] = "ZEPInsAppliGUI.exe";
 constexpr char kBelowInst[] = "win_b64\\code\\bin\\ZEPInsAppliGUI.exe";
 
-class LocateInstallerTest : public testing::Test {
+class LocateInstallerTest : public test::IsolatedTest {
   protected:
     LocateInstallerTest() {
-        TakeMessages();
         options.osFolder = "win_b64";
         options.mediaInstDir = "old folder";
         options.installerExePath = "old path";
     }
 
     // What the lookup says on its way.
-    static Message WithoutSubDir(const std::string& exe) {
-        return Info("Installer executable \"" + exe +
-                    "\" does not exist, trying without sub dir \"1\"");
+    static std::string WithoutSubDir(const std::string& exe) {
+        return "trace: Installer executable \"" + exe +
+               "\" does not exist, trying without sub dir \"1\"";
     }
-    static Message Found(const std::string& exe) {
-        return Info("Installer Media: \"" + exe + "\"");
+    static std::string Found(const std::string& exe) {
+        return "trace: Installer Media: \"" + exe + "\"";
     }
-    static Message Invalid(const std::string& exe) {
-        return {Severity::Info, "Invalid Installer media, \"" + exe + "\" does not exist",
-                Message::Kind::MayBeBoxed};
+    static std::string Invalid(const std::string& exe) {
+        return "info: Invalid Installer media, \"" + exe + "\" does not exist";
     }
 
     void ExpectFound(const std::string& instDir) const {
@@ -53,12 +46,12 @@ class LocateInstallerTest : public testing::Test {
 
     const test::TemporaryFolder folder;
     const std::string media = folder.MakeDir("media");
-    LaunchOptions options{0, nullptr, kExe, true, false};
+    LaunchOptions options = test::ParseOptions({});
 };
 
 TEST_F(LocateInstallerTest, SaysNothingAboutNoFolder) {
     EXPECT_FALSE(LocateInstaller(options, "", false));
-    EXPECT_THAT(TakeMessages(), IsEmpty());
+    EXPECT_THAT(journal, IsEmpty());
     ExpectUntouched();
 }
 
@@ -67,43 +60,40 @@ TEST_F(LocateInstallerTest, LooksBelowTheFirstVolumeFirst) {
     folder.Write("media/inst/win_b64/code/bin/ZEPInsAppliGUI.exe");
     EXPECT_TRUE(LocateInstaller(options, media, false));
     ExpectFound(media + "\\1\\inst\\");
-    EXPECT_THAT(TakeMessages(), ElementsAre(Found(media + "\\1\\inst\\" + kBelowInst)));
+    EXPECT_THAT(journal, ElementsAre(Found(media + "\\1\\inst\\" + kBelowInst)));
 }
 
 TEST_F(LocateInstallerTest, LooksWithoutTheFirstVolumeNext) {
     folder.Write("media/inst/win_b64/code/bin/ZEPInsAppliGUI.exe");
     EXPECT_TRUE(LocateInstaller(options, media, false));
     ExpectFound(media + "\\inst\\");
-    EXPECT_THAT(TakeMessages(), ElementsAre(WithoutSubDir(media + "\\1\\inst\\" + kBelowInst),
-                                            Found(media + "\\inst\\" + kBelowInst)));
+    EXPECT_THAT(journal, ElementsAre(WithoutSubDir(media + "\\1\\inst\\" + kBelowInst),
+                                     Found(media + "\\inst\\" + kBelowInst)));
 }
 
 TEST_F(LocateInstallerTest, ReportsAFolderThatIsNoMedia) {
     EXPECT_FALSE(LocateInstaller(options, media, false));
     ExpectUntouched();
-    EXPECT_THAT(TakeMessages(), ElementsAre(WithoutSubDir(media + "\\1\\inst\\" + kBelowInst),
-                                            Invalid(media + "\\inst\\" + kBelowInst)));
+    EXPECT_THAT(journal, ElementsAre(WithoutSubDir(media + "\\1\\inst\\" + kBelowInst),
+                                     Invalid(media + "\\inst\\" + kBelowInst)));
 }
 
 TEST_F(LocateInstallerTest, TracesOnlyWhenQuiet) {
     EXPECT_FALSE(LocateInstaller(options, media, true));
     ExpectUntouched();
-    EXPECT_THAT(TakeMessages(), ElementsAre(WithoutSubDir(media + "\\1\\inst\\" + kBelowInst)));
+    EXPECT_THAT(journal, ElementsAre(WithoutSubDir(media + "\\1\\inst\\" + kBelowInst)));
 
-    folder.Write("media/inst/win_b64/code/bin/ZEPInsAppliGUI.exe");
+    folder.Write("media/1/inst/win_b64/code/bin/ZEPInsAppliGUI.exe");
+    journal.clear();
     EXPECT_TRUE(LocateInstaller(options, media, true));
-    EXPECT_THAT(TakeMessages(), ElementsAre(WithoutSubDir(media + "\\1\\inst\\" + kBelowInst),
-                                            Found(media + "\\inst\\" + kBelowInst)));
+    EXPECT_THAT(journal, ElementsAre(Found(media + "\\1\\inst\\" + kBelowInst)));
 }
 
-TEST_F(LocateInstallerTest, TakesATrailingBackslashAsItIs) {
+// A trailing backslash is taken as it is; another one is added after a slash.
+TEST_F(LocateInstallerTest, CompletesTheFolderWithABackslash) {
     folder.Write("media/1/inst/win_b64/code/bin/ZEPInsAppliGUI.exe");
     EXPECT_TRUE(LocateInstaller(options, media + "\\", false));
     ExpectFound(media + "\\1\\inst\\");
-}
-
-TEST_F(LocateInstallerTest, AddsABackslashBehindASlash) {
-    folder.Write("media/1/inst/win_b64/code/bin/ZEPInsAppliGUI.exe");
     std::string slashes = media + "/";
     std::replace(slashes.begin(), slashes.end(), '\\', '/');
     EXPECT_TRUE(LocateInstaller(options, slashes, false));

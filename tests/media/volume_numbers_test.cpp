@@ -10,9 +10,9 @@
 
 #include "fs/environment.h"
 #include "fs/path_exists.h"
-#include "launcher/base/launch_options.h"
 #include "media/volumes.h"
 #include "tests/support/hook.h"
+#include "tests/support/options.h"
 #include "tests/support/temporary_folder.h"
 
 namespace launcher {
@@ -113,10 +113,7 @@ TEST_F(VolumeNumbersTest, EndEvenForTheLargestCountInAFolderOfManyFiles) {
     folder_.Write("1.txt", "MTBDIR=X");
     folder_.Write("8.txt", "MTBDIR=X");
     folder_.Write("1000.txt", "MTBDIR=Y");
-    wchar_t program[] = L"setup.exe";
-    const wchar_t* const argv[] = {program};
-    LaunchOptions options(1, argv, "ZEPInsAppliGUI.exe", /*useGuiDefault=*/false,
-                          /*waitDefault=*/false);
+    LaunchOptions options = test::ParseOptions({});
     options.mediaDir = Folder();
     std::vector<std::string> volumes;
     EXPECT_EQ(ResolveVolumes(options, volumes), 0);

@@ -1,29 +1,49 @@
 #pragma once
 
-#include <gtest/gtest.h>
-#include <windows.h>
+#include <gmock/gmock.h>
 
+#include <ostream>
 #include <string>
+#include <vector>
 
-#include "fs/encoding.h"
 #include "fs/owners.h"
-#include "tests/media/volumes_outcome.h"
 #include "tests/support/temporary_folder.h"
 
 namespace launcher::test {
+
+// All that a search for volumes leaves behind. Every member is compared, so a test names each one
+// that is not empty.
+struct Outcome {
+    int result = 0;
+    bool skipTemporaryCopy = false;
+    std::vector<std::string> volumes = {};   // when there are several
+    std::vector<std::string> messages = {};  // journal lines (fake_messages.h)
+    std::string volumesCount = {};           // "ZEPAdmInstVolumesCount"
+    std::string mtbDir = {};                 // "ZEPAdmInstMTBDIR"
+    std::string firstAmVolume = {};          // "ZEPAdmInstFirstAMVolume"
+    std::string firstAmPath = {};            // "ZEPAdmInstFirstAMPath"
+    std::string amRelativePath = {};         // "ZEPAdmInstAMRelativePath"
+
+    bool operator==(const Outcome&) const = default;
+};
+
+void PrintTo(const Outcome& outcome, std::ostream* out);
+
+// Calls ResolveVolumes, with each of the five variables set to something stale before.
+Outcome Resolve(const std::string& mediaDir, bool softMgt = false);
 
 // A split media in a temporary folder. Paths are relative to that folder, with slashes. The id of
 // the media is "X" throughout, that of an outer set "Y", and "Z" is foreign to both.
 class VolumesTest : public testing::Test {
   protected:
-    std::string At(const std::string& relative) const { return folder.Text(relative); }
+    std::string At(const std::string& relative) const { return folder_.Text(relative); }
 
     void Count(const std::string& volumeOne, const std::string& line) const {
-        folder.Write(volumeOne + "/inst/volumes.txt", line + "\r\n");
+        folder_.Write(volumeOne + "/inst/volumes.txt", line + "\r\n");
     }
     void Marker(const std::string& dir, int number, const std::string& id) const {
-        folder.Write(dir + "/" + std::to_string(number) + ".txt",
-                     "Made by hand\r\nMTBDIR=" + id + "\r\n");
+        folder_.Write(dir + "/" + std::to_string(number) + ".txt",
+                      "Made by hand\r\nMTBDIR=" + id + "\r\n");
     }
     // Volume 1: the count file and its marker.
     void VolumeOne(const std::string& dir, int count) const {
@@ -31,27 +51,37 @@ class VolumesTest : public testing::Test {
         Marker(dir, 1, "X");
     }
     // An existing file, opened so that nobody else can read it.
-    FileHandle Lock(const std::string& relative) const {
-        FileHandle file(CreateFileW(ToWide(At(relative)).c_str(), GENERIC_READ, 0, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        EXPECT_TRUE(file);
-        return file;
-    }
+    FileHandle Lock(const std::string& relative) const;
 
-    static Message Composed(const std::string& line) {
-        return Info("This media is composed of " + line + " volumes.");
+    // The messages.
+    static std::string Plain(const std::string& text) { return "plain trace: " + text; }
+    static std::string Warning(const std::string& text) { return "warning trace: " + text; }
+    static std::string Composed(const std::string& line) {
+        return "trace: This media is composed of " + line + " volumes.";
     }
-    Message Found(int volume, const std::string& dir) const {
+    std::string Found(int volume, const std::string& dir) const {
         return Plain("Volume " + std::to_string(volume) + " found in: " + At(dir));
     }
-    Message FoundAm(int volume, const std::string& dir) const {
+    std::string FoundAm(int volume, const std::string& dir) const {
         return Plain("AM volume " + std::to_string(volume) + " found in: " + At(dir));
     }
-    static Message Missing() {
+    // "Volume 2" or "AM volume 8" of another media.
+    std::string Foreign(const std::string& volume, const std::string& id, const std::string& dir,
+                        const std::string& ownId) const {
+        return Warning(volume + " of " + id + " found in " + At(dir) + " instead of " + ownId);
+    }
+    static std::string Missing() {
         return Warning("Missing volumes. Please make sure you copied everything correctly.");
     }
 
-    const TemporaryFolder folder;
+    // The outcome of a search that ended with 0 after it knew the media's id.
+    static Outcome Failed(int count, std::vector<std::string> messages) {
+        messages.insert(messages.begin(), Composed(std::to_string(count)));
+        return {
+            .messages = std::move(messages), .volumesCount = std::to_string(count), .mtbDir = "X"};
+    }
+
+    const TemporaryFolder folder_;
 };
 
 }  // namespace launcher::test

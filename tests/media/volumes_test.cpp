@@ -1,11 +1,7 @@
 #include "media/volumes.h"
 
-#include <gmock/gmock.h>
-
 #include "fs/environment.h"
-#include "launcher/base/launch_options.h"
 #include "tests/media/volumes_fixture.h"
-#include "tests/support/import_patch.h"
 
 namespace launcher::test {
 namespace {
@@ -48,7 +44,7 @@ TEST_F(VolumesTest, EndSilentlyWhenTheCountCannotBeRead) {
     const FileHandle lock = Lock("V/inst/volumes.txt");
     EXPECT_EQ(Resolve(At("V")), Outcome{});
 
-    folder.MakeDir("W/inst/volumes.txt");
+    folder_.MakeDir("W/inst/volumes.txt");
     EXPECT_EQ(Resolve(At("W")), Outcome{});
 }
 
@@ -58,29 +54,6 @@ TEST_F(VolumesTest, PassTheCountLineOnAsItWasRead) {
     EXPECT_EQ(Resolve(At("V")), (Outcome{.messages = {Composed(" 3 volumes\t"), Found(1, "V")},
                                          .volumesCount = " 3 volumes\t",
                                          .mtbDir = "X"}));
-}
-
-std::vector<std::wstring>& NamesSet() {
-    static std::vector<std::wstring> names;
-    return names;
-}
-
-BOOL WINAPI RecordName(LPCWSTR name, LPCWSTR value) {
-    EXPECT_EQ(value, nullptr) << ToNarrow(name);
-    NamesSet().emplace_back(name);
-    return TRUE;
-}
-
-TEST_F(VolumesTest, ClearTheirVariablesInOrder) {
-    const ImportPatch patch("SetEnvironmentVariableW", RecordName);
-    LaunchOptions options(0, nullptr, "", true, false);
-    options.mediaDir = Path(At("V"));
-    std::vector<std::string> volumes;
-    ResolveVolumes(options, volumes);
-    EXPECT_THAT(NamesSet(),
-                testing::ElementsAre(L"ZEPAdmInstVolumesCount", L"ZEPAdmInstMTBDIR",
-                                     L"ZEPAdmInstFirstAMVolume", L"ZEPAdmInstFirstAMPath",
-                                     L"ZEPAdmInstAMRelativePath"));
 }
 
 class VolumeOneTest : public VolumesTest {
@@ -105,7 +78,7 @@ TEST_F(VolumeOneTest, NeedsAnIdInItsMarker) {
     Count("V", "2");
     Marker("V", 1, "");
     ExpectNotAccessible("V");
-    folder.Write("V/1.txt", "no id");
+    folder_.Write("V/1.txt", "no id");
     ExpectNotAccessible("V");
 }
 
@@ -115,13 +88,13 @@ TEST_F(VolumeOneTest, NeedsAReadableMarker) {
     ExpectNotAccessible("V");
 
     Count("W", "2");
-    folder.MakeDir("W/1.txt");
+    folder_.MakeDir("W/1.txt");
     ExpectNotAccessible("W");
 }
 
 class SingleFolderTest : public VolumesTest {
   protected:
-    Message Foreign(int volume, const std::string& id) const {
+    static std::string ForeignHere(int volume, const std::string& id) {
         return Warning("Volume " + std::to_string(volume) + " of " + id +
                        " found in the directory of X");
     }
@@ -152,18 +125,13 @@ TEST_F(SingleFolderTest, NamesEveryForeignVolumeAndEnds) {
     Marker("P/V", 4, "x");
     for (const int k : {2, 3, 4})
         Marker("P/" + std::to_string(k), k, "X");
-    EXPECT_EQ(Resolve(At("P/V")),
-              (Outcome{.messages = {Composed("4"), Foreign(2, "Z"), Foreign(4, "x")},
-                       .volumesCount = "4",
-                       .mtbDir = "X"}));
+    EXPECT_EQ(Resolve(At("P/V")), Failed(4, {ForeignHere(2, "Z"), ForeignHere(4, "x")}));
 }
 
 TEST_F(SingleFolderTest, ComparesIdsToTheLastBlank) {
     VolumeOne("V", 2);
     Marker("V", 2, "X ");
-    EXPECT_EQ(Resolve(At("V")), (Outcome{.messages = {Composed("2"), Foreign(2, "X ")},
-                                         .volumesCount = "2",
-                                         .mtbDir = "X"}));
+    EXPECT_EQ(Resolve(At("V")), Failed(2, {ForeignHere(2, "X ")}));
 }
 
 TEST_F(SingleFolderTest, MissesVolumesThatLieElsewhere) {
@@ -171,9 +139,7 @@ TEST_F(SingleFolderTest, MissesVolumesThatLieElsewhere) {
     Marker("P/V", 2, "X");
     Marker("P/V", 3, "X");
     Marker("P/4", 4, "X");
-    EXPECT_EQ(
-        Resolve(At("P/V")),
-        (Outcome{.messages = {Composed("4"), Missing()}, .volumesCount = "4", .mtbDir = "X"}));
+    EXPECT_EQ(Resolve(At("P/V")), Failed(4, {Missing()}));
 }
 
 TEST_F(SingleFolderTest, TakesAnUnreadableMarkerForAMissingVolume) {
@@ -181,19 +147,11 @@ TEST_F(SingleFolderTest, TakesAnUnreadableMarkerForAMissingVolume) {
     for (const int k : {2, 3})
         Marker("V", k, "X");
     const FileHandle lock = Lock("V/3.txt");
-    folder.MakeDir("V/4.txt");
-    EXPECT_EQ(
-        Resolve(At("V")),
-        (Outcome{.messages = {Composed("4"), Missing()}, .volumesCount = "4", .mtbDir = "X"}));
+    folder_.MakeDir("V/4.txt");
+    EXPECT_EQ(Resolve(At("V")), Failed(4, {Missing()}));
 }
 
-class SiblingTest : public VolumesTest {
-  protected:
-    Message Foreign(int volume, const std::string& id, const std::string& dir) const {
-        return Warning("Volume " + std::to_string(volume) + " of " + id + " found in " + At(dir) +
-                       " instead of X");
-    }
-};
+class SiblingTest : public VolumesTest {};
 
 TEST_F(SiblingTest, VolumesAreListedInOrder) {
     VolumeOne("P/Any name", 3);
@@ -213,9 +171,7 @@ TEST_F(SiblingTest, NeedsTheNumberAsFolderAndMarkerName) {
     VolumeOne("P/1", 2);
     Marker("P/02", 2, "X");
     Marker("P/2", 1, "X");
-    EXPECT_EQ(Resolve(At("P/1")), (Outcome{.messages = {Composed("2"), Found(1, "P/1")},
-                                           .volumesCount = "2",
-                                           .mtbDir = "X"}));
+    EXPECT_EQ(Resolve(At("P/1")), Failed(2, {Found(1, "P/1")}));
 }
 
 TEST_F(SiblingTest, NamesEveryForeignVolumeAndEnds) {
@@ -225,34 +181,18 @@ TEST_F(SiblingTest, NamesEveryForeignVolumeAndEnds) {
     Marker("Q/7/3", 3, "X");
     Marker("Q/7/4", 4, "X\t");
     EXPECT_EQ(Resolve(At("Q/7/V")),
-              (Outcome{.volumes = {At("Q/7/3")},
-                       .messages = {Composed("4"), Found(1, "Q/7/V"), Foreign(2, "Z", "Q/7/2"),
-                                    Found(3, "Q/7/3"), Foreign(4, "X\t", "Q/7/4")},
-                       .volumesCount = "4",
-                       .mtbDir = "X"}));
+              Failed(4, {Found(1, "Q/7/V"), Foreign("Volume 2", "Z", "Q/7/2", "X"),
+                         Found(3, "Q/7/3"), Foreign("Volume 4", "X\t", "Q/7/4", "X")}));
 }
 
+// A marker that cannot be read is none.
 TEST_F(SiblingTest, MissesVolumesThatLieElsewhere) {
-    VolumeOne("P/V", 3);
-    Marker("P/3", 3, "X");
-    EXPECT_EQ(Resolve(At("P/V")),
-              (Outcome{.volumes = {At("P/3")},
-                       .messages = {Composed("3"), Found(1, "P/V"), Found(3, "P/3"), Missing()},
-                       .volumesCount = "3",
-                       .mtbDir = "X"}));
-}
-
-TEST_F(SiblingTest, TakesAnUnreadableMarkerForAMissingVolume) {
     VolumeOne("P/V", 4);
     for (const int k : {2, 3})
         Marker("P/" + std::to_string(k), k, "X");
     const FileHandle lock = Lock("P/2/2.txt");
-    folder.MakeDir("P/4/4.txt");
-    EXPECT_EQ(Resolve(At("P/V")),
-              (Outcome{.volumes = {At("P/3")},
-                       .messages = {Composed("4"), Found(1, "P/V"), Found(3, "P/3"), Missing()},
-                       .volumesCount = "4",
-                       .mtbDir = "X"}));
+    folder_.MakeDir("P/4/4.txt");
+    EXPECT_EQ(Resolve(At("P/V")), Failed(4, {Found(1, "P/V"), Found(3, "P/3"), Missing()}));
 }
 
 }  // namespace

@@ -6,11 +6,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
+#include <utility>
 
-#include "tests/fs/throws.h"
-#include "tests/platform/own_process.h"
 #include "tests/support/hook.h"
+#include "tests/support/own_process.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/throws.h"
 
 namespace launcher {
 namespace {
@@ -57,27 +58,19 @@ TEST(ModulePath, IsTheRunningExecutable) {
     EXPECT_EQ(GetModuleDirectory() + "\\platform_test.exe", GetModuleFileNameText());
 }
 
-struct Place {
-    const char* name;
-    const wchar_t* executable;
-    const char* folder;
-};
-class ModuleDirectoryDeathTest : public testing::TestWithParam<Place> {};
-// The folder has no trailing backslash, a drive's root neither.
-INSTANTIATE_TEST_SUITE_P(
-    Places, ModuleDirectoryDeathTest,
-    testing::Values(Place{"Folder", L"C:\\media\\disk 1\\setup.exe", "C:\\media\\disk 1"},
-                    Place{"DriveRoot", L"D:\\setup.exe", "D:"},
-                    Place{"ShareRoot", L"\\\\server\\share\\setup.exe", "\\\\server\\share"},
-                    Place{"AnyLanguage", L"C:\\gr\u00FC\u00DF \xD83D\xDCBF\\setup.exe",
-                          "C:\\gr\xC3\xBC\xC3\x9F \xF0\x9F\x92\xBF"}),
-    [](const auto& row) { return std::string(row.param.name); });
-
-TEST_P(ModuleDirectoryDeathTest, IsTheFolderOfTheExecutable) {
-    test::ExpectInOwnProcess([] {
-        const Executable executable(GetParam().executable);
-        EXPECT_EQ(GetModuleDirectory(), GetParam().folder);
-    });
+// The folder has no trailing backslash, even at a drive's root.
+TEST(ModulePathDeathTest, HasTheFolderOfTheExecutable) {
+    const std::pair<const wchar_t*, const char*> rows[] = {
+        std::pair{L"C:\\media\\disk 1\\setup.exe", "C:\\media\\disk 1"},
+        std::pair{L"D:\\setup.exe", "D:"},
+        std::pair{L"\\\\server\\share\\setup.exe", "\\\\server\\share"},
+        std::pair{L"C:\\gr\u00FC\u00DF \xD83D\xDCBF\\setup.exe",
+                  "C:\\gr\xC3\xBC\xC3\x9F \xF0\x9F\x92\xBF"}};
+    for (const auto& row : rows)
+        test::ExpectInOwnProcess([&row] {
+            const Executable executable(row.first);
+            EXPECT_EQ(GetModuleDirectory(), row.second);
+        });
 }
 
 TEST(ModulePathDeathTest, IsAskedOfWindowsOnce) {

@@ -10,15 +10,10 @@
 namespace launcher {
 namespace {
 
-// Where files answer INVALID_HANDLE_VALUE, these answer null: mixing them up must not compile.
-TEST(PlatformOwners, HoldNullByDefaultAndAreTypesOfTheirOwn) {
+// Where files answer INVALID_HANDLE_VALUE, a token answers null: mixing them up must not compile.
+TEST(PlatformOwners, AreTypesOfTheirOwnAndATokenIsClosed) {
     static_assert(!std::is_same_v<FileHandle, TokenHandle>);
     EXPECT_EQ(TokenHandle().Get(), nullptr);
-    EXPECT_EQ(Sid().Get(), nullptr);
-    EXPECT_EQ(Library().Get(), nullptr);
-}
-
-TEST(PlatformOwners, OfATokenCloseIt) {
     const std::size_t before = test::OpenHandleCount();
     {
         const TokenHandle token(CreateEventW(nullptr, FALSE, FALSE, nullptr));

@@ -6,9 +6,29 @@
 #include <stdexcept>
 #include <utility>
 
-#include "tests/support/import_patch.h"
-
 namespace launcher::test {
+
+// Replaces a Windows function for everything linked into this test program while it lives, by
+// changing the program's own import table: the way to see how the code takes a call that fails
+// only on other machines. The code under test stays as it is.
+//
+// Throws std::runtime_error when the program does not import the function, so that a test cannot
+// pass because its patch went nowhere. A runtime that is linked statically is part of the program:
+// its own file calls are caught too, so end the patch before a test reads files itself.
+class ImportPatch {
+  public:
+    ImportPatch(const char* function, void* replacement);
+    ImportPatch(const ImportPatch&) = delete;
+    ImportPatch& operator=(const ImportPatch&) = delete;
+    ~ImportPatch();
+
+    // The real function, for a replacement that calls on.
+    void* Original() const { return original_; }
+
+  private:
+    void** slot_;
+    void* original_;
+};
 
 // An ImportPatch whose stand-in is a lambda, which sees the test's own variables. It takes the real
 // function before the call's arguments:
@@ -28,7 +48,7 @@ class Hook<Result(WINAPI*)(Arguments...)> {
     using Function = Result(WINAPI*)(Arguments...);
     using Body = std::function<Result(Function, Arguments...)>;
 
-    Hook(const char* name, Body body) : patch_(name, &Call) {
+    Hook(const char* name, Body body) : patch_(name, reinterpret_cast<void*>(&Call)) {
         if (body_) throw std::logic_error("a function of this type is hooked already");
         body_ = std::move(body);
         real_ = reinterpret_cast<Function>(patch_.Original());

@@ -75,4 +75,14 @@ void WriteFile(const stdfs::path& path, std::string_view content) {
     if (!file.flush()) throw std::runtime_error("cannot write " + ToUtf8(path));
 }
 
+Tree TreeBelow(const stdfs::path& root) {
+    Tree tree;
+    if (!stdfs::exists(root)) return tree;
+    for (const auto& entry : stdfs::recursive_directory_iterator(root)) {
+        const std::string name = ToUtf8(entry.path().lexically_relative(root));
+        tree[name] = entry.is_directory() ? "/" : ReadFile(entry.path());
+    }
+    return tree;
+}
+
 }  // namespace launcher::test

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -37,5 +38,10 @@ std::string ToUtf8(const std::filesystem::path& path);
 // The bytes of a file; fails the test when it cannot be read.
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, std::string_view content);
+
+// Everything below a folder: the relative path and the content of each file, of each folder "/".
+// Empty when there is no such folder.
+using Tree = std::map<std::string, std::string>;
+Tree TreeBelow(const std::filesystem::path& root);
 
 }  // namespace launcher::test

@@ -2,12 +2,14 @@
 
 #include <windows.h>
 
+#include <string>
+#include <vector>
+
 #include "fs/environment.h"
 #include "platform/module_path.h"
-#include "tests/launcher/base/options_fields.h"
-#include "tests/launcher/fake_messages.h"
-#include "tests/launcher/isolated_test.h"
-#include "tests/launcher/journal.h"
+#include "tests/support/fake_messages.h"
+#include "tests/support/isolated_test.h"
+#include "tests/support/options.h"
 
 namespace launcher {
 namespace {
@@ -17,10 +19,7 @@ using test::FieldsOf;
 using test::ParseOptions;
 using testing::ElementsAre;
 
-class LaunchOptionsTest : public test::IsolatedTest {
-  protected:
-    LaunchOptionsTest() { test::ClearJournal(); }
-};
+class LaunchOptionsTest : public test::IsolatedTest {};
 
 Fields Defaults() {
     return {{"wait", "no"},
@@ -44,14 +43,9 @@ Fields Defaults() {
 
 TEST_F(LaunchOptionsTest, HasTheDefaultsWithoutArguments) {
     EXPECT_EQ(FieldsOf(ParseOptions({})), Defaults());
-}
-
-TEST_F(LaunchOptionsTest, HasTheDefaultsWithoutEvenAProgramName) {
-    const wchar_t* const argv[] = {nullptr};
-    EXPECT_EQ(FieldsOf(LaunchOptions(0, argv, "ZEPInsAppliGUI.exe", true, false)), Defaults());
-}
-
-TEST_F(LaunchOptionsTest, HasTheDefaultsWhenTheCommandLineCouldNotBeSplit) {
+    // Without even a program's name, and for a command line that could not be split.
+    const wchar_t* const none[] = {nullptr};
+    EXPECT_EQ(FieldsOf(LaunchOptions(0, none, "ZEPInsAppliGUI.exe", true, false)), Defaults());
     EXPECT_EQ(FieldsOf(LaunchOptions(3, nullptr, "ZEPInsAppliGUI.exe", true, false)), Defaults());
 }
 
@@ -62,7 +56,7 @@ TEST_F(LaunchOptionsTest, TakesWhatTheEntryPointGives) {
     EXPECT_TRUE(options.wait);
 }
 
-TEST_F(LaunchOptionsTest, TakesNoNoticeOfTheProgramsName) {
+TEST_F(LaunchOptionsTest, IgnoresTheProgramsName) {
     const wchar_t* const argv[] = {L"-wait", L"--mgt"};
     EXPECT_EQ(FieldsOf(LaunchOptions(1, argv, "ZEPInsAppliGUI.exe", true, false)), Defaults());
 }
@@ -74,14 +68,7 @@ struct FieldsCase {
     Fields changes;
 };
 
-void PrintTo(const FieldsCase& row, std::ostream* out) {
-    *out << testing::PrintToString(row.arguments);
-}
-
-class LaunchOptionsFields : public LaunchOptionsTest,
-                            public testing::WithParamInterface<FieldsCase> {};
-
-const FieldsCase kSingleOptions[] = {
+const FieldsCase kCommandLines[] = {
     {{"-wait"}, {{"wait", "yes"}}},
     {{"-UI"}, {}},
     {{"-env", "LAUNCHER_TEST=1"}, {}},
@@ -103,9 +90,6 @@ const FieldsCase kSingleOptions[] = {
     {{"--uninst"},
      {{"skipTemporaryCopy", "yes"}, {"uninstall", "yes"}, {"installerArgs", "[--uninst]"}}},
     {{"anything"}, {{"installerArgs", "[anything]"}}},
-};
-
-const FieldsCase kCombinations[] = {
     // A later occurrence overwrites an earlier one; only `softMgtReadOnly` stays.
     {{"-installerPath", "a", "-installerPath", "b"}, {{"installerPath", "b"}}},
     {{"-Check", "-Commit", "-SoftMgt"},
@@ -119,12 +103,18 @@ const FieldsCase kCombinations[] = {
       {"interactiveSession", "no"},
       {"mediaDir", "E:\\media"},
       {"installerExeName", "ZEPInsPipeServer.exe"}}},
+    {{"--pipeserver", "--odt"},
+     {{"wait", "yes"},
+      {"skipTemporaryCopy", "yes"},
+      {"interactiveSession", "no"},
+      {"mediaDir", "E:\\media"},
+      {"installerExeName", "ZEPInsAppliODT.exe"}}},
     // Words are compared whole and with their case; whatever is no option is handed on in order.
     {{"-WAIT", "-ui", "-Wait", "--ODT", "-list", "wait", "--wait", "-UI=1", "/?"},
      {{"installerArgs", "[-WAIT][-ui][-Wait][--ODT][-list][wait][--wait][-UI=1][/?]"}}},
     {{"", "a b", "c\"d", "\xC3\xA4\xF0\x9F\x98\x80"},
      {{"installerArgs", "[][a b][c\"d][\xC3\xA4\xF0\x9F\x98\x80]"}}},
-    // The value of an option is taken as it is, also when it looks like an option or is empty.
+    // The value of an option is taken as it is, even when it looks like an option or is empty.
     {{"-installerPath", "-wait"}, {{"installerPath", "-wait"}}},
     {{"-installerPath", "\"D:/a b/\"", "x"},
      {{"installerPath", "\"D:/a b/\""}, {"installerArgs", "[x]"}}},
@@ -132,17 +122,16 @@ const FieldsCase kCombinations[] = {
     {{"-env", "-SoftMgt"}, {}},
 };
 
-TEST_P(LaunchOptionsFields, ChangeAsTheArgumentsSay) {
+TEST_F(LaunchOptionsTest, ChangesAsTheArgumentsSay) {
     SetEnvVar("CurrentMediaDir", "\"E:/media/\"");
-    Fields expected = Defaults();
-    for (const auto& [field, value] : GetParam().changes)
-        expected[field] = value;
-    EXPECT_EQ(FieldsOf(ParseOptions(GetParam().arguments)), expected);
-    EXPECT_THAT(test::Journal(), ElementsAre());
+    for (const auto& [arguments, changes] : kCommandLines) {
+        Fields expected = Defaults();
+        for (const auto& [field, value] : changes)
+            expected[field] = value;
+        EXPECT_EQ(FieldsOf(ParseOptions(arguments)), expected) << testing::PrintToString(arguments);
+    }
+    EXPECT_THAT(test::journal, ElementsAre());
 }
-
-INSTANTIATE_TEST_SUITE_P(SingleOptions, LaunchOptionsFields, testing::ValuesIn(kSingleOptions));
-INSTANTIATE_TEST_SUITE_P(Combinations, LaunchOptionsFields, testing::ValuesIn(kCombinations));
 
 TEST_F(LaunchOptionsTest, TurnsBoxesOnWhereTheyAreOff) {
     EXPECT_FALSE(ParseOptions({}, false).useGui);
@@ -160,38 +149,26 @@ TEST_F(LaunchOptionsTest, AppliesAssignmentsBeforeTheOptionsThatFollow) {
     EXPECT_EQ(options.mediaDir.Text(), "F:\\x");
 }
 
-// The variable that an assignment sets, and its value. It was "old" before.
-struct AssignmentCase {
-    std::string assignment;
-    std::string name;
-    std::string value;
-};
-
-void PrintTo(const AssignmentCase& row, std::ostream* out) {
-    *out << testing::PrintToString(row.assignment);
+// The assignment, the variable that it sets, and its value.
+TEST_F(LaunchOptionsTest, SetsAVariableAtOnce) {
+    struct {
+        std::string assignment;
+        std::string name;
+        std::string value;
+    } const rows[] = {{"LAUNCHER_TEST=B", "LAUNCHER_TEST", "B"},
+                      {"LAUNCHER_TEST=B=C", "LAUNCHER_TEST", "B=C"},
+                      {"LAUNCHER_TEST==", "LAUNCHER_TEST", "="},
+                      {"LAUNCHER_TEST", "LAUNCHER_TEST", "1"},
+                      {"LAUNCHER_TEST= a \"b\" ", "LAUNCHER_TEST", " a \"b\" "},
+                      {"LAUNCHER_\xC3\x84=\xE2\x82\xAC", "LAUNCHER_\xC3\x84", "\xE2\x82\xAC"},
+                      {"=LAUNCHER_TEST", "=LAUNCHER_TEST", "1"},
+                      {"L=1", "L", "1"}};
+    for (const auto& row : rows) {
+        SetEnvVar(row.name, "old");
+        ParseOptions({"-env", row.assignment});
+        EXPECT_EQ(GetEnvVar(row.name), row.value) << row.assignment;
+    }
 }
-
-class LaunchOptionsAssignment : public LaunchOptionsTest,
-                                public testing::WithParamInterface<AssignmentCase> {};
-
-TEST_P(LaunchOptionsAssignment, SetsTheVariableAtOnce) {
-    SetEnvVar(GetParam().name, "old");
-    ParseOptions({"-env", GetParam().assignment});
-    EXPECT_EQ(GetEnvVar(GetParam().name), GetParam().value);
-}
-
-const AssignmentCase kAssignments[] = {
-    {"LAUNCHER_TEST=B", "LAUNCHER_TEST", "B"},
-    {"LAUNCHER_TEST=B=C", "LAUNCHER_TEST", "B=C"},
-    {"LAUNCHER_TEST==", "LAUNCHER_TEST", "="},
-    {"LAUNCHER_TEST", "LAUNCHER_TEST", "1"},
-    {"LAUNCHER_TEST= a \"b\" ", "LAUNCHER_TEST", " a \"b\" "},
-    {"LAUNCHER_\xC3\x84=\xE2\x82\xAC", "LAUNCHER_\xC3\x84", "\xE2\x82\xAC"},
-    {"=LAUNCHER_TEST", "=LAUNCHER_TEST", "1"},
-    {"L=1", "L", "1"},
-};
-
-INSTANTIATE_TEST_SUITE_P(All, LaunchOptionsAssignment, testing::ValuesIn(kAssignments));
 
 TEST_F(LaunchOptionsTest, RemovesTheVariableWithAnEmptyValue) {
     SetEnvVar("LAUNCHER_TEST", "old");
@@ -204,20 +181,38 @@ TEST_F(LaunchOptionsTest, AssignsNothingForAnEmptyText) {
     EXPECT_EQ(FieldsOf(ParseOptions({"-env", ""})), Defaults());
 }
 
-TEST_F(LaunchOptionsTest, ReportsAMissingValueAtANullArgument) {
+// Command lines that end the process after this message.
+TEST_F(LaunchOptionsTest, RefusesABadCommandLine) {
+    struct {
+        std::vector<std::string> arguments;
+        std::string text;
+    } const rows[] = {
+        {{"-env"}, "Bad -env argument"},
+        {{"-wait", "-installerPath"}, "Bad -installerPath argument"},
+        {{"-List", "-env"}, "Bad -env argument"},
+        {{"-SoftMgt"},
+         "-SoftMgt must be used with another flag (either -List, -Check, -Commit or -Rollback)."},
+        {{"-List"}, "-List must be used with the -SoftMgt flag."},
+        {{"-Check"}, "-Check must be used with the -SoftMgt flag."},
+        {{"-Commit"}, "-Commit must be used with the -SoftMgt flag."},
+        {{"-Check", "-Rollback"}, "-Rollback must be used with the -SoftMgt flag."},
+    };
+    for (const auto& [arguments, text] : rows) {
+        test::journal.clear();
+        EXPECT_THROW(ParseOptions(arguments), test::ProcessExit);
+        EXPECT_THAT(test::journal, ElementsAre("error: " + text));
+    }
+}
+
+TEST_F(LaunchOptionsTest, MissesAValueAtANullArgument) {
     const wchar_t* const argv[] = {L"setup.exe", L"-installerPath", nullptr, nullptr};
     EXPECT_THROW(LaunchOptions(3, argv, "ZEPInsAppliGUI.exe", true, false), test::ProcessExit);
-    EXPECT_THAT(test::Journal(), ElementsAre("error: Bad -installerPath argument"));
+    EXPECT_THAT(test::journal, ElementsAre("error: Bad -installerPath argument"));
 }
 
 TEST_F(LaunchOptionsTest, KeepsTheAssignmentsInFrontOfABadArgument) {
     EXPECT_THROW(ParseOptions({"-env", "LAUNCHER_TEST=kept", "-env"}), test::ProcessExit);
     EXPECT_EQ(GetEnvVar("LAUNCHER_TEST"), "kept");
-}
-
-TEST_F(LaunchOptionsTest, ReportsAMissingValueBeforeABadCombination) {
-    EXPECT_THROW(ParseOptions({"-List", "-env"}), test::ProcessExit);
-    EXPECT_THAT(test::Journal(), ElementsAre("error: Bad -env argument"));
 }
 
 }  // namespace

@@ -1,206 +1,154 @@
+// Which way a message takes. How it looks there: message_output_test.cpp. What is read once in a
+// process, and what ends it, is tested in a process of its own.
+
 #include "launcher/base/message.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <io.h>
+#include <windows.h>
 
-#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <utility>
 
-#include "tests/launcher/base/message_boxes.h"
-#include "tests/launcher/base/options_fields.h"
+#include "fs/environment.h"
+#include "fs/exceptions.h"
+#include "tests/support/hook.h"
+#include "tests/support/message_boxes.h"
+#include "tests/support/options.h"
 
 namespace launcher {
 namespace {
 
-using test::LauncherBox;
 using testing::ElementsAre;
+using testing::ExitedWithCode;
 using testing::StrEq;
 
 // What was written to the two console streams.
-struct Console {
-    std::string out;
-    std::string err;
+using Console = std::pair<std::string, std::string>;
 
-    bool operator==(const Console&) const = default;
-};
-
-void PrintTo(const Console& console, std::ostream* out) {
-    *out << "out " << testing::PrintToString(console.out) << ", err "
-         << testing::PrintToString(console.err);
-}
-
-template <class Action>
-Console Capture(Action action) {
+Console Report(const LaunchOptions& options, Severity severity, bool noBox = true) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    action();
-    return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+    ReportMessage(options, "text", severity, noBox);
+    std::string error = testing::internal::GetCapturedStderr();
+    return {testing::internal::GetCapturedStdout(), std::move(error)};
 }
 
-Console CaptureReport(LaunchOptions& options, const std::string& text, Severity severity) {
-    return Capture([&] { ReportMessage(options, text, severity, true); });
-}
-
-constexpr auto kFour = static_cast<Severity>(4);
-constexpr auto kLargest = static_cast<Severity>(0xFFFFFFFF);
-
-// The prefix of each severity, and whether its message is a problem after one that was none and
-// after one that was.
-struct SeverityCase {
-    Severity severity;
-    std::string prefix;
-    bool isProblemAfterNone;
-    bool isProblemAfterOne;
-};
-
-void PrintTo(const SeverityCase& row, std::ostream* out) {
-    *out << static_cast<std::uint32_t>(row.severity);
-}
-
-class MessageSeverity : public testing::TestWithParam<SeverityCase> {};
-
-TEST_P(MessageSeverity, ChoosesPrefixAndStream) {
-    for (const bool problemBefore : {false, true}) {
-        const bool problem =
-            problemBefore ? GetParam().isProblemAfterOne : GetParam().isProblemAfterNone;
-        LaunchOptions options = test::ParseOptions({});
-        options.lastMessageWasProblem = problemBefore;
-        const std::string line = GetParam().prefix + "text\n";
-        EXPECT_EQ(CaptureReport(options, "text", GetParam().severity),
-                  (problem ? Console{"", line} : Console{line, ""}));
-        EXPECT_EQ(options.lastMessageWasProblem, problem);
-    }
-}
-
-const SeverityCase kSeverities[] = {
-    {Severity::Info, " INFO: ", false, false}, {Severity::Warning, " WARN: ", true, true},
-    {Severity::Error, "ERROR: ", true, true},  {Severity::Plain, "       ", false, true},
-    {kFour, "       ", false, true},           {kLargest, "       ", false, true},
-};
-
-INSTANTIATE_TEST_SUITE_P(All, MessageSeverity, testing::ValuesIn(kSeverities));
-
-TEST(Message, GoesBackToTheOutputStreamWithTheNextInfo) {
-    LaunchOptions options = test::ParseOptions({});
-    EXPECT_EQ(CaptureReport(options, "bad", Severity::Error), (Console{"", "ERROR: bad\n"}));
-    EXPECT_EQ(CaptureReport(options, "more", Severity::Plain), (Console{"", "       more\n"}));
-    EXPECT_EQ(CaptureReport(options, "fine", Severity::Info), (Console{" INFO: fine\n", ""}));
-    EXPECT_EQ(CaptureReport(options, "more", Severity::Plain), (Console{"       more\n", ""}));
-}
-
-// A text and its line, without the prefix " WARN: " and the line end.
-struct LineCase {
-    std::string text;
-    std::string line;
-};
-
-void PrintTo(const LineCase& row, std::ostream* out) {
-    *out << testing::PrintToString(row.text);
-}
-
-class MessageLines : public testing::TestWithParam<LineCase> {};
-
-TEST_P(MessageLines, AreIndentedBelowTheFirst) {
-    LaunchOptions options = test::ParseOptions({});
-    EXPECT_EQ(CaptureReport(options, GetParam().text, Severity::Warning),
-              (Console{"", " WARN: " + GetParam().line + "\n"}));
-}
-
-const LineCase kLines[] = {
-    {"", ""},
-    {"A\nB", "A\n       B"},
-    {"A\nB\nC", "A\n       B\n       C"},
-    {"\n\nA", "\n       \n       A"},
-    {"A\n", "A\n       "},
-    {"100 %s %n", "100 %s %n"},
-    {"\xC3\xA4 \xE2\x82\xAC", "\xC3\xA4 \xE2\x82\xAC"},
-};
-
-INSTANTIATE_TEST_SUITE_P(All, MessageLines, testing::ValuesIn(kLines));
-
-TEST(Message, IsALineWhereBoxesAreOff) {
-    const test::MessageBoxRecorder recorder;
-    LaunchOptions options = test::ParseOptions({}, false);
-    EXPECT_EQ(Capture([&] { ReportMessage(options, "text", Severity::Error, false); }),
-              (Console{"", "ERROR: text\n"}));
-    EXPECT_THAT(recorder.Boxes(), ElementsAre());
-}
-
-TEST(Message, IsALineWhereTheCallerWantsNoBox) {
-    const test::MessageBoxRecorder recorder;
-    LaunchOptions options = test::ParseOptions({}, true);
-    EXPECT_EQ(CaptureReport(options, "text", Severity::Error), (Console{"", "ERROR: text\n"}));
-    EXPECT_THAT(recorder.Boxes(), ElementsAre());
-}
-
-TEST(Message, ShowsTheBareTextInABoxWithTheErrorIconWhateverTheSeverity) {
-    for (const Severity severity :
-         {Severity::Plain, Severity::Info, Severity::Warning, Severity::Error, kFour}) {
-        const test::MessageBoxRecorder recorder;
-        LaunchOptions options = test::ParseOptions({});
-        const Console console = Capture(
-            [&] { ReportMessage(options, "A\nB \xC3\xA4\xE2\x82\xAC %s", severity, false); });
-        EXPECT_THAT(recorder.Boxes(), ElementsAre(LauncherBox(L"A\nB \u00E4\u20AC %s")));
-        EXPECT_EQ(console, Console{});
-        EXPECT_FALSE(options.lastMessageWasProblem);
-    }
-}
-
-TEST(Message, LeavesTheStreamAsItWasAfterABox) {
-    const test::MessageBoxRecorder recorder;
-    LaunchOptions options = test::ParseOptions({});
-    options.lastMessageWasProblem = true;
-    ReportMessage(options, "text", Severity::Info, false);
+// Warnings and errors are problems, information is none; anything else leaves the state, and so
+// the stream, as it was.
+TEST(ReportMessage, ChoosesTheStreamBySeverity) {
+    const LaunchOptions options = test::ParseOptions({});
+    constexpr auto kOther = static_cast<Severity>(4);
+    EXPECT_EQ(Report(options, Severity::Plain), (Console{"       text\n", ""}));
+    EXPECT_EQ(Report(options, Severity::Error), (Console{"", "ERROR: text\n"}));
+    EXPECT_EQ(Report(options, Severity::Plain), (Console{"", "       text\n"}));
+    EXPECT_EQ(Report(options, kOther), (Console{"", "       text\n"}));
+    EXPECT_EQ(Report(options, Severity::Info), (Console{" INFO: text\n", ""}));
+    EXPECT_EQ(Report(options, kOther), (Console{"       text\n", ""}));
+    EXPECT_EQ(Report(options, Severity::Warning), (Console{"", " WARN: text\n"}));
     EXPECT_TRUE(options.lastMessageWasProblem);
 }
 
-TEST(Message, TakesNoNoticeOfABoxThatFails) {
-    test::MessageBoxRecorder recorder;
-    recorder.Answer(0);
-    LaunchOptions options = test::ParseOptions({});
-    EXPECT_EQ(Capture([&] { ReportMessage(options, "text", Severity::Error, false); }), Console{});
-    EXPECT_THAT(recorder.Boxes(), ElementsAre(LauncherBox(L"text")));
+TEST(ReportMessage, IsALineWithoutUserInterfaceOrOnRequest) {
+    const test::MessageBoxes boxes;
+    for (const bool useGui : {false, true})
+        EXPECT_EQ(Report(test::ParseOptions({}, useGui), Severity::Error, /*noBox=*/useGui),
+                  (Console{"", "ERROR: text\n"}));
+    EXPECT_THAT(boxes.texts, ElementsAre());
 }
 
-TEST(Message, IsWrittenAtOnceAsALineOfText) {
-    LaunchOptions options = test::ParseOptions({});
-    testing::internal::CaptureStdout();
-    std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);  // whatever the runtime began with
-    ReportMessage(options, "text", Severity::Info, true);
-    const long written = _filelength(1);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), " INFO: text\n");
-    EXPECT_EQ(written, 13);  // CR and LF
+TEST(ReportMessage, IsOtherwiseABoxAndNothingElse) {
+    const LaunchOptions options = test::ParseOptions({});
+    for (const bool problemBefore : {false, true}) {
+        const test::MessageBoxes boxes;
+        options.lastMessageWasProblem = problemBefore;
+        for (const Severity severity : {Severity::Info, Severity::Error})
+            EXPECT_EQ(Report(options, severity, /*noBox=*/false), Console());
+        EXPECT_THAT(boxes.texts, ElementsAre("text", "text"));
+        EXPECT_EQ(options.lastMessageWasProblem, problemBefore);
+    }
 }
 
-// While it lives, every write to the standard output stream fails.
-class BrokenStdout {
-  public:
-    BrokenStdout() : saved_(_dup(1)) {
-        const int readOnly = _open("NUL", _O_RDONLY);
-        _dup2(readOnly, 1);
-        _close(readOnly);
+// Traces once for each value of the switch, and ends the process.
+[[noreturn]] void TraceAndExit(const std::vector<std::string>& values, Severity severity,
+                               bool useGui) {
+    const test::MessageBoxes boxes(/*print=*/true);
+    const LaunchOptions options = test::ParseOptions({}, useGui);
+    options.lastMessageWasProblem = true;  // plain messages go to the error stream, too
+    for (const std::string& value : values) {
+        SetEnvVar("ZEP_TraceMsgBox", value);
+        TraceMessage(options, "text", severity);
     }
-    BrokenStdout(const BrokenStdout&) = delete;
-    BrokenStdout& operator=(const BrokenStdout&) = delete;
-    ~BrokenStdout() {
-        _dup2(saved_, 1);
-        _close(saved_);
-        std::clearerr(stdout);
-    }
+    std::exit(options.lastMessageWasProblem ? 0 : 5);
+}
 
-  private:
-    int saved_;
-};
+TEST(TraceMessageDeathTest, IsABoxWhenTheSwitchIsExactlyOneCharacter) {
+    for (const char* value : {"0", "1", " "})
+        EXPECT_EXIT(TraceAndExit({value}, Severity::Warning, true), ExitedWithCode(0),
+                    StrEq("box: text\n"))
+            << value;
+    for (const char* value : {"", "10", "\xC3\xA4"})
+        EXPECT_EXIT(TraceAndExit({value}, Severity::Warning, true), ExitedWithCode(0),
+                    StrEq(" WARN: text\n"))
+            << value;
+}
 
-TEST(Message, TakesNoNoticeOfAStreamThatFails) {
-    LaunchOptions options = test::ParseOptions({});
-    std::fflush(stdout);
-    {
-        const BrokenStdout broken;
-        ReportMessage(options, "lost", Severity::Info, true);
-        EXPECT_TRUE(std::ferror(stdout));
-    }
-    EXPECT_EQ(CaptureReport(options, "found", Severity::Info).out, " INFO: found\n");
+TEST(TraceMessageDeathTest, TakesItsWayWhateverTheSeverityAndTheUserInterface) {
+    EXPECT_EXIT(TraceAndExit({"1"}, Severity::Plain, false), ExitedWithCode(0),
+                StrEq("box: text\n"));
+    EXPECT_EXIT(TraceAndExit({""}, Severity::Plain, true), ExitedWithCode(0),
+                StrEq("       text\n"));
+    // On the output, with the state of the stream changed.
+    EXPECT_EXIT(TraceAndExit({""}, Severity::Info, true), ExitedWithCode(5), StrEq(""));
+}
+
+TEST(TraceMessageDeathTest, KeepsToTheSwitchOfTheFirstMessage) {
+    EXPECT_EXIT(TraceAndExit({"1", ""}, Severity::Error, true), ExitedWithCode(0),
+                StrEq("box: text\nbox: text\n"));
+    EXPECT_EXIT(TraceAndExit({"", "1"}, Severity::Error, true), ExitedWithCode(0),
+                StrEq("ERROR: text\nERROR: text\n"));
+}
+
+// Reports the last error `code` as the launch does, and ends the process.
+[[noreturn]] void ReportFailure(DWORD code, bool useGui) {
+    const test::MessageBoxes boxes(/*print=*/true);
+    const LaunchOptions options = test::ParseOptions({}, useGui);
+    SetLastError(code);
+    ReportLastErrorAndExit(options, "\"setup.exe\" \"x\"", "Setup failed to create process");
+}
+
+TEST(ReportErrorDeathTest, EndsTheProcessWithExitCode1) {
+    EXPECT_EXIT(ReportErrorAndExit(test::ParseOptions({}, false), "text"), ExitedWithCode(1),
+                StrEq("ERROR: text\n"));
+}
+
+// The system's text has a line break at its end. (A stream in text mode doubles the CR of it when
+// writing and takes one away when reading.)
+TEST(ReportErrorDeathTest, ShowsAFailedCallWithItsCodeAndTheSystemsText) {
+    const std::string text = SystemErrorText(ERROR_FILE_NOT_FOUND) + "\r\n";
+    EXPECT_EXIT(ReportFailure(ERROR_FILE_NOT_FOUND, true), ExitedWithCode(1),
+                StrEq("box: Setup failed to create process\n\"setup.exe\" \"x\"\nrc=2\nmsg=" +
+                      text + "\n"));
+}
+
+using FormatMessageFunction = DWORD(WINAPI*)(DWORD, LPCVOID, DWORD, DWORD, LPWSTR, DWORD, char**);
+
+TEST(ReportErrorDeathTest, AsksForTheTextOnceAndDoesWithoutIt) {
+    EXPECT_EXIT(
+        {
+            const test::Hook<FormatMessageFunction> none(
+                "FormatMessageW", [](auto, DWORD flags, LPCVOID, DWORD code, auto&&...) {
+                    std::fprintf(stderr, "0x%lx %lu\n", flags, code);
+                    return DWORD{0};
+                });
+            ReportFailure(0xE0000001, false);
+        },
+        ExitedWithCode(1),
+        StrEq("0x1100 3758096385\n"
+              "ERROR: Setup failed to create process\n"
+              "       \"setup.exe\" \"x\"\n"
+              "       rc=3758096385\n"
+              "       msg=\n"));
 }
 
 }  // namespace

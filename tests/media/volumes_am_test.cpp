@@ -1,0 +1,192 @@
+#include <utility>
+
+#include "tests/media/volumes_fixture.h"
+
+namespace launcher::test {
+namespace {
+
+// Volume 1 in "Q/7/R/V", the marker of its outer volume in "Q/7".
+class AmVolumesTest : public VolumesTest {
+  protected:
+    void Nested(int count) const {
+        VolumeOne("Q/7/R/V", count);
+        Marker("Q/7", 7, "Y");
+    }
+    // Outer volume `m` with volume `j` inside.
+    void Outer(int m, const std::string& outerId, int j, const std::string& id) const {
+        const std::string outer = "Q/" + std::to_string(m);
+        Marker(outer, m, outerId);
+        Marker(outer + "/R/" + std::to_string(j), j, id);
+    }
+
+    // The outcome for Nested(), after the messages up to the first outer volume's. With `volumes`,
+    // the media is complete.
+    Outcome NestedOutcome(int count, const std::vector<std::string>& messages,
+                          const std::vector<std::string>& volumes = {}) const {
+        Outcome outcome = Failed(count, {Found(1, "Q/7/R/V"), FoundAm(7, "Q/7")});
+        outcome.messages.insert(outcome.messages.end(), messages.begin(), messages.end());
+        outcome.result = volumes.empty() ? 0 : count;
+        outcome.skipTemporaryCopy = !volumes.empty();
+        outcome.volumes = volumes;
+        outcome.mtbDir = "Y";
+        outcome.firstAmVolume = "7";
+        outcome.firstAmPath = At("Q/7");
+        outcome.amRelativePath = "R";
+        return outcome;
+    }
+};
+
+TEST_F(AmVolumesTest, HoldTheVolumesUnderTheSamePath) {
+    Nested(3);
+    Outer(8, "Y", 2, "X");
+    Outer(9, "Y", 3, "X");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(3,
+                                                    {FoundAm(8, "Q/8"), Found(2, "Q/8/R/2"),
+                                                     FoundAm(9, "Q/9"), Found(3, "Q/9/R/3")},
+                                                    {At("Q/8/R/2"), At("Q/9/R/3")}));
+}
+
+TEST_F(AmVolumesTest, AreNotLookedForWhenThereIsNoMarker) {
+    VolumeOne("Q/7/R/V", 2);
+    Outer(8, "Y", 2, "X");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), Failed(2, {Found(1, "Q/7/R/V")}));
+}
+
+TEST_F(AmVolumesTest, EndSilentlyWhenOnlyTheFirstIsThere) {
+    Nested(2);
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(2, {}));
+}
+
+TEST_F(AmVolumesTest, MayHoldNothingInside) {
+    Nested(2);
+    Marker("Q/8", 8, "Y");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(2, {FoundAm(8, "Q/8")}));
+}
+
+TEST_F(AmVolumesTest, MissVolumes) {
+    Nested(4);
+    Outer(9, "Y", 3, "X");
+    Marker("Q/8/R/2", 2, "X");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")),
+              NestedOutcome(4, {FoundAm(9, "Q/9"), Found(3, "Q/9/R/3"), Missing()}));
+}
+
+TEST_F(AmVolumesTest, OfAnotherSetAreNamedAndNotEntered) {
+    Nested(3);
+    Outer(8, "y", 2, "X");
+    Outer(9, "Y", 3, "X");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(3, {Foreign("AM volume 8", "y", "Q/8", "Y"),
+                                                        FoundAm(9, "Q/9"), Found(3, "Q/9/R/3")}));
+}
+
+TEST_F(AmVolumesTest, MayHoldAForeignVolume) {
+    Nested(3);
+    Outer(8, "Y", 2, "Y");
+    Outer(9, "Y", 3, "X");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")),
+              NestedOutcome(3, {FoundAm(8, "Q/8"), Foreign("Volume 2", "Y", "Q/8/R/2", "X"),
+                                FoundAm(9, "Q/9"), Found(3, "Q/9/R/3")}));
+}
+
+TEST_F(AmVolumesTest, TakeUnreadableMarkersForMissing) {
+    Nested(4);
+    Outer(8, "Y", 2, "X");
+    Outer(9, "Y", 3, "X");
+    Marker("Q/10", 10, "Y");
+    folder_.MakeDir("Q/10/R/4/4.txt");
+    const FileHandle outerLock = Lock("Q/8/8.txt");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(4, {FoundAm(9, "Q/9"), Found(3, "Q/9/R/3"),
+                                                        FoundAm(10, "Q/10"), Missing()}));
+}
+
+TEST_F(AmVolumesTest, NeedAnIdInTheFirstMarker) {
+    const Outcome unreadable =
+        Failed(2, {Found(1, "Q/7/R/V"), Warning("Cannot open 7.txt in " + At("Q/7")),
+                   Plain("Please make sure you copied and/or extracted everything properly.")});
+    Nested(2);
+    Outer(8, "Y", 2, "X");
+    {
+        const FileHandle lock = Lock("Q/7/7.txt");
+        EXPECT_EQ(Resolve(At("Q/7/R/V")), unreadable);
+    }
+    Marker("Q/7", 7, "");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), unreadable);
+}
+
+TEST_F(AmVolumesTest, AreFoundManyFoldersUp) {
+    const std::string relative = "a/b/c/d/e/f/g/h/i/j/k/l";
+    VolumeOne("Q/99/" + relative + "/V", 2);
+    Marker("Q/99", 99, "Y");
+    Marker("Q/100", 100, "Y");
+    Marker("Q/100/" + relative + "/2", 2, "X");
+    const Outcome outcome = Resolve(At("Q/99/" + relative + "/V"));
+    EXPECT_EQ(outcome.result, 2);
+    EXPECT_THAT(outcome.volumes, testing::ElementsAre(At("Q/100/" + relative + "/2")));
+    EXPECT_EQ(outcome.firstAmVolume, "99");
+    EXPECT_EQ(outcome.amRelativePath, "a\\b\\c\\d\\e\\f\\g\\h\\i\\j\\k\\l");
+}
+
+TEST_F(AmVolumesTest, OfTheNearestFolderWin) {
+    Nested(2);
+    Marker("Q", 3, "Z");
+    Outer(8, "Y", 2, "X");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")),
+              NestedOutcome(2, {FoundAm(8, "Q/8"), Found(2, "Q/8/R/2")}, {At("Q/8/R/2")}));
+}
+
+TEST_F(AmVolumesTest, OfTheNearestFolderWinEvenWithoutAnId) {
+    Nested(2);
+    Outer(8, "Y", 2, "X");
+    folder_.Write("Q/7/R/50.txt", "no id");
+    EXPECT_EQ(Resolve(At("Q/7/R/V")).messages[2], Warning("Cannot open 50.txt in " + At("Q/7/R")));
+}
+
+// Volume 1 lies right below its outer volume here.
+TEST_F(AmVolumesTest, HaveMarkersNamedByOneOrTwoCharactersThatBeginWithANumber) {
+    const std::pair<const char*, int> rows[] = {
+        std::pair{"1.txt", 1},   std::pair{"42.txt", 42},     std::pair{"99.txt", 99},
+        std::pair{"07.txt", 7},  std::pair{"1a.txt", 1},      std::pair{"7 .txt", 7},
+        std::pair{" 7.txt", 7},  std::pair{"+7.txt", 7},      std::pair{"7.TXT", 0},
+        std::pair{"100.txt", 0}, std::pair{"0.txt", 0},       std::pair{"00.txt", 0},
+        std::pair{"-7.txt", 0},  std::pair{"ab.txt", 0},      std::pair{"a1.txt", 0},
+        std::pair{".txt", 0},    std::pair{"7.tx", 0},        std::pair{"7.txt2", 0},
+        std::pair{"7_txt", 0},   std::pair{"\xC3\xA9.txt", 0}};
+    for (const auto& [name, number] : rows) {
+        SCOPED_TRACE(name);
+        // Each in a folder of its own, whose name is the first marker's of no other.
+        const std::string q = std::string("Q ") + name + "/";
+        VolumeOne(q + "A/V", 2);
+        folder_.Write(q + "A/" + name, "MTBDIR=Y\n");
+        const std::string next = q + std::to_string(number + 1);
+        Marker(next, number + 1, "Y");
+        Marker(next + "/2", 2, "X");
+        Outcome expected = Failed(2, {Found(1, q + "A/V")});
+        if (number > 0) {
+            for (const std::string& message :
+                 {FoundAm(number, q + "A"), FoundAm(number + 1, next), Found(2, next + "/2")})
+                expected.messages.push_back(message);
+            expected.result = 2;
+            expected.skipTemporaryCopy = true;
+            expected.volumes = {At(next + "/2")};
+            expected.mtbDir = "Y";
+            expected.firstAmVolume = std::to_string(number);
+            expected.firstAmPath = At(q + "A");
+        }
+        EXPECT_EQ(Resolve(At(q + "A/V")), expected);
+    }
+}
+
+TEST_F(AmVolumesTest, MarkersAreFilesOnly) {
+    VolumeOne("Q/A/V", 2);
+    folder_.MakeDir("Q/A/7.txt");
+    EXPECT_EQ(Resolve(At("Q/A/V")), Failed(2, {Found(1, "Q/A/V")}));
+}
+
+TEST_F(AmVolumesTest, MarkersInVolumeOneAreItsOwn) {
+    VolumeOne("Q/A/V", 2);
+    Marker("Q/A/V", 7, "Y");
+    EXPECT_EQ(Resolve(At("Q/A/V")), Failed(2, {Found(1, "Q/A/V")}));
+}
+
+}  // namespace
+}  // namespace launcher::test

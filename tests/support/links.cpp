@@ -1,0 +1,143 @@
+#include "tests/support/links.h"
+
+#include <windows.h>
+
+#include <cstdlib>
+#include <stdexcept>
+
+#include "tests/support/temporary_folder.h"
+
+namespace launcher::test {
+namespace {
+
+namespace stdfs = std::filesystem;
+
+using UnixName = char*(CDECL*)(const wchar_t*);
+
+// What Wine adds to kernel32; null on Windows.
+UnixName WineUnixName() {
+    return reinterpret_cast<UnixName>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
+}
+
+bool IsWine() {
+    return WineUnixName() != nullptr;
+}
+
+std::wstring OnHost(const stdfs::path& path) {
+    char* const name = WineUnixName()(path.c_str());
+    if (name == nullptr) throw std::runtime_error("no host name for " + path.string());
+    const std::string text = name;
+    HeapFree(GetProcessHeap(), 0, name);
+    return std::wstring(text.begin(), text.end());
+}
+
+// Wine's folder of drive letters and servers, on the host, with a slash at the end.
+std::wstring DevicesOnHost() {
+    const std::wstring root = OnHost(L"C:\\");
+    return root.substr(0, root.rfind(L"c:"));
+}
+
+std::wstring DriveOnHost(const std::wstring& letter) {
+    return DevicesOnHost() + static_cast<wchar_t>(letter[0] | 0x20) + L":";
+}
+
+bool IsThere(const stdfs::path& path) {
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+// Runs a program of the host. Wine gives no process to wait for: waits until `path` is there, or
+// no longer is.
+void RunOnHost(const std::wstring& program, const std::wstring& arguments, const stdfs::path& path,
+               bool appears) {
+    std::wstring command = program + L" " + arguments;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW((L"Z:\\bin\\" + program).c_str(), command.data(), nullptr, nullptr, FALSE,
+                        0, nullptr, nullptr, &startup, &process))
+        throw std::runtime_error("cannot run a program of the host");
+    constexpr int kPatience = 2000;
+    for (int i = 0; i < kPatience && IsThere(path) != appears; ++i)
+        Sleep(5);
+}
+
+void LinkOnHost(const std::wstring& link, const std::wstring& target, const stdfs::path& path) {
+    RunOnHost(L"ln", L"-s \"" + target + L"\" \"" + link + L"\"", path, true);
+}
+
+void UnlinkOnHost(const std::wstring& link, const stdfs::path& path) {
+    RunOnHost(L"rm", L"\"" + link + L"\"", path, false);
+}
+
+wchar_t FreeLetter() {
+    const DWORD used = GetLogicalDrives();
+    for (wchar_t letter = L'Y'; letter > L'D'; --letter)
+        if ((used & (DWORD{1} << (letter - L'A'))) == 0) return letter;
+    throw std::runtime_error("no free drive letter");
+}
+
+}  // namespace
+
+FolderLink::FolderLink(const stdfs::path& link, const stdfs::path& target) : link_(link) {
+    if (IsWine())
+        LinkOnHost(OnHost(link), OnHost(target), link);
+    else
+        _wsystem(
+            (L"mklink /J \"" + link.wstring() + L"\" \"" + target.wstring() + L"\" >nul").c_str());
+    const DWORD attributes = GetFileAttributesW(link.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
+        throw std::runtime_error("no link at " + link.string());
+}
+
+FolderLink::~FolderLink() {
+    if (IsWine())
+        UnlinkOnHost(OnHost(link_), link_);
+    else
+        RemoveDirectoryW(link_.c_str());
+}
+
+MappedDrive::MappedDrive(const stdfs::path& folder) : letter_{FreeLetter(), L':'}, folder_(folder) {
+    if (IsWine())
+        LinkOnHost(DriveOnHost(letter_), OnHost(folder), Root());
+    else
+        DefineDosDeviceW(0, letter_.c_str(), folder.c_str());
+    if (!IsThere(Root())) throw std::runtime_error("no drive " + Root().string());
+}
+
+MappedDrive::~MappedDrive() {
+    if (IsWine())
+        UnlinkOnHost(DriveOnHost(letter_), Root());
+    else
+        DefineDosDeviceW(DDD_REMOVE_DEFINITION | DDD_EXACT_MATCH_ON_REMOVE, letter_.c_str(),
+                         folder_.c_str());
+}
+
+SmallDisk::SmallDisk(const stdfs::path& folder) : folder_(folder), below_(folder / "below") {
+    WriteFile(below_, "");
+    if (!IsWine()) return;
+    RunOnHost(L"mount", L"-t tmpfs -o size=256k launcher-test \"" + OnHost(folder_) + L"\"", below_,
+              false);
+}
+
+SmallDisk::~SmallDisk() {
+    if (IsThere()) RunOnHost(L"umount", L"\"" + OnHost(folder_) + L"\"", below_, true);
+}
+
+bool SmallDisk::IsThere() const {
+    return !stdfs::exists(below_);
+}
+
+stdfs::path NetworkName(const stdfs::path& path) {
+    const stdfs::path server = L"\\\\localhost\\";
+    const stdfs::path share = server / L"C$";
+    if (IsWine() && !IsThere(share)) {
+        const std::wstring folder = DevicesOnHost() + L"unc/localhost/";
+        RunOnHost(L"mkdir", L"-p \"" + folder + L"\"", server, true);
+        LinkOnHost(folder + L"C$", L"../../c:", share);
+    }
+    if (path.root_name() != L"C:") throw std::runtime_error("not on C: " + path.string());
+    return share / path.relative_path();
+}
+
+}  // namespace launcher::test
