@@ -6,7 +6,7 @@
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
-#include "tests/fs/links.h"
+#include "tests/support/links.h"
 #include "tests/mediatool/mistake_row.h"
 #include "tools/mediatool/files.h"
 
