@@ -29,7 +29,7 @@ class FileBuffer : public std::streambuf {
     }
 
     FileHandle file_;
-    char bytes_[512];
+    char bytes_[512] = {};
 };
 
 }  // namespace

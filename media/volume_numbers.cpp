@@ -56,7 +56,7 @@ std::optional<std::vector<VolumeNumber>> ListedNumbers(const Path& folder, Volum
     }
     std::ranges::sort(numbers);
     // Twice the same only where names differ in nothing but case.
-    numbers.erase(std::ranges::unique(numbers).begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
     return numbers;
 }
 

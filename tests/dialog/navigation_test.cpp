@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "tests/dialog/support/dialog_launch.h"
-#include "tests/e2e/support/wine.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

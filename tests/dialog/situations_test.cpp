@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tests/e2e/support/launcher_test.h"
-#include "tests/e2e/support/wine.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

@@ -3,7 +3,8 @@
 #include <string>
 
 #include "tests/e2e/support/launcher_test.h"
-#include "tests/e2e/support/wine.h"
+#include "tests/support/links.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

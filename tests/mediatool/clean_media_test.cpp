@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-#include "tests/e2e/support/wine.h"
 #include "tests/mediatool/mistake_row.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

@@ -6,8 +6,8 @@
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
-#include "tests/support/links.h"
 #include "tests/mediatool/mistake_row.h"
+#include "tests/support/links.h"
 #include "tools/mediatool/files.h"
 
 namespace launcher::test {

@@ -5,9 +5,9 @@
 #include <tuple>
 #include <vector>
 
-#include "tests/e2e/support/wine.h"
 #include "tests/security/support/attacked.h"
 #include "tests/security/support/hostile_libraries.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

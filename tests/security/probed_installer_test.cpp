@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "tests/e2e/support/launcher_test.h"
-#include "tests/e2e/support/wine.h"
 #include "tests/security/support/hostile_libraries.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

@@ -5,7 +5,9 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "fs/encoding.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {
@@ -18,10 +20,6 @@ using UnixName = char*(CDECL*)(const wchar_t*);
 UnixName WineUnixName() {
     return reinterpret_cast<UnixName>(reinterpret_cast<void*>(
         GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
-}
-
-bool IsWine() {
-    return WineUnixName() != nullptr;
 }
 
 std::wstring OnHost(const stdfs::path& path) {
@@ -39,7 +37,7 @@ std::wstring DevicesOnHost() {
 }
 
 std::wstring DriveOnHost(const std::wstring& letter) {
-    return DevicesOnHost() + static_cast<wchar_t>(letter[0] | 0x20) + L":";
+    return DevicesOnHost() + letter;
 }
 
 bool IsThere(const stdfs::path& path) {
@@ -70,10 +68,10 @@ void UnlinkOnHost(const std::wstring& link, const stdfs::path& path) {
     RunOnHost(L"rm", L"\"" + link + L"\"", path, false);
 }
 
-wchar_t FreeLetter() {
+std::string FreeDrive() {
     const DWORD used = GetLogicalDrives();
-    for (wchar_t letter = L'Y'; letter > L'D'; --letter)
-        if ((used & (DWORD{1} << (letter - L'A'))) == 0) return letter;
+    for (char letter = 'y'; letter > 'd'; --letter)
+        if ((used & (DWORD{1} << (letter - 'a'))) == 0) return {letter, ':'};
     throw std::runtime_error("no free drive letter");
 }
 
@@ -97,7 +95,11 @@ FolderLink::~FolderLink() {
         RemoveDirectoryW(link_.c_str());
 }
 
-MappedDrive::MappedDrive(const stdfs::path& folder) : letter_{FreeLetter(), L':'}, folder_(folder) {
+MappedDrive::MappedDrive(const stdfs::path& folder) : MappedDrive(FreeDrive(), folder) {}
+
+MappedDrive::MappedDrive(const std::string& drive, const stdfs::path& folder)
+    : letter_(ToWide(drive)), folder_(folder) {
+    if (IsThere(Root())) throw std::runtime_error(drive + " is taken");
     if (IsWine())
         LinkOnHost(DriveOnHost(letter_), OnHost(folder), Root());
     else
@@ -138,6 +140,17 @@ stdfs::path NetworkName(const stdfs::path& path) {
     }
     if (path.root_name() != L"C:") throw std::runtime_error("not on C: " + path.string());
     return share / path.relative_path();
+}
+
+stdfs::path NetworkFolder() {
+    if (!IsWine()) {
+        std::wstring temp = stdfs::temp_directory_path().native();
+        temp[1] = L'$';  // the administrators' share of a drive
+        return L"\\\\localhost\\" + temp;
+    }
+    stdfs::create_directories(
+        BuiltFile(ToNarrow((DevicesOnHost() + L"unc/localhost/share").c_str()).c_str()));
+    return L"\\\\localhost\\share";
 }
 
 }  // namespace launcher::test

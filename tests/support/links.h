@@ -24,7 +24,9 @@ class FolderLink {
 // A drive letter for a folder.
 class MappedDrive {
   public:
+    // A free letter, or `drive`, a small letter and a colon.
     explicit MappedDrive(const std::filesystem::path& folder);
+    MappedDrive(const std::string& drive, const std::filesystem::path& folder);
     MappedDrive(const MappedDrive&) = delete;
     MappedDrive& operator=(const MappedDrive&) = delete;
     ~MappedDrive();
@@ -32,7 +34,7 @@ class MappedDrive {
     std::filesystem::path Root() const { return letter_ + L"\\"; }
 
   private:
-    std::wstring letter_;  // "Q:"
+    std::wstring letter_;  // "q:"
     std::filesystem::path folder_;
 };
 
@@ -56,5 +58,8 @@ class SmallDisk {
 // The name of a file of the local disk C: over the network. On Windows only administrators can
 // open it.
 std::filesystem::path NetworkName(const std::filesystem::path& path);
+
+// A network path that leads to this machine's own disk: a folder that can be written to.
+std::filesystem::path NetworkFolder();
 
 }  // namespace launcher::test

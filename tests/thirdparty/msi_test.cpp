@@ -9,7 +9,7 @@
 #include <string>
 
 #include "tests/e2e/support/launcher_test.h"
-#include "tests/e2e/support/wine.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

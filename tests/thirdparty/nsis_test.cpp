@@ -11,7 +11,7 @@
 
 #include "fs/encoding.h"
 #include "tests/e2e/support/launcher_test.h"
-#include "tests/e2e/support/wine.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

@@ -2,7 +2,8 @@
 
 #include <cctype>
 
-#include "tests/e2e/support/wine.h"
+#include "tests/support/links.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "tests/e2e/support/wine.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wine.h"
 #include "tools/mediatool/markers.h"
 
 namespace launcher::test {

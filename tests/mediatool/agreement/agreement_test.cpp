@@ -16,10 +16,10 @@
 #include "tests/e2e/support/environment_block.h"
 #include "tests/e2e/support/launcher_run.h"
 #include "tests/e2e/support/media.h"
-#include "tests/e2e/support/wine.h"
 #include "tests/mediatool/agreement/case.h"
 #include "tests/mediatool/support/mediatool_run.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

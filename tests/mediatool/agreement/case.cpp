@@ -4,7 +4,7 @@
 
 #include <random>
 
-#include "tests/e2e/support/wine.h"
+#include "tests/support/wine.h"
 #include "tools/mediatool/markers.h"
 
 namespace launcher::test {

@@ -9,8 +9,8 @@
 #include "installer/installer_process.h"
 #include "tests/e2e/support/environment_block.h"
 #include "tests/e2e/support/launcher_run.h"
-#include "tests/e2e/support/wine.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/e2e/support/wine.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 

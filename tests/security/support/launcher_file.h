@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/e2e/support/wine.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 

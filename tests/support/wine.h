@@ -31,24 +31,6 @@ class WineSettings {
     std::wstring key_;
 };
 
-// A drive letter for a folder while it lives.
-class MappedDrive {
-  public:
-    // `drive` is a small letter and a colon. Throws std::runtime_error when it cannot be made.
-    MappedDrive(std::string drive, const std::filesystem::path& folder);
-    MappedDrive(const MappedDrive&) = delete;
-    MappedDrive& operator=(const MappedDrive&) = delete;
-    ~MappedDrive();
-
-  private:
-    std::string drive_;
-    std::wstring target_;
-};
-
-// A network path that leads to this machine's own disk: a folder that can be written to. Throws
-// std::runtime_error when there is none.
-std::filesystem::path NetworkFolder();
-
 // Another library in the place of one in the system folder while it lives.
 class SystemDll {
   public:

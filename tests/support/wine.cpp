@@ -1,0 +1,68 @@
+#include "tests/support/wine.h"
+
+#include "fs/encoding.h"
+#include "tests/support/temporary_folder.h"
+
+namespace launcher::test {
+
+namespace stdfs = std::filesystem;
+
+namespace {
+
+template <class Function>
+Function* FromKernel32(const char* name) {
+    const auto address = GetProcAddress(GetModuleHandleW(L"kernel32"), name);
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(address));
+}
+
+void WriteString(const std::wstring& key, const wchar_t* name, const std::wstring& value) {
+    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), name, REG_SZ, value.c_str(),
+                    static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+}
+
+}  // namespace
+
+bool IsWine() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll"), "wine_get_version") != nullptr;
+}
+
+stdfs::path BuiltFile(const char* path) {
+    using GetDosFileName = wchar_t* CDECL(const char*);
+    auto* const getDosFileName = FromKernel32<GetDosFileName>("wine_get_dos_file_name");
+    if (getDosFileName == nullptr || *path != '/') return FromUtf8(path);
+    wchar_t* const text = getDosFileName(path);
+    const stdfs::path result = text;
+    HeapFree(GetProcessHeap(), 0, text);
+    return result;
+}
+
+WineSettings::WineSettings(const std::string& exeName)
+    : key_(L"Software\\Wine\\AppDefaults\\" + ToWide(exeName)) {}
+
+WineSettings::~WineSettings() {
+    RegDeleteTreeW(HKEY_CURRENT_USER, key_.c_str());
+}
+
+void WineSettings::PoseAs(const std::string& version) {
+    WriteString(key_, L"Version", ToWide(version));
+}
+
+void WineSettings::OverrideDll(const std::string& dll, const std::string& order) {
+    WriteString(key_ + L"\\DllOverrides", ToWide(dll).c_str(), ToWide(order));
+}
+
+SystemDll::SystemDll(const std::string& name, const stdfs::path& replacement) {
+    wchar_t folder[MAX_PATH] = {};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    path_ = stdfs::path(folder) / name;
+    saved_ = path_.native() + L".saved";
+    stdfs::rename(path_, saved_);
+    stdfs::copy_file(replacement, path_);
+}
+
+SystemDll::~SystemDll() {
+    std::error_code ignored;
+    stdfs::rename(saved_, path_, ignored);
+}
+
+}  // namespace launcher::test
