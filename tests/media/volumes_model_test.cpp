@@ -67,7 +67,10 @@ class Model {
         const std::optional<std::string> text = TextOf(one_ + "\\inst\\volumes.txt");
         const std::string line = FirstMatch(text.value_or("0"), "^([^\r\n]*)");
         const std::optional<int> count = LeadingNumber(line);
-        if (!text || softMgt || (count && *count < 2)) return End(1);
+        if (!text || softMgt || (count && *count < 2)) {
+            End(1);
+            return;
+        }
         if (!count) return;
         count_ = *count;
         out.volumesCount = line;
