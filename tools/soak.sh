@@ -13,4 +13,4 @@ tools/install-tools.sh
 preset=${PRESET:-mingw}
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" --target soak
-exec nice tools/wine-run.sh "$PWD/build/$preset/soak-prefix" "build/$preset/tests/soak/soak.exe" "$@"
+exec tools/wine-run.sh "$PWD/build/$preset/soak-prefix" "build/$preset/tests/soak/soak.exe" "$@"

@@ -10,10 +10,15 @@
 
 #include <cstdio>
 #include <cwchar>
+#include <deque>
 #include <exception>
-#include <thread>
+#include <fstream>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
+#include "fs/encoding.h"
+#include "installer/installer_process.h"
 #include "tests/soak/processes.h"
 #include "tests/soak/worker.h"
 #include "tests/support/temporary_folder.h"
@@ -21,72 +26,126 @@
 namespace launcher::soak {
 namespace {
 
+namespace stdfs = std::filesystem;
+
 constexpr int kWorkers = 4;
 constexpr int kUsualRuns = 1000;
+constexpr char kWorkerOption[] = "--worker";
+constexpr char kResults[] = "results";  // file in a worker's folder
 
-void WorkTogether(Soak& soak, const std::filesystem::path& folder) {
-    std::vector<Worker> workers;
-    workers.reserve(kWorkers);
-    for (int i = 0; i < kWorkers; ++i)
-        workers.emplace_back(soak, folder / std::to_string(i));
-    std::vector<std::jthread> threads;
-    for (Worker& worker : workers)
-        threads.emplace_back([&worker] { worker.Work(); });
+struct Order {
+    int runs = kUsualRuns;
+    unsigned seed = 0;
+};
+
+// Every fourth run, each in its own process.
+int WorkAs(int index, const stdfs::path& folder, const Order& order) {
+    Worker worker(order.seed, folder);
+    for (int run = index + 1; run <= order.runs; run += kWorkers) {
+        worker.Work(run);
+        if (run % 25 == 0) std::printf("run %d of %d\n", run, order.runs);
+    }
+    std::ofstream file(folder / kResults);
+    file << worker.Repeats() << '\n';
+    for (const auto& [name, tally] : worker.Results())
+        file << tally.runs << ' ' << tally.right << ' ' << tally.interrupted << ' '
+             << tally.completeCopies << ' ' << tally.partialCopies << ' ' << name << '\n';
+    return 0;
+}
+
+// This program again; it writes where this one writes.
+void StartWorker(int index, const stdfs::path& folder, const Order& order,
+                 ProcessInformation& process) {
+    wchar_t program[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    std::wstring line = ToWide(test::QuoteArguments({ToNarrow(program), std::to_string(order.runs),
+                                                     std::to_string(order.seed), kWorkerOption,
+                                                     std::to_string(index), test::ToUtf8(folder)}));
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                        &process))
+        throw std::runtime_error("cannot start a worker");
+}
+
+// False when a worker did not come to its end.
+bool Collect(const stdfs::path& folder, Tallies& sum, int& repeats) {
+    std::ifstream file(folder / kResults);
+    int count = 0;
+    if (!(file >> count)) return false;
+    repeats += count;
+    Tally tally;
+    while (file >> tally.runs >> tally.right >> tally.interrupted >> tally.completeCopies >>
+           tally.partialCopies) {
+        std::string name;
+        std::getline(file >> std::ws, name);
+        Add(sum, name, tally);
+    }
+    return true;
 }
 
 // Whether all runs were right.
-bool ShowTable(const Soak& soak) {
-    Tally sum;
-    const auto show = [](const char* name, const Tally& tally) {
-        std::printf("%-24s %6d %6d %12d %10d %9d\n", name, tally.runs, tally.right,
-                    tally.interrupted, tally.completeCopies, tally.partialCopies);
-    };
+bool ShowTable(Tallies tallies, int runs) {
+    Tallies all;
+    for (const auto& [name, tally] : tallies)
+        Add(all, "all", tally);
+    tallies.merge(all);
+    const Tally sum = tallies["all"];
     std::printf("\n%-24s %6s %6s %12s %10s %9s\n", "", "runs", "right", "interrupted", "complete",
                 "partial");
-    for (const auto& [name, tally] : soak.Tallies()) {
-        show(name.c_str(), tally);
-        sum.runs += tally.runs;
-        sum.right += tally.right;
-        sum.interrupted += tally.interrupted;
-        sum.completeCopies += tally.completeCopies;
-        sum.partialCopies += tally.partialCopies;
-    }
-    show("all", sum);
-    return sum.runs == sum.right;
+    for (const auto& [name, tally] : tallies)
+        std::printf("%-24s %6d %6d %12d %10d %9d\n", name.c_str(), tally.runs, tally.right,
+                    tally.interrupted, tally.completeCopies, tally.partialCopies);
+    return sum.runs == runs && sum.right == runs;
 }
 
-int Run(int runs, unsigned seed) {
+int Run(const Order& order) {
     const test::TemporaryFolder folder;
     const ULONGLONG start = GetTickCount64();
-    Soak soak(seed, runs);
-    std::printf("%d runs, seed %u\n", runs, seed);
-    WorkTogether(soak, folder.Dir());
-    bool isRight = ShowTable(soak);
+    std::printf("%d runs, seed %u\n", order.runs, order.seed);
+    std::deque<ProcessInformation> workers(kWorkers);
+    for (int i = 0; i < kWorkers; ++i)
+        StartWorker(i, folder.Dir() / std::to_string(i), order, workers[static_cast<unsigned>(i)]);
+    for (const ProcessInformation& worker : workers)
+        WaitForSingleObject(worker.hProcess, INFINITE);
+    Tallies tallies;
+    int repeats = 0;
+    bool isRight = true;
+    for (int i = 0; i < kWorkers; ++i)
+        isRight = Collect(folder.Dir() / std::to_string(i), tallies, repeats) && isRight;
+    isRight = ShowTable(tallies, order.runs) && isRight;
     for (const std::string& program : RunningBelow(folder.Dir())) {
         std::printf("still running: %s\n", program.c_str());
         isRight = false;
     }
-    std::printf("%s in %llu s; repeated because Wine could not create a process: %d\n",
-                isRight ? "All right" : "NOT all right", (GetTickCount64() - start) / 1000,
-                soak.Repeats());
+    std::printf("%s in %u s; repeated because Wine could not create a process: %d\n",
+                isRight ? "All right" : "NOT all right",
+                static_cast<unsigned>((GetTickCount64() - start) / 1000), repeats);
     return isRight ? 0 : 1;
+}
+
+int Main(const std::vector<std::wstring>& arguments) {
+    const auto number = [&arguments](std::size_t i) {
+        return std::wcstoul(arguments[i].c_str(), nullptr, 10);
+    };
+    Order order;
+    if (arguments.size() > 1) order.runs = static_cast<int>(number(1));
+    order.seed = arguments.size() > 2 ? number(2) : GetTickCount();
+    if (arguments.size() == 6 && arguments[3] == ToWide(kWorkerOption))
+        return WorkAs(static_cast<int>(number(4)), arguments[5], order);
+    if (IsUserAnAdmin()) return Run(order);
+    std::fputs("Needs a console that runs as administrator.\n", stderr);
+    return 2;
 }
 
 }  // namespace
 }  // namespace launcher::soak
 
 int wmain(int argc, wchar_t** argv) {
-    using namespace launcher::soak;
     SetConsoleOutputCP(CP_UTF8);
     std::setvbuf(stdout, nullptr, _IONBF, 0);
-    if (!IsUserAnAdmin()) {
-        std::fputs("Needs a console that runs as administrator.\n", stderr);
-        return 2;
-    }
     try {
-        const int runs =
-            argc > 1 ? static_cast<int>(std::wcstol(argv[1], nullptr, 10)) : kUsualRuns;
-        return Run(runs, argc > 2 ? std::wcstoul(argv[2], nullptr, 10) : GetTickCount());
+        return launcher::soak::Main({argv, argv + argc});
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;

@@ -58,60 +58,43 @@ std::vector<std::string> LeftRunning(const stdfs::path& folder) {
 
 }  // namespace
 
-std::optional<int> Soak::NextRun() {
-    const int run = ++next_;
-    if (run > runs_) return std::nullopt;
-    if (run % 50 == 0) std::printf("run %d of %d\n", run, runs_);
-    return run;
+void Add(Tallies& sum, const std::string& situation, const Tally& tally) {
+    Tally& all = sum[situation];
+    all.runs += tally.runs;
+    all.right += tally.right;
+    all.interrupted += tally.interrupted;
+    all.completeCopies += tally.completeCopies;
+    all.partialCopies += tally.partialCopies;
 }
 
-Random Soak::RandomOf(int run) const {
-    std::seed_seq seed{seed_, static_cast<unsigned>(run)};
-    return Random(seed);
-}
-
-void Soak::Count(const std::string& situation, const Tally& tally) {
-    const std::lock_guard lock(counting_);
-    Tally& sum = tallies_[situation];
-    sum.runs += tally.runs;
-    sum.right += tally.right;
-    sum.interrupted += tally.interrupted;
-    sum.completeCopies += tally.completeCopies;
-    sum.partialCopies += tally.partialCopies;
-}
-
-void Soak::Report(int run, const std::string& situation, const std::vector<std::string>& problems,
-                  const std::string& details) {
-    const std::lock_guard lock(counting_);
-    std::printf("WRONG: run %d of seed %u, %s\n", run, seed_, situation.c_str());
-    for (const std::string& problem : problems)
-        std::printf("  %s\n", problem.c_str());
-    std::printf("  (%s)\n", details.c_str());
-}
-
-Worker::Worker(Soak& soak, const stdfs::path& folder)
-    : soak_(soak), folder_(folder), work_(folder / "work"), media_(folder) {
+Worker::Worker(unsigned seed, const stdfs::path& folder)
+    : seed_(seed), folder_(folder), work_(folder / "work"), media_(folder) {
     stdfs::create_directories(work_);
 }
 
-void Worker::Work() {
-    while (const std::optional<int> run = soak_.NextRun()) {
-        Random random = soak_.RandomOf(*run);
-        const Situation& situation = Choose(random);
-        Outcome outcome;
-        try {
-            outcome = Play(situation.make(media_, random), random);
-        } catch (const std::exception& failure) {
-            outcome.problems.push_back(failure.what());
-        }
-        for (const std::string& program : LeftRunning(folder_))
-            outcome.problems.push_back("still running: " + program);
-        outcome.tally.runs = 1;
-        outcome.tally.right = outcome.problems.empty();
-        soak_.Count(situation.name, outcome.tally);
-        if (!outcome.problems.empty())
-            soak_.Report(*run, situation.name, outcome.problems, outcome.details);
+void Worker::Work(int run) {
+    std::seed_seq seed{seed_, static_cast<unsigned>(run)};
+    Random random(seed);
+    const Situation& situation = Choose(random);
+    Outcome outcome;
+    try {
+        outcome = Play(situation.make(media_, random), random);
+    } catch (const std::exception& failure) {
+        outcome.problems.push_back(failure.what());
     }
+    for (const std::string& program : LeftRunning(folder_))
+        outcome.problems.push_back("still running: " + program);
+    outcome.tally.runs = 1;
+    outcome.tally.right = outcome.problems.empty();
+    Add(results_, situation.name, outcome.tally);
+    if (!outcome.problems.empty()) Report(run, situation.name, outcome);
+}
+
+void Worker::Report(int run, const std::string& situation, const Outcome& outcome) const {
+    std::printf("WRONG: run %d of seed %u, %s\n", run, seed_, situation.c_str());
+    for (const std::string& problem : outcome.problems)
+        std::printf("  %s\n", problem.c_str());
+    std::printf("  (%s)\n", outcome.details.c_str());
 }
 
 Worker::Outcome Worker::Play(const Scene& scene, Random& random) {
@@ -122,7 +105,7 @@ Worker::Outcome Worker::Play(const Scene& scene, Random& random) {
             if (scene.after) scene.after();
             return outcome;
         } catch (const WineStumble&) {
-            soak_.CountRepeat();
+            ++repeats_;
             if (repeats == kMostRepeats) return {{"Wine cannot create a process"}, {}, {}};
         }
     }
@@ -131,11 +114,7 @@ Worker::Outcome Worker::Play(const Scene& scene, Random& random) {
 Worker::Outcome Worker::PlayOnce(const Scene& scene, Random& random) {
     test::LauncherStart start = scene.start;
     start.workFolder = work_;
-    std::unique_ptr<LauncherProcess> process;
-    {
-        const std::lock_guard lock(soak_.Starting());
-        process = std::make_unique<LauncherProcess>(start);
-    }
+    auto process = std::make_unique<LauncherProcess>(start);
     const bool isInCopy =
         scene.interruption != Interruption::None && WaitIntoCopy(*process, work_ / "temp", random);
     if (isInCopy && scene.interruption == Interruption::Killed) {

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <atomic>
 #include <filesystem>
 #include <map>
-#include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,42 +18,21 @@ struct Tally {
     int partialCopies = 0;   // of a killed run, or of one that said so
 };
 
-// What the workers share.
-class Soak {
-  public:
-    Soak(unsigned seed, int runs) : seed_(seed), runs_(runs) {}
+using Tallies = std::map<std::string, Tally>;  // by situation
 
-    // The number of the next run, from 1 on; nothing when there are no more.
-    std::optional<int> NextRun();
-    // The same for the same run of the same seed.
-    Random RandomOf(int run) const;
-    void Count(const std::string& situation, const Tally& tally);
-    void Report(int run, const std::string& situation, const std::vector<std::string>& problems,
-                const std::string& details);
-    void CountRepeat() { ++repeats_; }
+void Add(Tallies& sum, const std::string& situation, const Tally& tally);
 
-    unsigned Seed() const { return seed_; }
-    int Repeats() const { return repeats_; }
-    const std::map<std::string, Tally>& Tallies() const { return tallies_; }
-    // Held while a process is made: another one made meanwhile would inherit its streams.
-    std::mutex& Starting() { return starting_; }
-
-  private:
-    const unsigned seed_;
-    const int runs_;
-    std::atomic<int> next_ = 0;
-    std::atomic<int> repeats_ = 0;
-    std::mutex starting_;
-    std::mutex counting_;
-    std::map<std::string, Tally> tallies_;
-};
-
-// One of those that start launchers at the same time, with a folder of its own.
+// One of those that start launchers at the same time: a process of its own, as what one of them
+// has open would be inherited by what another one starts.
 class Worker {
   public:
-    Worker(Soak& soak, const std::filesystem::path& folder);
-    // Until there are no more runs.
-    void Work();
+    // Works in `folder`, which it keeps to itself.
+    Worker(unsigned seed, const std::filesystem::path& folder);
+
+    // One run; its number and the seed say all about it.
+    void Work(int run);
+    const Tallies& Results() const { return results_; }
+    int Repeats() const { return repeats_; }
 
   private:
     struct Outcome {
@@ -69,13 +45,16 @@ class Worker {
     Outcome PlayOnce(const Scene& scene, Random& random);
     Outcome JudgeHidden(const Scene& scene, const test::LauncherRun& run, bool isHidden) const;
     Outcome JudgeKilled() const;
+    void Report(int run, const std::string& situation, const Outcome& outcome) const;
     Outcome JudgeRun(const test::LauncherRun& run, const Expectation& expected,
                      const test::Media& media) const;
 
-    Soak& soak_;
+    unsigned seed_;
     std::filesystem::path folder_;
     std::filesystem::path work_;
     MediaSet media_;
+    Tallies results_;
+    int repeats_ = 0;
 };
 
 }  // namespace launcher::soak
