@@ -4,7 +4,7 @@
 #include "fs/path.h"
 #include "installer/environment_backup.h"
 #include "launcher/base/launch_options.h"
-#include "media/layout.h"
+#include "media/folder_names.h"
 #include "platform/administrator.h"
 
 namespace launcher {

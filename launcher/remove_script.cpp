@@ -4,7 +4,7 @@
 
 #include "fs/encoding.h"
 #include "fs/open_file.h"
-#include "media/layout.h"
+#include "media/folder_names.h"
 
 namespace launcher {
 

@@ -9,7 +9,7 @@
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
 #include "launcher/uuid_text.h"
-#include "media/layout.h"
+#include "media/folder_names.h"
 
 namespace launcher {
 namespace {

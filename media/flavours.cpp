@@ -3,7 +3,7 @@
 #include "fs/environment.h"
 #include "fs/path.h"
 #include "launcher/base/launch_options.h"
-#include "media/layout.h"
+#include "media/folder_names.h"
 
 namespace launcher {
 namespace {

@@ -4,7 +4,7 @@
 #include "fs/path_exists.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
-#include "media/layout.h"
+#include "media/folder_names.h"
 
 namespace launcher {
 namespace {

@@ -8,7 +8,7 @@
 #include "fs/path_exists.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
-#include "media/layout.h"
+#include "media/folder_names.h"
 #include "media/volume_files.h"
 #include "media/volume_numbers.h"
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "media/layout.h"
+#include "media/folder_names.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"
 

@@ -1,6 +1,6 @@
 // The entries of the root that are copied with the installer.
 
-#include "media/layout.h"
+#include "media/folder_names.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"
 

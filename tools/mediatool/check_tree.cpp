@@ -7,7 +7,7 @@
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
-#include "media/layout.h"
+#include "media/folder_names.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "media/layout.h"
+#include "media/folder_names.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"
 #include "tools/mediatool/marker_bytes.h"

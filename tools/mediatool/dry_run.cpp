@@ -13,7 +13,7 @@
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
 #include "launcher/driver.h"
-#include "media/layout.h"
+#include "media/folder_names.h"
 #include "tools/mediatool/files.h"
 #include "tools/mediatool/findings.h"
 #include "tools/mediatool/media_set.h"

@@ -2,7 +2,7 @@
 
 #include "fs/environment.h"
 #include "launcher/base/launch_options.h"
-#include "media/layout.h"
+#include "media/folder_names.h"
 #include "media/volumes.h"
 #include "tools/mediatool/media_set.h"
 

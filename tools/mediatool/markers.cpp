@@ -1,6 +1,6 @@
 #include "tools/mediatool/markers.h"
 
-#include "media/layout.h"
+#include "media/folder_names.h"
 
 namespace launcher::mediatool {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "media/layout.h"
+#include "media/folder_names.h"
 #include "tools/mediatool/files.h"
 #include "tools/mediatool/findings.h"
 
