@@ -19,10 +19,9 @@
 #include "fs/owners.h"
 #include "tests/e2e/support/launcher_run.h"
 #include "tests/e2e/support/media.h"
+#include "tests/e2e/support/wine.h"
 #include "tests/mediatool/support/mediatool_run.h"
-#include "tests/support/links.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {
@@ -135,7 +134,7 @@ class Documentation : public testing::TestWithParam<const char*> {
         for (std::size_t i = 0; i < block.lines.size();) {
             const std::string prompt = "M:\\> mediatool ";
             ASSERT_TRUE(block.lines[i].starts_with(prompt)) << block.lines[i];
-            const std::string command = block.lines[i].substr(5);
+            const std::string command = block.lines[i].substr(sizeof "M:\\>");
             std::vector<std::string> shown;
             for (++i; i < block.lines.size() && !block.lines[i].starts_with("M:\\> "); ++i)
                 shown.push_back(block.lines[i]);
