@@ -19,9 +19,10 @@
 #include "fs/owners.h"
 #include "tests/e2e/support/launcher_run.h"
 #include "tests/e2e/support/media.h"
-#include "tests/e2e/support/wine.h"
 #include "tests/mediatool/support/mediatool_run.h"
+#include "tests/support/links.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {
