@@ -1,23 +1,14 @@
 #!/bin/sh
-# Builds the launcher with every compiler and for every target that Debian has, warnings as errors,
-# makes the release folder, and runs all tests on the 64-bit release.
+# Builds the release with all its tests and runs them. Everything it does is in build/logs.
 set -eu
 cd "$(dirname "$0")"
+. tools/steps.sh
 
-tools/install-tools.sh clang lld nsis wixl osslsigncode openssl
+tools/install-tools.sh nsis wixl osslsigncode openssl
 
-# The launcher alone, as it would be released with each of these.
-for preset in mingw-debug mingw32 mingw32-debug clang clang-debug; do
-    echo "== $preset"
-    cmake --preset "$preset" -B "build/variants/$preset" -DLAUNCHER_BUILD_TESTS=OFF >/dev/null
-    cmake --build "build/variants/$preset" --target setup
-done
+step configure cmake --preset mingw
+step build cmake --build --preset mingw
+step tests ctest --preset mingw
 
-echo "== two builds in two folders"
-tools/check-reproducible.sh
-
-echo "== the release folder"
-./package.sh
-
-echo "== mingw, with all tests"
-cmake --workflow --preset mingw
+(cd build/mingw && cmake -P ../../cmake/TestSummary.cmake) 2>&1
+sed -n '/tests passed/,$p' build/logs/tests.log

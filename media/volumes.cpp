@@ -1,6 +1,5 @@
 #include "media/volumes.h"
 
-#include <cstdint>
 #include <optional>
 
 #include "fs/directory_enumerator.h"
@@ -11,6 +10,7 @@
 #include "launcher/base/message.h"
 #include "media/layout.h"
 #include "media/volume_files.h"
+#include "media/volume_numbers.h"
 
 namespace launcher {
 namespace {
@@ -20,10 +20,6 @@ constexpr char kMtbDirVar[] = "ZEPAdmInstMTBDIR";
 constexpr char kFirstAmVolumeVar[] = "ZEPAdmInstFirstAMVolume";
 constexpr char kFirstAmPathVar[] = "ZEPAdmInstFirstAMPath";
 constexpr char kAmRelativePathVar[] = "ZEPAdmInstAMRelativePath";
-
-// Volume numbers are 64 bits wide: a count may be as large as INT_MAX, and the number of an outer
-// volume is up to 98 above it.
-using VolumeNumber = std::int64_t;
 
 // What one pass over volumes 2 to N found.
 struct Pass {
@@ -57,8 +53,10 @@ std::string Decimal(VolumeNumber number) {
     return std::to_string(number);
 }
 
+constexpr char kMarkerSuffix[] = ".txt";
+
 std::string ReadVolumeId(const Path& folder, VolumeNumber number) {
-    return ReadMtbDir(Join(folder, Decimal(number) + ".txt").Text());
+    return ReadMtbDir(Join(folder, Decimal(number) + kMarkerSuffix).Text());
 }
 
 void Trace(const LaunchOptions& options, const std::string& text) {
@@ -72,17 +70,17 @@ void TraceWarning(const LaunchOptions& options, const std::string& text) {
 Pass SingleFolderPass(const SplitMedia& media) {
     const Path& folder = media.options.mediaDir;
     Pass pass;
-    for (VolumeNumber k = 2; k <= media.count; ++k) {
+    ForEachVolumeNumber(folder, 2, media.count, kMarkerSuffix, [&](VolumeNumber k) {
         const std::string id = ReadVolumeId(folder, k);
-        if (id.empty()) continue;
+        if (id.empty()) return;
         if (id == media.id) {
             ++pass.found;
-            continue;
+            return;
         }
         TraceWarning(media.options, "Volume " + Decimal(k) + " of " + id +
                                         " found in the directory of " + media.id);
         pass.mismatch = true;
-    }
+    });
     return pass;
 }
 
@@ -105,29 +103,34 @@ void CheckVolumeFolder(const SplitMedia& media, VolumeNumber k, const Path& fold
 Pass SiblingPass(const SplitMedia& media, std::vector<std::string>& volumes) {
     const Path parent = Parent(media.options.mediaDir);
     Pass pass;
-    for (VolumeNumber k = 2; k <= media.count; ++k)
+    ForEachVolumeNumber(parent, 2, media.count, "", [&](VolumeNumber k) {
         CheckVolumeFolder(media, k, Join(parent, Decimal(k)), pass, volumes);
+    });
     return pass;
 }
 
-Pass AmPass(const SplitMedia& media, const AmSet& am, std::vector<std::string>& volumes) {
-    const Path parent = Parent(am.folder);
-    Pass pass;
-    for (VolumeNumber j = 2; j <= media.count; ++j) {
-        const VolumeNumber m = am.first + j - 1;
-        const Path outer = Join(parent, Decimal(m));
-        const std::string id = ReadVolumeId(outer, m);
-        if (id.empty()) continue;
-        if (id != am.id) {
-            TraceWarning(media.options, "AM volume " + Decimal(m) + " of " + id + " found in " +
-                                            outer.Text() + " instead of " + am.id);
-            pass.mismatch = true;
-            continue;
-        }
-        Trace(media.options, "AM volume " + Decimal(m) + " found in: " + outer.Text());
-        const Path inner = Join(outer, am.relativePath.Text());
-        CheckVolumeFolder(media, j, Join(inner, Decimal(j)), pass, volumes);
+// Looks for the outer volume `m`, and in it for volume `j`.
+void CheckAmVolume(const SplitMedia& media, const AmSet& am, VolumeNumber m, Pass& pass,
+                   std::vector<std::string>& volumes) {
+    const Path outer = Join(Parent(am.folder), Decimal(m));
+    const std::string id = ReadVolumeId(outer, m);
+    if (id.empty()) return;
+    if (id != am.id) {
+        TraceWarning(media.options, "AM volume " + Decimal(m) + " of " + id + " found in " +
+                                        outer.Text() + " instead of " + am.id);
+        pass.mismatch = true;
+        return;
     }
+    Trace(media.options, "AM volume " + Decimal(m) + " found in: " + outer.Text());
+    const VolumeNumber j = m - am.first + 1;
+    const Path folder = Join(outer, {am.relativePath.Text(), Decimal(j)});
+    CheckVolumeFolder(media, j, folder, pass, volumes);
+}
+
+Pass AmPass(const SplitMedia& media, const AmSet& am, std::vector<std::string>& volumes) {
+    Pass pass;
+    ForEachVolumeNumber(Parent(am.folder), am.first + 1, am.first + media.count - 1, "",
+                        [&](VolumeNumber m) { CheckAmVolume(media, am, m, pass, volumes); });
     return pass;
 }
 

@@ -65,8 +65,8 @@ make_debian() {
     touch "$root/.complete"
 }
 fill_debian() {
-    debootstrap --variant=minbase --cache-dir="$folder/debs" "$release" "$root" \
-        http://deb.debian.org/debian || return 1
+    debootstrap --variant=minbase --cache-dir="$folder/debs" "$release" "$root" ||
+        return 1
     cp /etc/resolv.conf "$root/etc/resolv.conf"
     case " $* " in *:i386\ *) chroot "$root" dpkg --add-architecture i386 || return 1 ;; esac
     chroot "$root" apt-get -q update || return 1

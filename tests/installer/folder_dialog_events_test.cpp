@@ -38,6 +38,7 @@ class DialogWindow {
 class FolderDialogEventsTest : public test::InstallerTest {
   protected:
     FolderDialogEventsTest() {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
         dialog_.window.window = window_.Get();
         folder_.path = L"D:\\\u00E4\u20AC b";
     }
@@ -48,11 +49,11 @@ class FolderDialogEventsTest : public test::InstallerTest {
         EXPECT_EQ(dialog_.References(), 0u);
         EXPECT_EQ(dialog_.window.References(), 0u);
         EXPECT_EQ(folder_.References(), 0u);
+        CoUninitialize();
     }
 
     void Enter(IShellItem* folder) { EXPECT_EQ(events_->OnFolderChanging(&dialog_, folder), S_OK); }
 
-    const ComApartment com_;
     FolderDialogEvents* const events_ = new FolderDialogEvents(options_);
     const DialogWindow window_;
     test::FakeFileDialog dialog_;

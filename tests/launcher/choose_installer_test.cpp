@@ -38,7 +38,7 @@ void PrintTo(const ChoiceCase& row, std::ostream* out) {
 }
 
 class ChooseInstallerChoice : public ChooseInstallerTest,
-                            public testing::WithParamInterface<ChoiceCase> {};
+                              public testing::WithParamInterface<ChoiceCase> {};
 
 TEST_P(ChooseInstallerChoice, TakesTheFirstThatSuitsA64BitWindows) {
     machine.files = GetParam().files;
@@ -104,7 +104,7 @@ void PrintTo(const MarkerCase& row, std::ostream* out) {
 }
 
 class ChooseInstallerMarkers : public ChooseInstallerTest,
-                             public testing::WithParamInterface<MarkerCase> {};
+                               public testing::WithParamInterface<MarkerCase> {};
 
 TEST_P(ChooseInstallerMarkers, ChooseTheFlavour) {
     machine.is64Bit = GetParam().is64Bit;

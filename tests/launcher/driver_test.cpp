@@ -11,10 +11,10 @@
 #include "launcher/requirements.h"
 #include "launcher/temporary_copy.h"
 #include "media/volumes.h"
+#include "tests/launcher/base/options_fields.h"
 #include "tests/launcher/fake_messages.h"
 #include "tests/launcher/isolated_test.h"
 #include "tests/launcher/journal.h"
-#include "tests/launcher/base/options_fields.h"
 
 namespace launcher {
 namespace {
@@ -141,8 +141,8 @@ TEST_F(DriverTest, AnswersOnlyTheNumberOfVolumesWhenAsked) {
         steps.volumeCount = count;
         steps.volumes = {"V:\\2", "V:\\3"};
         EXPECT_EQ(RunLauncher(options_), count);
-        EXPECT_THAT(test::Journal(),
-                    ElementsAre("web library", "Windows version", "choose the installer", "volumes"));
+        EXPECT_THAT(test::Journal(), ElementsAre("web library", "Windows version",
+                                                 "choose the installer", "volumes"));
         EXPECT_EQ(GetEnvVar("ZEPAdmInstVolumePath_2"), "");
     }
 }

@@ -3,8 +3,8 @@
 #include <set>
 #include <string>
 
-#include "tests/launcher/isolated_test.h"
 #include "tests/launcher/base/options_fields.h"
+#include "tests/launcher/isolated_test.h"
 
 namespace launcher::test {
 

@@ -10,8 +10,8 @@
 
 #include "fs/encoding.h"
 #include "fs/environment.h"
-#include "tests/launcher/isolated_test.h"
 #include "tests/launcher/base/options_fields.h"
+#include "tests/launcher/isolated_test.h"
 
 namespace launcher {
 namespace {

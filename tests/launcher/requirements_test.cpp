@@ -5,9 +5,9 @@
 #include <optional>
 
 #include "fs/encoding.h"
+#include "tests/launcher/base/options_fields.h"
 #include "tests/launcher/isolated_test.h"
 #include "tests/launcher/journal.h"
-#include "tests/launcher/base/options_fields.h"
 #include "tests/support/import_patch.h"
 
 namespace launcher {

@@ -11,10 +11,10 @@
 
 #include "fs/environment.h"
 #include "platform/module_path.h"
+#include "tests/launcher/base/options_fields.h"
 #include "tests/launcher/fake_messages.h"
 #include "tests/launcher/isolated_test.h"
 #include "tests/launcher/journal.h"
-#include "tests/launcher/base/options_fields.h"
 
 namespace launcher {
 namespace {

@@ -1,0 +1,25 @@
+# Run by ctest before the tests, with PROGRAM, NAME and EMULATOR set: one test for each suite of a
+# GoogleTest program, NAME.SUITE. A process for each single test would cost ten times the time.
+get_filename_component(folder ${PROGRAM} DIRECTORY)
+set(suites ${folder}/${NAME}_suites.cmake)
+if(NOT EXISTS ${suites} OR ${PROGRAM} IS_NEWER_THAN ${suites})
+  execute_process(COMMAND ${EMULATOR} ${PROGRAM} --gtest_list_tests
+    OUTPUT_VARIABLE listing RESULT_VARIABLE result TIMEOUT 120)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${PROGRAM} does not list its tests (${result}):\n${listing}")
+  endif()
+  # "Suite." or "Instance/Suite.", maybe with a comment, and its tests indented below it.
+  string(REGEX MATCHALL "\n[A-Za-z0-9_/]+\\." names "\n${listing}")
+  set(command ${EMULATOR} ${PROGRAM})
+  list(JOIN command "]] [[" command)
+  set(script "")
+  foreach(suite IN LISTS names)
+    string(REGEX REPLACE "[\n.]" "" suite "${suite}")
+    string(APPEND script
+      "add_test([[${NAME}.${suite}]] [[${command}]] [[--gtest_filter=${suite}.*]])\n"
+      "set_tests_properties([[${NAME}.${suite}]] PROPERTIES TIMEOUT 300\n"
+      "  SKIP_REGULAR_EXPRESSION [[PASSED  . 0 tests]])\n")
+  endforeach()
+  file(WRITE ${suites} "${script}")
+endif()
+include(${suites})

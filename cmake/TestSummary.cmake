@@ -1,0 +1,18 @@
+# What the suites that CTest ran last say of their single tests: how many passed, and which were
+# skipped, with their reasons. Run in a build folder: cmake -P TestSummary.cmake
+file(STRINGS Testing/Temporary/LastTest.log lines)
+set(passed 0)
+set(skipped 0)
+set(list "")
+set(reason "")
+foreach(line IN LISTS lines)
+  if(line MATCHES "^\\[  PASSED  \\] ([0-9]+) test")
+    math(EXPR passed "${passed} + ${CMAKE_MATCH_1}")
+  elseif(line MATCHES "^\\[  SKIPPED \\] (.+) \\(")
+    math(EXPR skipped "${skipped} + 1")
+    string(APPEND list "  ${CMAKE_MATCH_1}: ${reason}\n")
+  else()
+    set(reason "${line}")
+  endif()
+endforeach()
+message("${passed} single tests passed, ${skipped} skipped\n${list}")
