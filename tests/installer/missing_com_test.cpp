@@ -19,12 +19,13 @@ HMODULE WINAPI FindNoModule(LPCWSTR) {
 TEST(MissingCom, CreatesNothingAndReleasesNothing) {
     const Hook<decltype(&LoadLibraryW)> missing(
         "LoadLibraryW", test::FailsWith(ERROR_MOD_NOT_FOUND, HMODULE{nullptr}));
-    const test::ImportPatch notLoaded("GetModuleHandleW", reinterpret_cast<void*>(FindNoModule));
     int released = 0;
     const Hook<decltype(&FreeLibrary)> release("FreeLibrary", [&](auto real, HMODULE library) {
         ++released;
         return real(library);
     });
+    // Last: finding this program's own imports takes the function too.
+    const test::ImportPatch notLoaded("GetModuleHandleW", reinterpret_cast<void*>(FindNoModule));
     {
         const ComApartment com;
         ComPtr<IUnknown> object;
