@@ -35,8 +35,9 @@ TEST_F(VolumeReadFailure, FurtherOnLooksLikeTheEndOfTheFile) {
     const std::string marker = folder_.Write("1.txt", "MTBDIR=ABC" + std::string(1000, 'x'));
     int calls = 0;
     const Hook<decltype(&ReadFile)> broken(
-        "ReadFile", [&](auto real, HANDLE file, LPVOID buffer, DWORD size, LPDWORD read,
-                        LPOVERLAPPED overlapped) -> BOOL {
+        "ReadFile",
+        [&](auto real, HANDLE file, LPVOID buffer, DWORD size, LPDWORD read,
+            LPOVERLAPPED overlapped) -> BOOL {
             if (++calls == 1) return real(file, buffer, 10, read, overlapped);
             *read = size;  // what a failed call leaves there does not count
             SetLastError(ERROR_CRC);
