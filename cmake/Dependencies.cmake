@@ -13,6 +13,9 @@ function(provide_googletest)
     return()
   endif()
   set(CMAKE_COMPILE_WARNING_AS_ERROR OFF)
+  # As the launcher: older standards leave std::string's functions to other objects, and the linker
+  # would take those of the launcher for it, the ones that a test replaces among them.
+  set(CMAKE_CXX_STANDARD 20)
   set(INSTALL_GTEST OFF)
   set(gtest_force_shared_crt OFF)
   if(EXISTS /usr/src/googletest/CMakeLists.txt)

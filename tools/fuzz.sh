@@ -48,7 +48,7 @@ fuzz() {
     target=$1
     shift
     log=$build/$target.log
-    nice -n 19 $build/"$target" -max_len="$(max_length "$target")" -timeout=10 -reload=0 \
+    nice -n 19 $build/"$target" -max_len="$(max_length "$target")" -timeout=60 -reload=0 \
         -detect_leaks=0 -print_final_stats=1 -artifact_prefix=$build/failed/"$target"- "$@" \
         >"$log" 2>&1 || { tail -n 40 "$log"; exit 1; }
 }

@@ -14,7 +14,7 @@ setup=$(realpath "$2")
 work=$(mktemp -d)
 trap 'WINEPREFIX="$work/prefix" wineserver -k || true; rm -rf "$work"' EXIT
 
-"$here/install-tools.sh" librsvg2-bin fonts-dejavu-core python3 >&2
+"$here/install-tools.sh" librsvg2-bin imagemagick fonts-dejavu-core python3 >&2
 
 run() { "$here/wine-run.sh" "$work/prefix" "$mediatool" "$@"; }
 
@@ -25,7 +25,8 @@ draw() {
     shift 2
     run "$@" >"$work/output" 2>&1 || true
     python3 "$here/terminal-picture.py" "$prompt" <"$work/output" >"$work/$name.svg"
-    rsvg-convert "$work/$name.svg" -o "$images/$name.png"
+    rsvg-convert "$work/$name.svg" -o "$work/$name.png"
+    convert "$work/$name.png" -colors 64 -strip "PNG8:$images/$name.png"
 }
 
 drive=$work/drive

@@ -12,7 +12,7 @@ import sys
 from xml.sax.saxutils import escape
 
 WIDTH, HEIGHT, MARGIN = 8.4, 18, 16  # of a character and of the border, in pixels
-COLUMNS = 110
+COLUMNS = 120
 COLOURS = {"1": "font-weight='bold'", "2": "fill='#9aa0a6'", "1;31": "fill='#ff6b68'",
            "33": "fill='#ffc66d'", "32": "fill='#8bc34a'", "36": "fill='#4dd0e1'", "0": ""}
 

@@ -11,11 +11,15 @@ namespace {
 
 using test::Hook;
 
+HMODULE WINAPI FindNoModule(LPCWSTR) {
+    SetLastError(ERROR_MOD_NOT_FOUND);
+    return nullptr;
+}
+
 TEST(MissingCom, CreatesNothingAndReleasesNothing) {
     const Hook<decltype(&LoadLibraryW)> missing(
         "LoadLibraryW", test::FailsWith(ERROR_MOD_NOT_FOUND, HMODULE{nullptr}));
-    const Hook<decltype(&GetModuleHandleW)> notLoaded(
-        "GetModuleHandleW", test::FailsWith(ERROR_MOD_NOT_FOUND, HMODULE{nullptr}));
+    const test::ImportPatch notLoaded("GetModuleHandleW", reinterpret_cast<void*>(FindNoModule));
     int released = 0;
     const Hook<decltype(&FreeLibrary)> release("FreeLibrary", [&](auto real, HMODULE library) {
         ++released;

@@ -87,7 +87,8 @@ INSTANTIATE_TEST_SUITE_P(Siblings, CreateTest,
                                           testing::Values(1, 2, 3, 9, 10, 50, 99)),
                          CreateName);
 INSTANTIATE_TEST_SUITE_P(Outer, CreateTest,
-                         testing::Combine(testing::Values(Layout::Outer), testing::Range(1, 100)),
+                         testing::Combine(testing::Values(Layout::Outer),
+                                          testing::Values(1, 2, 3, 9, 10, 11, 98, 99)),
                          CreateName);
 
 class Creating : public testing::Test {

@@ -135,7 +135,7 @@ class Documentation : public testing::TestWithParam<const char*> {
         for (std::size_t i = 0; i < block.lines.size();) {
             const std::string prompt = "M:\\> mediatool ";
             ASSERT_TRUE(block.lines[i].starts_with(prompt)) << block.lines[i];
-            const std::string command = block.lines[i].substr(5);
+            const std::string command = block.lines[i].substr(sizeof "M:\\>");
             std::vector<std::string> shown;
             for (++i; i < block.lines.size() && !block.lines[i].starts_with("M:\\> "); ++i)
                 shown.push_back(block.lines[i]);

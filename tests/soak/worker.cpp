@@ -30,7 +30,30 @@ bool StumbledOverWine(const std::vector<std::string>& boxes) {
     });
 }
 
-struct WineStumble {};
+// A box whose window did not answer the one who reads it: this machine is too busy. The launcher
+// shows no empty ones, or they would be seen in every repeat.
+bool HasUnreadBox(const std::vector<std::string>& boxes) {
+    return std::ranges::find(boxes, "") != boxes.end();
+}
+
+// Thrown by a run that says nothing about the launcher, and is to be repeated.
+struct Stumble {};
+
+// The media as a scene wants it, and again as it was.
+class Staging {
+  public:
+    explicit Staging(const Scene& scene) : scene_(scene) {
+        if (scene_.before) scene_.before();
+    }
+    Staging(const Staging&) = delete;
+    Staging& operator=(const Staging&) = delete;
+    ~Staging() {
+        if (scene_.after) scene_.after();
+    }
+
+  private:
+    const Scene& scene_;
+};
 
 const Situation& Choose(Random& random) {
     std::vector<int> weights;
@@ -98,15 +121,13 @@ void Worker::Report(int run, const std::string& situation, const Outcome& outcom
 }
 
 Worker::Outcome Worker::Play(const Scene& scene, Random& random) {
-    if (scene.before) scene.before();
+    const Staging staging(scene);
     for (int repeats = 0;; ++repeats) {
         try {
-            Outcome outcome = PlayOnce(scene, random);
-            if (scene.after) scene.after();
-            return outcome;
-        } catch (const WineStumble&) {
+            return PlayOnce(scene, random);
+        } catch (const Stumble&) {
             ++repeats_;
-            if (repeats == kMostRepeats) return {{"Wine cannot create a process"}, {}, {}};
+            if (repeats == kMostRepeats) return {{"repeated too often"}, {}, {}};
         }
     }
 }
@@ -131,7 +152,7 @@ Worker::Outcome Worker::PlayOnce(const Scene& scene, Random& random) {
         run = process->Finish();
     }
     process.reset();
-    if (StumbledOverWine(run.BoxTexts())) throw WineStumble();
+    if (StumbledOverWine(run.BoxTexts()) || HasUnreadBox(run.BoxTexts())) throw Stumble();
     return JudgeHidden(scene, run, isHidden);
 }
 

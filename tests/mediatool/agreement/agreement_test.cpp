@@ -13,6 +13,7 @@
 #include <sstream>
 
 #include "fs/encoding.h"
+#include "fs/environment.h"
 #include "tests/e2e/support/environment_block.h"
 #include "tests/e2e/support/launcher_run.h"
 #include "tests/e2e/support/media.h"
@@ -27,7 +28,12 @@ namespace {
 namespace stdfs = std::filesystem;
 using Json = nlohmann::json;
 
-constexpr unsigned kCasesOfATest = 20;
+// Of each of the 15 tests; CI asks for 20, which take some minutes.
+unsigned CasesOfATest() {
+    const std::string cases = GetEnvVar("AGREEMENT_CASES");
+    return cases.empty() ? 4u : static_cast<unsigned>(std::stoul(cases));
+}
+
 constexpr unsigned kTests = 5;
 constexpr unsigned kFirstSeed = 1000;
 
@@ -228,12 +234,13 @@ class Agreement : public testing::TestWithParam<unsigned> {
 };
 
 TEST_P(Agreement, OfGeneratedRuns) {
-    for (unsigned i = 0; i < kCasesOfATest && !HasFailure(); ++i)
-        Compare(kFirstSeed + GetParam() * kCasesOfATest + i);
+    const unsigned cases = CasesOfATest();
+    for (unsigned i = 0; i < cases && !HasFailure(); ++i)
+        Compare(kFirstSeed + GetParam() * cases + i);
     RecordProperty("started", static_cast<int>(started));
     RecordProperty("boxes", static_cast<int>(boxes));
-    std::printf("of %u runs: %u started an installer, %u copied it; %u boxes, %u dialogs\n",
-                kCasesOfATest, static_cast<unsigned>(started), static_cast<unsigned>(copies),
+    std::printf("so far, %u installers started, %u of them copied; %u boxes, %u dialogs\n",
+                static_cast<unsigned>(started), static_cast<unsigned>(copies),
                 static_cast<unsigned>(boxes), static_cast<unsigned>(dialogs));
     EXPECT_GT(started, 0u);
 }

@@ -55,7 +55,8 @@ class Maker {
 
     void MakeMedia() {
         constexpr const char* kNames[] = {"media", "set/1", "a b/Größe 漢字", "q/7/r/1"};
-        media_ = folder_ / FromUtf8(Pick(kNames));
+        // Deep enough for the outer volumes of any layout.
+        media_ = folder_ / "7" / "r" / FromUtf8(Pick(kNames));
         PutProgram(SETUP_PROGRAM, media_ / "setup.exe");
         for (const char* name :
              {"meta.TOCxml", "media.xml", "media.db", "StartTUI.exe", "setup_noUAC.exe"})

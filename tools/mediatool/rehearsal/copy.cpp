@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "fs/create_dir.h"
 #include "fs/directory_enumerator.h"
@@ -98,8 +99,11 @@ void PretendToCopyFile(const std::string& source, const std::string& destination
         ThrowLastErrorAsErrno("Cannot write into ", destination);
     }
     PretendedCopy& copy = CurrentRehearsal()->journal.copy;
-    ++copy.files;
-    copy.bytes += static_cast<std::uint64_t>(size.QuadPart);
+    // A file that is copied over another takes the room of one.
+    const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
+    std::uint64_t& there = copy.sizes[destination];
+    copy.bytes += bytes - std::exchange(there, bytes);
+    copy.files = copy.sizes.size();
     if (copy.room && copy.bytes > *copy.room)
         throw ZEPInsExceptionErrno("Cannot write into " + destination, ENOSPC);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -41,6 +42,7 @@ struct Lookup {
 };
 
 struct PretendedCopy {
+    std::map<std::string, std::uint64_t> sizes;  // of the copied files, by the copy's path
     std::size_t files = 0;
     std::uint64_t bytes = 0;
     std::optional<std::uint64_t> room;  // bytes free at the target; unknown without it
