@@ -15,10 +15,10 @@ std::string Quoted(const std::string& text) {
 
 void AddSoftMgtArguments(LaunchOptions& options) {
     std::vector<std::string>& args = options.installerArgs;
-    args.push_back("--mgt");
+    args.emplace_back("--mgt");
     args.push_back(Parent(Parent(options.mediaDir)).Text());
     if (options.softMgtAction.empty()) return;
-    args.push_back("--var");
+    args.emplace_back("--var");
     args.push_back("Radio_ZEPSoftwareMgtCheck?" + options.softMgtAction + "=true");
     SetEnvVar("ZEPSoftwareMgtSingleExec", "1");
     SetEnvVar("ZEPAdmTUIValue_SoftwareMgt_Resume", "!r");
