@@ -52,8 +52,8 @@ endfunction()
 function(launcher_executable_hardening name)
   if(MSVC)
     target_link_options(${name} PRIVATE
-      /MANIFEST:NO /SWAPRUN:CD,NET /CETCOMPAT /guard:cf /Brepro /OPT:REF /OPT:ICF
-      /DEPENDENTLOADFLAG:0x800)
+      /MANIFEST:NO /SWAPRUN:CD /SWAPRUN:NET /CETCOMPAT /guard:cf /Brepro /DEPENDENTLOADFLAG:0x800
+      $<$<NOT:$<CONFIG:Debug>>:/OPT:REF;/OPT:ICF>)
     return()
   endif()
   target_link_options(${name} PRIVATE

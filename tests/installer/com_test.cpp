@@ -58,19 +58,22 @@ TEST(ComApartment, LoadsTheLibraryOfComFromTheSystemOnly) {
     EXPECT_EQ(loaded, std::vector<std::string>{"ole32.dll"});
 }
 
+DWORD recordedModel = 0;
+
+// In place of CoInitializeEx.
+HRESULT WINAPI RecordModel(void* reserved, DWORD model) {
+    recordedModel = reserved == nullptr ? model : 0;
+    return E_FAIL;
+}
+
 TEST(ComApartment, AsksForASingleThreadWithoutOle1) {
-    static DWORD model = 0;
     const test::Hook<decltype(&GetProcAddress)> hook(
         "GetProcAddress", [](auto real, HMODULE library, LPCSTR name) {
             if (std::string(name) != "CoInitializeEx") return real(library, name);
-            const auto record = +[](void* reserved, DWORD flags) -> HRESULT {
-                model = reserved == nullptr ? flags : 0;
-                return E_FAIL;
-            };
-            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(record));
+            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(RecordModel));
         });
     { const ComApartment apartment; }
-    EXPECT_EQ(model, 6u);
+    EXPECT_EQ(recordedModel, 6u);
 }
 
 TEST(ComApartment, CreatesObjects) {
