@@ -17,8 +17,8 @@ namespace stdfs = std::filesystem;
 
 namespace {
 
-constexpr DWORD kPollInterval = 10;     // milliseconds
-constexpr ULONGLONG kPatience = 60000;  // the longest that a run may take
+constexpr DWORD kPollInterval = 10;       // milliseconds
+constexpr ULONGLONG kLongestRun = 60000;  // milliseconds
 
 // Wine now and then fails to create a process with this code, whoever asks.
 constexpr DWORD kSpuriousError = ERROR_INTERNAL_ERROR;
@@ -194,7 +194,7 @@ std::string LauncherProcess::Situation() {
 }
 
 LauncherRun LauncherProcess::Finish() {
-    const ULONGLONG end = GetTickCount64() + kPatience;
+    const ULONGLONG end = GetTickCount64() + kLongestRun;
     while (!EndsWithin(0) || !AllEnded())
         if (GetTickCount64() > end) throw std::runtime_error(Situation());
     LauncherRun run;
