@@ -28,17 +28,10 @@ class LaunchTest : public test::InstallerTest {
             try {
                 return LaunchInstaller(options_, ChildCommandLine(arguments));
             } catch (const test::ProcessExit&) {
-                if (repeats == 3 || !StumbledOverWine()) throw;
+                if (repeats == 3 || !test::StumbledOverWine(test::journal)) throw;
                 test::journal.clear();
             }
         }
-    }
-
-  private:
-    // Wine now and then fails to create a process with this code, whoever asks.
-    static bool StumbledOverWine() {
-        return test::IsWine() && !test::journal.empty() &&
-               test::journal.back().ends_with("rc=1359");
     }
 };
 
