@@ -19,6 +19,8 @@ if [ "$WINEARCH" = win32 ]; then
 else
     WINE=$(command -v wine64 || command -v /usr/lib/wine/wine64 || command -v wine)
 fi
+# File names in all letters, and the system's messages in English, wherever this machine stands.
+export LC_ALL=C.UTF-8
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml,winedbg.exe,winemenubuilder.exe=}"
 
