@@ -20,6 +20,11 @@ function(provide_googletest)
   set(gtest_force_shared_crt OFF)
   if(EXISTS /usr/src/googletest/CMakeLists.txt)
     add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+    # Not for its speed: the GNU linker spends its time on inline functions that were not inlined, in
+    # every test program again.
+    foreach(library gtest gmock)
+      target_compile_options(${library} PRIVATE -O1)
+    endforeach()
     return()
   endif()
   FetchContent_Declare(googletest SYSTEM DOWNLOAD_EXTRACT_TIMESTAMP ON

@@ -1,7 +1,8 @@
 #!/bin/sh
 # What the project checks for itself, apart from the tests: the style, the direction of the includes,
-# three linters, every compiler and target that Debian has with warnings as errors, two builds with
-# the same bytes, and the release folder. Everything it does is in build/logs.
+# three linters, every compiler and target that Debian has with warnings as errors, the fuzzers' kept
+# inputs, two builds with the same bytes, the release folder, and the table of the executable's Windows
+# calls. Everything it does is in build/logs.
 set -eu
 cd "$(dirname "$0")/.."
 . tools/steps.sh
@@ -43,7 +44,9 @@ step "include direction" tools/check-includes.sh
 for preset in clang clang-debug mingw-debug mingw32-debug; do
     step "build with $preset" build_variant "$preset"
 done
+step "fuzzing, the kept inputs" tools/fuzz.sh replay
 step "clang-tidy" clang_tidy
 step "cppcheck" run_cppcheck
 step "reproducible" tools/check-reproducible.sh
 step "release folder" ./package.sh
+step "table of Windows calls" tools/check-windows-calls.py build/package-mingw/launcher/setup.exe

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Repeats each operation of the product 10,000 times (children 200 times) in one process of the
-# release build, and fails when handles or memory grew. The tests do the same with 100.
+# release build, and fails when handles or memory grew. The tests do the same with 50.
 #
 #   repetition.sh [REPETITIONS]
 set -eu

@@ -15,7 +15,7 @@
 namespace launcher::test {
 namespace {
 
-constexpr int kDefaultRepetitions = 100;
+constexpr int kDefaultRepetitions = 50;
 constexpr int kFewest = 20;
 // A cache of the system's may still grow by a block or two; a leak grows by one each time.
 constexpr std::ptrdiff_t kToleratedBlocks = 4;

@@ -103,7 +103,7 @@ TEST(Repeat, NoticesHandlesThatStayOpen) {
 }
 
 TEST(Repeat, NoticesMemoryThatStaysAllocated) {
-    EXPECT_NONFATAL_FAILURE(Repeat([] { static_cast<void>(::operator new(1)); }),
+    EXPECT_NONFATAL_FAILURE(Repeat([] { HeapAlloc(GetProcessHeap(), 0, 1); }),
                             "memory was left allocated");
 }
 

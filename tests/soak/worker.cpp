@@ -11,6 +11,7 @@
 #include "tests/soak/interruption.h"
 #include "tests/soak/processes.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wine.h"
 
 namespace launcher::soak {
 
@@ -21,14 +22,6 @@ using test::LauncherRun;
 namespace {
 
 constexpr int kMostRepeats = 3;
-
-// Wine now and then fails to create a process with error 1359, whoever asks.
-bool StumbledOverWine(const std::vector<std::string>& boxes) {
-    return std::ranges::any_of(boxes, [](const std::string& text) {
-        return text.starts_with("Setup failed to create process\n") &&
-               text.find("\nrc=1359\n") != std::string::npos;
-    });
-}
 
 // A box whose window did not answer the one who reads it: this machine is too busy. The launcher
 // shows no empty ones, or they would be seen in every repeat.
@@ -152,7 +145,7 @@ Worker::Outcome Worker::PlayOnce(const Scene& scene, Random& random) {
         run = process->Finish();
     }
     process.reset();
-    if (StumbledOverWine(run.BoxTexts()) || HasUnreadBox(run.BoxTexts())) throw Stumble();
+    if (test::StumbledOverWine(run.BoxTexts()) || HasUnreadBox(run.BoxTexts())) throw Stumble();
     return JudgeHidden(scene, run, isHidden);
 }
 

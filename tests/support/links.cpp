@@ -40,6 +40,8 @@ std::wstring DriveOnHost(const std::wstring& letter) {
     return DevicesOnHost() + letter;
 }
 
+constexpr int kPatience = 2000;  // times 5 milliseconds
+
 bool IsThere(const stdfs::path& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
@@ -55,7 +57,6 @@ void RunOnHost(const std::wstring& program, const std::wstring& arguments, const
     if (!CreateProcessW((L"Z:\\bin\\" + program).c_str(), command.data(), nullptr, nullptr, FALSE,
                         0, nullptr, nullptr, &startup, &process))
         throw std::runtime_error("cannot run a program of the host");
-    constexpr int kPatience = 2000;
     for (int i = 0; i < kPatience && IsThere(path) != appears; ++i)
         Sleep(5);
 }
@@ -99,6 +100,9 @@ MappedDrive::MappedDrive(const stdfs::path& folder) : MappedDrive(FreeDrive(), f
 
 MappedDrive::MappedDrive(const std::string& drive, const stdfs::path& folder)
     : letter_(ToWide(drive)), folder_(folder) {
+    // Another test's, which runs at the same time, comes free.
+    for (int i = 0; i < kPatience && IsThere(Root()); ++i)
+        Sleep(5);
     if (IsThere(Root())) throw std::runtime_error(drive + " is taken");
     if (IsWine())
         LinkOnHost(DriveOnHost(letter_), OnHost(folder), Root());

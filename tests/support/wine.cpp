@@ -1,5 +1,7 @@
 #include "tests/support/wine.h"
 
+#include <algorithm>
+
 #include "fs/encoding.h"
 #include "tests/support/temporary_folder.h"
 
@@ -24,6 +26,13 @@ void WriteString(const std::wstring& key, const wchar_t* name, const std::wstrin
 
 bool IsWine() {
     return GetProcAddress(GetModuleHandleW(L"ntdll"), "wine_get_version") != nullptr;
+}
+
+bool StumbledOverWine(const std::vector<std::string>& messages) {
+    return IsWine() && std::ranges::any_of(messages, [](const std::string& text) {
+               return text.find("Setup failed to create process\n") != std::string::npos &&
+                      text.find("\nrc=1359") != std::string::npos;
+           });
 }
 
 stdfs::path BuiltFile(const char* path) {

@@ -4,12 +4,17 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace launcher::test {
 
 // Wine plays Windows on other systems; what a test does with it in particular is here.
 
 bool IsWine();
+
+// Whether a message says that a process could not be created for a reason of Wine's: error 1359,
+// which it has now and then, whoever asks. Such a run is worth repeating.
+bool StumbledOverWine(const std::vector<std::string>& messages);
 
 // A path known to the build, which may be one of another system, as this program can open it.
 std::filesystem::path BuiltFile(const char* path);

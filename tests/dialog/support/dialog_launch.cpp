@@ -6,16 +6,6 @@
 #include "tests/support/wine.h"
 
 namespace launcher::test {
-namespace {
-
-// Wine now and then fails to create a process, with this code.
-bool StumbledOverWine(const LauncherRun& run) {
-    for (const std::string& text : run.BoxTexts())
-        if (text.find("\nrc=1359\n") != std::string::npos) return true;
-    return false;
-}
-
-}  // namespace
 
 Media DialogTest::MarkedMedia(const std::string& osFolder) const {
     const std::string name = "setup-" + std::to_string(GetCurrentProcessId()) + ".exe";
@@ -40,7 +30,7 @@ LauncherRun DialogTest::RunWithDialog(const LauncherStart& start, const Steps& s
         DialogDriver dialog;
         steps(dialog);
         LauncherRun run = process.Finish();
-        if (repeats == 3 || !StumbledOverWine(run)) return run;
+        if (repeats == 3 || !StumbledOverWine(run.BoxTexts())) return run;
     }
 }
 

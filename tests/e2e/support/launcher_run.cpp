@@ -1,6 +1,5 @@
 #include "tests/e2e/support/launcher_run.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <sstream>
 #include <stdexcept>
@@ -10,6 +9,7 @@
 #include "fs/owners.h"
 #include "tests/e2e/support/environment_block.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 
@@ -17,19 +17,8 @@ namespace stdfs = std::filesystem;
 
 namespace {
 
-constexpr DWORD kPollInterval = 10;     // milliseconds
-constexpr ULONGLONG kPatience = 60000;  // the longest that a run may take
-
-// Wine now and then fails to create a process with this code, whoever asks.
-constexpr DWORD kSpuriousError = ERROR_INTERNAL_ERROR;
-
-bool StumbledOverWine(const LauncherRun& run) {
-    const std::string code = "\nrc=" + std::to_string(kSpuriousError) + "\n";
-    return std::ranges::any_of(run.BoxTexts(), [&code](const std::string& text) {
-        return text.starts_with("Setup failed to create process\n") &&
-               text.find(code) != std::string::npos;
-    });
-}
+constexpr DWORD kPollInterval = 10;       // milliseconds
+constexpr ULONGLONG kLongestRun = 60000;  // milliseconds
 
 // On the output of the test, where it can be counted afterwards.
 void NoteRepeat() {
@@ -115,7 +104,7 @@ void PrintTo(const LauncherRun& run, std::ostream* stream) {
 LauncherRun RunToEnd(const LauncherStart& start) {
     for (int repeats = 0;; ++repeats) {
         LauncherRun run = LauncherProcess(start).Finish();
-        if (repeats == 3 || !StumbledOverWine(run)) return run;
+        if (repeats == 3 || !StumbledOverWine(run.BoxTexts())) return run;
         NoteRepeat();
     }
 }
@@ -161,7 +150,7 @@ void LauncherProcess::Start() {
     };
     while (!create()) {
         const DWORD error = GetLastError();
-        if (error != kSpuriousError)
+        if (error != ERROR_INTERNAL_ERROR)  // 1359, as in StumbledOverWine
             throw std::runtime_error("cannot start the launcher: " + std::to_string(error));
         NoteRepeat();
     }
@@ -194,7 +183,7 @@ std::string LauncherProcess::Situation() {
 }
 
 LauncherRun LauncherProcess::Finish() {
-    const ULONGLONG end = GetTickCount64() + kPatience;
+    const ULONGLONG end = GetTickCount64() + kLongestRun;
     while (!EndsWithin(0) || !AllEnded())
         if (GetTickCount64() > end) throw std::runtime_error(Situation());
     LauncherRun run;
