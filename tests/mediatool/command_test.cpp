@@ -1,7 +1,5 @@
 // mediatool from outside: its command line, exit codes, streams and JSON.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <valijson/adapters/nlohmann_json_adapter.hpp>
 #include <valijson/schema.hpp>
 #include <valijson/schema_parser.hpp>
@@ -10,19 +8,15 @@
 
 #include <nlohmann/json.hpp>
 
+#include "tests/mediatool/command.h"
 #include "tests/mediatool/support/mediatool_run.h"
 #include "tests/mediatool/support/sample_media.h"
 
 namespace launcher::test {
 namespace {
 
-using mediatool::Layout;
-using testing::HasSubstr;
-using testing::StartsWith;
-using Json = nlohmann::json;
 using JsonView = valijson::adapters::NlohmannJsonAdapter;
 
-// What a program that reads the output may rely on: docs/mediatool.schema.json.
 class Schema {
   public:
     Schema() {
@@ -51,38 +45,17 @@ class Schema {
     valijson::Schema schema_;
 };
 
-class Command : public testing::Test {
-  protected:
-    MediatoolRun Run(const std::vector<std::string>& arguments) const {
-        return RunMediatool(arguments, scratch.Dir());
-    }
+}  // namespace
 
-    // The output of a run with --json, which has to fit the schema.
-    Json Output(const std::vector<std::string>& arguments, unsigned long exitCode = 0) const {
-        const MediatoolRun run = Run(arguments);
-        EXPECT_EQ(run.exitCode, exitCode) << run.errors;
-        EXPECT_EQ(run.errors, "");
-        const Json output = Json::parse(run.output);
-        EXPECT_EQ(Schema().Complaints(output), "") << run.output;
-        return output;
-    }
+std::string SchemaComplaints(const Json& document) {
+    return Schema().Complaints(document);
+}
 
-    // A wrong use: one sentence, and nothing else.
-    std::string Complaint(const std::vector<std::string>& arguments) const {
-        const MediatoolRun run = Run(arguments);
-        EXPECT_EQ(run.exitCode, 2u);
-        EXPECT_EQ(run.output, "");
-        EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << run.errors;
-        return run.errors;
-    }
-
-    TemporaryFolder scratch;
-    SampleMedia media;
-};
+namespace {
 
 TEST(SchemaFile, RefusesWhatIsNoOutput) {
-    EXPECT_NE(Schema().Complaints(Json::object()), "");
-    EXPECT_NE(Schema().Complaints(Json{{"schema", 1}, {"command", "validate"}}), "");
+    EXPECT_NE(SchemaComplaints(Json::object()), "");
+    EXPECT_NE(SchemaComplaints(Json{{"schema", 1}, {"command", "validate"}}), "");
 }
 
 TEST_F(Command, ValidateOfACleanMedia) {
@@ -141,58 +114,10 @@ TEST_F(Command, CreateThatIsRefused) {
                               "\" is there already; --force writes over it.\n");
 }
 
-TEST_F(Command, DryRunOfEveryEnd) {
-    const std::string folder = media.Text();
-    EXPECT_EQ(Output({"dry-run", folder, "--json", "--admin", "yes"})["started"], true);
-    EXPECT_EQ(Output({"dry-run", folder, "--json", "--admin", "no"})["exitCode"], 1);
-    EXPECT_EQ(Output({"dry-run", folder, "--json", "--bits", "32"})["waits"], 1);
-    EXPECT_EQ(Output({"dry-run", folder, "--json", "--", "-env"})["messages"][0]["text"],
-              "Bad -env argument");
-    SampleMedia incomplete(Layout::Siblings);
-    incomplete.Remove("../3");
-    const Json copied = Output({"dry-run", incomplete.Text(), "--json", "--admin", "yes"});
-    EXPECT_EQ(copied["temporaryCopy"]["made"], true);
-    EXPECT_THAT(copied["commandLine"].get<std::string>(), HasSubstr("\\{UUID}\\inst\\"));
-}
-
-TEST_F(Command, DryRunInTheFolderDialog) {
-    media.Remove("inst/win_b64");
-    Json output = Output({"dry-run", media.Text(), "--json", "--admin", "yes"});
-    EXPECT_EQ(output["exitCode"], 1);
-    EXPECT_EQ(output["waits"], 2);
-    const SampleMedia other;
-    output = Output({"dry-run", media.Text(), "--json", "--admin", "yes", "--pick", other.Text()});
-    EXPECT_EQ(output["installer"]["foundBy"], "folder-dialog");
-    EXPECT_EQ(output["started"], true);
-}
-
-TEST_F(Command, DryRunWithAFullDiskOrWithoutATemporaryFolder) {
-    SampleMedia incomplete(Layout::Siblings);
-    incomplete.Remove("../3");
-    const Json output =
-        Output({"dry-run", incomplete.Text(), "--json", "--admin", "yes", "--temp", ""});
-    EXPECT_EQ(output["temporaryCopy"]["made"], false);
-    EXPECT_EQ(output["exitCode"], 1);
-    EXPECT_EQ(output["waits"], 2);
-}
-
-TEST_F(Command, DryRunPassesTheLaunchersArgumentsToTheLetter) {
-    const Json output = Output({"dry-run", media.Text(), "--json", "--admin", "yes", "--env",
-                                "LIST=[a,b]", "--", "[x,y]", "--", "--json", "*", "", "a\\"});
-    const std::vector<std::string> arguments = output["arguments"];
-    EXPECT_THAT(arguments, testing::ElementsAre("-CDpath", media.Text(), "[x,y]", "--", "--json",
-                                                "*", "", "a\\"));
-}
-
-TEST_F(Command, DryRunShowsOneScreen) {
-    const MediatoolRun run = Run({"dry-run", media.Text(), "--admin", "yes"});
-    EXPECT_LE(std::ranges::count(run.output, '\n'), 40) << run.output;
-    EXPECT_EQ(run.output.find('\x1b'), std::string::npos);  // no colours in a file
-}
-
 TEST_F(Command, WrongUse) {
     EXPECT_THAT(Complaint({}), StartsWith("mediatool: "));
-    EXPECT_THAT(Complaint({"burn"}), StartsWith("mediatool: "));
+    EXPECT_EQ(Complaint({"burn", "--fast"}),
+              "mediatool: There is no command \"burn\"; there are dry-run, validate and create.\n");
     EXPECT_THAT(Complaint({"validate"}), HasSubstr("media is required"));
     EXPECT_THAT(Complaint({"validate", "--fast", media.Text()}), HasSubstr("--fast"));
     EXPECT_THAT(Complaint({"validate", scratch.Text("keine Größe")}), HasSubstr("keine Größe"));
@@ -201,6 +126,13 @@ TEST_F(Command, WrongUse) {
     EXPECT_THAT(Complaint({"dry-run", scratch.Text()}), HasSubstr("no launcher (setup.exe)"));
     EXPECT_THAT(Complaint({"dry-run", media.Text(), "--windows", "XP"}), HasSubstr("XP"));
     EXPECT_THAT(Complaint({"dry-run", media.Text(), "--env", "=x"}), HasSubstr("NAME=VALUE"));
+    EXPECT_EQ(Complaint({"dry-run", media.Text(), "--pick", scratch.Text("nowhere")}),
+              "mediatool: \"" + scratch.Text("nowhere") +
+                  "\" cannot be picked: there is no such folder.\n");
+    EXPECT_THAT(Complaint({"dry-run", media.Text(), "--pick", media.Text("setup.exe")}),
+                HasSubstr("no such folder"));
+    EXPECT_EQ(Complaint({"dry-run", media.Text(), "--temp", "temp"}),
+              "mediatool: --temp takes a full path, not \"temp\".\n");
     EXPECT_THAT(Complaint({"create", scratch.Text("out")}), HasSubstr("--id"));
     EXPECT_THAT(Complaint({"create", "--id", "X", "--layout", "spiral", "--volumes", "2",
                            scratch.Text("out")}),

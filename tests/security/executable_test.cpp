@@ -117,6 +117,15 @@ TEST_F(Executable, ImportsFromTheSystemOnly) {
     EXPECT_THAT(libraries, testing::IsSupersetOf({"kernel32.dll", "shell32.dll", "user32.dll"}));
 }
 
+// mediatool is likely to lie on a media or in a folder of downloads, too.
+TEST(Companion, ImportsFromTheSystemOnly) {
+    std::set<std::string> libraries;
+    for (const PeFile::Import& import : PeFile(BuiltFile(MEDIATOOL_PROGRAM)).Imports())
+        libraries.insert(import.library);
+    EXPECT_THAT(libraries, IsSubsetOf(kImportedLibraries));
+    EXPECT_THAT(libraries, Contains("kernel32.dll"));
+}
+
 // A library that is loaded later has its name in the file too. Those here are all that it asks for,
 // now or later; "ole32.dll" is for the dialog, and "wininet.dll" is looked at.
 TEST_F(Executable, NamesNoOtherLibrary) {

@@ -7,7 +7,6 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr char kProductName[] = "Installation media launcher";
 constexpr std::size_t kLongestPath = 259;  // characters, in what the launcher asks Windows for
 
 void CheckProgram(const Path& file, Findings& out) {
@@ -34,7 +33,7 @@ void CheckProgram(const Path& file, Findings& out) {
                   "setup.exe is made for another kind of processor.",
                   "It starts neither on 64-bit nor on 32-bit Windows for PCs.", putBack);
     const ProgramVersion version = ReadProgramVersion(file);
-    if (version.product != kProductName)
+    if (version.product != kLauncherProduct)
         out.Note("launcher-not-this-one", file.Text(),
                  "setup.exe is not this launcher" +
                      (version.product.empty() ? "." : " but \"" + version.product + "\"."),

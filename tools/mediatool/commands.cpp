@@ -6,6 +6,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "fs/path.h"
 #include "tools/mediatool/console.h"
 #include "tools/mediatool/dry_run.h"
 #include "tools/mediatool/dry_run_report.h"
@@ -122,12 +123,19 @@ struct DryRunCommand {
         if (!bits.empty()) machine.is64Bit = bits == "64";
         if (!administrator.empty()) machine.isAdministrator = administrator == "yes";
         if (command->count("--pick") > 0) machine.picked = pick;
-        if (command->count("--temp") > 0) request.environment.emplace_back("TEMP", temp);
+        if (command->count("--temp") > 0) request.environment.emplace_back("TEMP", CheckedTemp());
         for (const std::string& variable : variables)
             request.environment.push_back(Assignment(variable));
         const DryRun run = RunDry(request);
         PrintOut(json ? Printed(JsonOf(run)) : TextOf(run, everything));
         return kSuccess;
+    }
+
+    // Nothing pretends that there is no TEMP; a folder of the current one is a slip.
+    const std::string& CheckedTemp() const {
+        if (!temp.empty() && Path(temp).RootEnd() == Path::kRelative)
+            throw BadInput("--temp takes a full path, not \"" + temp + "\".");
+        return temp;
     }
 
     static std::pair<std::string, std::string> Assignment(const std::string& text) {
@@ -166,6 +174,7 @@ class Mediatool {
         const bool hasEnd = end != arguments.end();
         std::vector<std::string> launcherArguments(hasEnd ? end + 1 : end, arguments.end());
         arguments.erase(end, arguments.end());
+        CheckCommand(arguments);
         std::ranges::reverse(arguments);  // as CLI11 wants them
         app_.parse(std::move(arguments));
         if (dryRun_.command->parsed()) return dryRun_.Run(std::move(launcherArguments));
@@ -189,6 +198,16 @@ class Mediatool {
     }
 
   private:
+    // CLI11 would only say that a command is missing.
+    void CheckCommand(const std::vector<std::string>& arguments) const {
+        if (arguments.empty() || arguments.front().starts_with('-')) return;
+        const std::string& name = arguments.front();
+        for (const CLI::App* command : {dryRun_.command, validate_.command, create_.command})
+            if (command->get_name() == name) return;
+        throw BadInput("There is no command \"" + name +
+                       "\"; there are dry-run, validate and create.");
+    }
+
     CLI::App app_;
     DryRunCommand dryRun_;
     ValidateCommand validate_;

@@ -154,6 +154,14 @@ std::string LauncherPath(const std::string& media) {
     return launcher.Text();
 }
 
+// As the dialog would name it.
+std::string PickedFolder(const std::string& text) {
+    const Path folder = FullPath(text);
+    if (!IsFolder(folder))
+        throw BadInput("\"" + text + "\" cannot be picked: there is no such folder.");
+    return folder.Text();
+}
+
 }  // namespace
 
 std::size_t DryRun::Waits() const {
@@ -163,10 +171,12 @@ std::size_t DryRun::Waits() const {
 DryRun RunDry(const DryRunRequest& request) {
     DryRun run;
     run.launcher = LauncherPath(request.media);
+    run.doubt = WhyNotThisLauncher(Path(run.launcher));
     run.arguments = request.arguments;
     Rehearsal rehearsal;
     rehearsal.machine = request.machine;
     rehearsal.machine.launcherPath = run.launcher;
+    if (request.machine.picked) rehearsal.machine.picked = PickedFolder(*request.machine.picked);
     const Environment own = CurrentEnvironment();
     for (const auto& [name, value] : request.environment)
         SetEnvVar(name, value);

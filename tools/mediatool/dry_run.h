@@ -37,6 +37,7 @@ struct CopyDecision {
 // Everything about one rehearsed run.
 struct DryRun {
     std::string launcher;                // full path of setup.exe
+    std::string doubt;                   // why it may do something else, a sentence; mostly empty
     std::vector<std::string> arguments;  // its own
     PretendedMachine machine;
     std::string temp;  // its "TEMP"

@@ -96,6 +96,7 @@ Json JsonOf(const DryRun& run) {
     return {{"schema", 1},
             {"command", "dry-run"},
             {"launcher", run.launcher},
+            {"doubt", run.doubt.empty() ? Json() : Json(run.doubt)},
             {"launcherArguments", run.arguments},
             {"pretended", MachineOf(run)},
             {"exitCode", run.exitCode},

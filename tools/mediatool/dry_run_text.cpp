@@ -61,6 +61,11 @@ std::string MachineText(const DryRun& run) {
     return text.empty() ? "on this machine" : "pretended: " + text + "; else this machine's";
 }
 
+std::string DoubtText(const DryRun& run) {
+    if (run.doubt.empty()) return {};
+    return Line(Painted(Colour::Yellow, run.doubt) + " It may do something else than this:");
+}
+
 std::string InstallerText(const DryRun& run) {
     std::string text = Heading("Looked for");
     if (run.journal.lookups.empty()) text += Line("nothing");
@@ -212,7 +217,7 @@ std::string TextOf(const DryRun& run, bool everything) {
     std::string typed = run.launcher;
     for (const std::string& argument : run.arguments)
         typed += " " + Typed(argument);
-    std::string text = Heading(typed) + Line(MachineText(run));
+    std::string text = Heading(typed) + Line(MachineText(run)) + DoubtText(run);
     text += InstallerText(run) + VolumesText(run) + CopyText(run);
     text += EnvironmentText(run, everything) + CommandLineText(run);
     return text + MessagesText(run) + ExitCodeText(run);

@@ -7,11 +7,13 @@
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
+#include "platform/dll_search.h"
 #include "tools/mediatool/commands.h"
 
 // Split as the launcher splits its own command line: the C runtime may expand wildcards and has
 // other ideas of quotes, and what is meant for the launcher must arrive as it would there.
 int wmain() {
+    launcher::RestrictDllSearch();
     int count = 0;
     const launcher::LocalMemory<wchar_t*> split(CommandLineToArgvW(GetCommandLineW(), &count));
     std::vector<std::string> arguments;

@@ -2,10 +2,12 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstring>
-#include <vector>
+#include <string_view>
 
 #include "fs/encoding.h"
+#include "platform/owners.h"
 #include "tools/mediatool/files.h"
 
 namespace launcher::mediatool {
@@ -39,12 +41,24 @@ bool IsSigned(const std::string& bytes, std::size_t offset) {
     return header && HasSignature(*header);
 }
 
-std::string VersionText(const std::vector<char>& block, const wchar_t* name) {
-    const std::wstring key = std::wstring(L"\\StringFileInfo\\040904B0\\") + name;
-    void* value = nullptr;
-    UINT length = 0;
-    if (!VerQueryValueW(block.data(), key.c_str(), &value, &length) || length == 0) return {};
-    return ToNarrow(static_cast<const wchar_t*>(value));
+// The text of this name in a version resource; empty when there is none. Each text is a header, its
+// name, and from the next multiple of two characters on its value; both end in a zero.
+std::string VersionText(std::wstring_view resource, const std::wstring& name) {
+    const std::size_t found = resource.find(name + L'\0');
+    if (found == std::wstring_view::npos) return {};
+    const std::size_t end = found + name.size() + 1;
+    const std::wstring value(resource.substr(std::min(end + end % 2, resource.size())));
+    return ToNarrow(value.c_str());
+}
+
+// The version resource of a program that is only looked at.
+std::wstring_view VersionResource(const Library& program) {
+    const HRSRC found = FindResourceW(program.Get(), MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
+    if (found == nullptr) return {};
+    const HGLOBAL loaded = LoadResource(program.Get(), found);
+    if (loaded == nullptr) return {};
+    return {static_cast<const wchar_t*>(LockResource(loaded)),
+            SizeofResource(program.Get(), found) / sizeof(wchar_t)};
 }
 
 }  // namespace
@@ -70,12 +84,26 @@ std::optional<ProgramFile> ReadProgramFile(const Path& path) {
                        IsSigned(*bytes, start + sizeof(DWORD) + sizeof(IMAGE_FILE_HEADER))};
 }
 
+// Without the system's library for versions: one of its name beside this program would run.
 ProgramVersion ReadProgramVersion(const Path& path) {
-    const std::wstring name = ToWide(path.Text());
-    const DWORD size = GetFileVersionInfoSizeW(name.c_str(), nullptr);
-    std::vector<char> block(size);
-    if (size == 0 || !GetFileVersionInfoW(name.c_str(), 0, size, block.data())) return {};
-    return {VersionText(block, L"ProductName"), VersionText(block, L"ProductVersion")};
+    const Library program(
+        LoadLibraryExW(ToWide(path.Text()).c_str(), nullptr,
+                       LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+    if (!program) return {};
+    const std::wstring_view resource = VersionResource(program);
+    return {VersionText(resource, L"ProductName"), VersionText(resource, L"ProductVersion")};
+}
+
+std::string WhyNotThisLauncher(const Path& path) {
+    if (!ReadProgramFile(path)) return "setup.exe is no Windows program.";
+    const ProgramVersion version = ReadProgramVersion(path);
+    if (version.product != kLauncherProduct)
+        return "setup.exe is not this launcher" +
+               (version.product.empty() ? "." : " but \"" + version.product + "\".");
+    if (version.version != LAUNCHER_VERSION)
+        return "setup.exe is version " + version.version +
+               " of the launcher, not " LAUNCHER_VERSION ".";
+    return {};
 }
 
 }  // namespace launcher::mediatool

@@ -28,4 +28,11 @@ struct ProgramVersion {
 };
 ProgramVersion ReadProgramVersion(const Path& path);
 
+// The launcher's name in its resources.
+inline constexpr char kLauncherProduct[] = "Installation media launcher";
+
+// Why a file is not the launcher that mediatool is made for, as a sentence about setup.exe; empty
+// when it is.
+std::string WhyNotThisLauncher(const Path& path);
+
 }  // namespace launcher::mediatool

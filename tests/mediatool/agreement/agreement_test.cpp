@@ -204,6 +204,10 @@ class Agreement : public testing::TestWithParam<unsigned> {
         boxes += real.boxes.size();
         dialogs += real.dialogs.size();
         const std::vector<std::string> realBoxes = WithoutUuid(real.BoxTexts());
+        for (const std::string& text : realBoxes) {
+            failedStarts += text.starts_with("Setup failed to create process\n");
+            failedCopies += text.starts_with("Cannot copy the installer ");
+        }
         const std::string output = WithoutUuid(WithoutCr(real.output));
         const std::string errors = WithoutUuid(WithoutCr(real.errors));
         if (real.dialogs.empty()) {
@@ -231,6 +235,8 @@ class Agreement : public testing::TestWithParam<unsigned> {
     static inline std::size_t boxes = 0;
     static inline std::size_t dialogs = 0;
     static inline std::size_t copies = 0;
+    static inline std::size_t failedStarts = 0;
+    static inline std::size_t failedCopies = 0;
 };
 
 TEST_P(Agreement, OfGeneratedRuns) {
@@ -239,9 +245,12 @@ TEST_P(Agreement, OfGeneratedRuns) {
         Compare(kFirstSeed + GetParam() * cases + i);
     RecordProperty("started", static_cast<int>(started));
     RecordProperty("boxes", static_cast<int>(boxes));
-    std::printf("so far, %u installers started, %u of them copied; %u boxes, %u dialogs\n",
-                static_cast<unsigned>(started), static_cast<unsigned>(copies),
-                static_cast<unsigned>(boxes), static_cast<unsigned>(dialogs));
+    std::printf(
+        "so far, %u installers started, %u could not be; %u copies, %u failed; %u boxes, %u "
+        "dialogs\n",
+        static_cast<unsigned>(started), static_cast<unsigned>(failedStarts),
+        static_cast<unsigned>(copies), static_cast<unsigned>(failedCopies),
+        static_cast<unsigned>(boxes), static_cast<unsigned>(dialogs));
     EXPECT_GT(started, 0u);
 }
 

@@ -40,6 +40,7 @@ class Maker {
         MakeInstallerMedia();
         MakeArguments();
         MakeVariables();
+        MakeTrouble();
         return case_;
     }
 
@@ -80,8 +81,11 @@ class Maker {
     void AddInstaller(const stdfs::path& root, const char* flavour) {
         Note(std::string(flavour) + " installer in " + ToUtf8(root.filename()));
         const stdfs::path bin = root / "inst" / flavour / "code" / "bin";
-        for (const char* name : kInstallers)
-            if (Chance(name == kInstallers[0] ? 95 : 60)) PutProgram(STANDIN_PROGRAM, bin / name);
+        for (const char* name : kInstallers) {
+            if (!Chance(name == kInstallers[0] ? 95 : 60)) continue;
+            PutProgram(STANDIN_PROGRAM, bin / name);
+            installers_.push_back(bin / name);
+        }
     }
 
     // A count that is right, or one that is not.
@@ -206,10 +210,62 @@ class Maker {
         variables["DEBUGCMD_INSTALLK7"] = "\"" + ToUtf8(folder_ / "prefix.exe") + "\" -x";
     }
 
+    // Removed first: a text written into a second name of the build's program would be in that.
+    void ReplaceInstallers(bool byFolders) {
+        for (const stdfs::path& installer : installers_) {
+            stdfs::remove(installer);
+            if (byFolders)
+                stdfs::create_directory(installer);
+            else
+                Put(installer, "text");
+        }
+    }
+
+    // No layout has so many: the installer is copied.
+    void LoseVolumes() {
+        Note("9 volumes");
+        Put(media_ / "inst" / "volumes.txt", mediatool::CountFileText(9));
+    }
+
+    // In most cases, something that Windows cannot start or copy into.
+    void MakeTrouble() {
+        switch (Below(8)) {
+            case 0:
+                Note("installers that are texts");
+                ReplaceInstallers(/*byFolders=*/false);
+                break;
+            case 1:
+                Note("folders in the place of installers");
+                ReplaceInstallers(/*byFolders=*/true);
+                break;
+            case 2:
+                Note("a debug program that is not there");
+                case_.variables["DEBUGCMD_INSTALLK7"] =
+                    Chance(50) ? "no-such-program -x"
+                               : "\"" + ToUtf8(folder_ / "no-such-program.exe") + "\"";
+                break;
+            case 3:
+                Note("TEMP that is a file");
+                Put(folder_ / "temp file");
+                case_.variables["TEMP"] = ToUtf8(folder_ / "temp file");
+                LoseVolumes();
+                break;
+            case 4:
+                Note("TEMP with a name that cannot be");
+                case_.variables["TEMP"] = ToUtf8(folder_ / "temp<?");
+                LoseVolumes();
+                break;
+            default:
+                break;
+        }
+        if (Chance(20)) LoseVolumes();
+    }
+
     std::mt19937 random_;
     stdfs::path folder_;
     stdfs::path media_;
     stdfs::path external_;
+    std::vector<stdfs::path> installers_;
     Case case_;
 };
 

@@ -5,7 +5,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -25,29 +24,41 @@ namespace {
 using mediatool::CurrentRehearsal;
 using mediatool::PretendedCopy;
 
-bool IsPretended(const std::string& folder) {
-    return std::ranges::count(CurrentRehearsal()->pretendedFolders, folder) > 0;
+bool IsPretended(const Path& folder) {
+    return CurrentRehearsal()->HasFolder(folder);
 }
 
 // Asks for the right to make a folder in an existing one, and makes none.
-bool MayMakeFolderIn(const std::string& folder) {
-    const std::wstring name = ToWide(folder) + (folder.ends_with(':') ? L"\\" : L"");
+DWORD ErrorOfMakingFolderIn(const Path& folder) {
+    const std::wstring name = ToWide(folder.Text()) + (folder.Text().ends_with(':') ? L"\\" : L"");
     const FileHandle handle(CreateFileW(
         name.c_str(), FILE_ADD_SUBDIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
         nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    return static_cast<bool>(handle);
+    return handle ? ERROR_SUCCESS : GetLastError();
 }
 
-// CreateDirectoryW, as far as it can be told without calling it.
-void PretendToCreate(const Path& folder) {
+// The error of CreateDirectoryW, as far as it can be told without calling it; 0 for none.
+DWORD ErrorOfMaking(const Path& folder) {
     constexpr std::size_t kLongest = 247;  // characters
-    const std::string parent = Parent(folder).Text();
-    if (mediatool::WideLength(folder.Text()) > kLongest)
-        SetLastError(ERROR_FILENAME_EXCED_RANGE);
-    else if (IsPretended(parent) || MayMakeFolderIn(parent)) {
-        CurrentRehearsal()->pretendedFolders.push_back(folder.Text());
+    if (mediatool::LengthInRun(folder.Text()) > kLongest) return ERROR_FILENAME_EXCED_RANGE;
+    const Path parent = Parent(folder);
+    if (IsPretended(parent)) return ERROR_SUCCESS;
+    // A look at the folder fails as its creation would, for its name or for what leads to it,
+    // unless it is but missing.
+    const std::wstring name = ToWide(folder.Text());
+    const bool isThere = GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES;
+    const DWORD error = GetLastError();
+    if (!isThere && error != ERROR_FILE_NOT_FOUND) return error;
+    return ErrorOfMakingFolderIn(parent);
+}
+
+void PretendToCreate(const Path& folder) {
+    const DWORD error = ErrorOfMaking(folder);
+    if (error == ERROR_SUCCESS) {
+        CurrentRehearsal()->pretendedFolders.insert(mediatool::CopyKey(folder));
         return;
     }
+    SetLastError(error);
     ThrowLastError("CreateDirectory - ", folder.Text());
 }
 
@@ -56,7 +67,7 @@ void PretendToCreateDir(const std::string& path) {
     const Path folder(path);
     const std::string& text = folder.Text();
     if (text.empty()) throw ZEPInsException("CreateDir - empty path");
-    if (IsPretended(text)) return;
+    if (IsPretended(folder)) return;
     const DWORD attributes = GetFileAttributesW(ToWide(text).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES) {
         if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return;
@@ -94,16 +105,17 @@ void PretendToCopyFile(const std::string& source, const std::string& destination
     if (!file) ThrowUnreadable(source, error);
     LARGE_INTEGER size{};
     GetFileSizeEx(file.Get(), &size);
-    if (mediatool::WideLength(destination) > kLongest) {
+    if (mediatool::LengthInRun(destination) > kLongest) {
         SetLastError(ERROR_PATH_NOT_FOUND);
         ThrowLastErrorAsErrno("Cannot write into ", destination);
     }
     PretendedCopy& copy = CurrentRehearsal()->journal.copy;
     // A file that is copied over another takes the room of one.
     const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
-    std::uint64_t& there = copy.sizes[destination];
-    copy.bytes += bytes - std::exchange(there, bytes);
-    copy.files = copy.sizes.size();
+    mediatool::CopiedFile& copied = copy.contents[mediatool::CopyKey(Path(destination))];
+    copied.source = source;
+    copy.bytes += bytes - std::exchange(copied.bytes, bytes);
+    copy.files = copy.contents.size();
     if (copy.room && copy.bytes > *copy.room)
         throw ZEPInsExceptionErrno("Cannot write into " + destination, ENOSPC);
 }

@@ -9,6 +9,7 @@
 #include "launcher/base/message_output.h"
 #include "launcher/remove_script.h"
 #include "media/installer_media.h"
+#include "tools/mediatool/rehearsal/process_start.h"
 #include "tools/mediatool/rehearsal/rehearsal.h"
 
 namespace launcher {
@@ -40,8 +41,10 @@ InstallerProcess::InstallerProcess(std::string commandLine)
     : commandLine_(std::move(commandLine)) {}
 
 bool InstallerProcess::Start(bool) {
-    CurrentRehearsal()->journal.commandLine = commandLine_;
-    return true;
+    const std::uint32_t error = mediatool::StartError(commandLine_);
+    if (error == ERROR_SUCCESS) CurrentRehearsal()->journal.commandLine = commandLine_;
+    SetLastError(error);
+    return error == ERROR_SUCCESS;
 }
 
 std::int32_t InstallerProcess::WaitForExit() {

@@ -3,8 +3,11 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
+
+#include "fs/path.h"
 
 namespace launcher {
 enum class Severity : std::uint32_t;
@@ -41,8 +44,13 @@ struct Lookup {
     bool found;
 };
 
+struct CopiedFile {
+    std::string source;
+    std::uint64_t bytes = 0;
+};
+
 struct PretendedCopy {
-    std::map<std::string, std::uint64_t> sizes;  // of the copied files, by the copy's path
+    std::map<std::string, CopiedFile> contents;  // by CopyKey of the copy's path
     std::size_t files = 0;
     std::uint64_t bytes = 0;
     std::optional<std::uint64_t> room;  // bytes free at the target; unknown without it
@@ -60,7 +68,9 @@ struct Journal {
 struct Rehearsal {
     PretendedMachine machine;
     Journal journal;
-    std::vector<std::string> pretendedFolders;  // made by the copy
+    std::set<std::string> pretendedFolders;  // made by the copy, by CopyKey
+
+    bool HasFolder(const Path& folder) const;
 };
 
 // The one that is running; null outside of it, when the replacements change nothing either.
@@ -82,5 +92,12 @@ struct ProcessEnd {
 
 // The name of the temporary folder, in place of a random one.
 inline constexpr char kPretendedUuid[] = "{UUID}";
+
+// The number of characters that a path has in a run, where the name of the temporary folder is
+// longer than here.
+std::size_t LengthInRun(const std::string& path);
+
+// A path in the copy as it is listed here: in lower case.
+std::string CopyKey(const Path& path);
 
 }  // namespace launcher::mediatool
