@@ -34,11 +34,11 @@ TEST_P(CleanMediaTest, HasNeitherErrorsNorWarnings) {
 INSTANTIATE_TEST_SUITE_P(Layouts, CleanMediaTest,
                          testing::Values(CleanRow{"Ordinary", Layout::NotSplit, 1},
                                          CleanRow{"TwoInOneFolder", Layout::OneFolder, 2},
-                                         CleanRow{"ManyInOneFolder", Layout::OneFolder, 99},
+                                         CleanRow{"ManyInOneFolder", Layout::OneFolder, 12},
                                          CleanRow{"TwoBeside", Layout::Siblings, 2},
-                                         CleanRow{"ManyBeside", Layout::Siblings, 99},
+                                         CleanRow{"ManyBeside", Layout::Siblings, 12},
                                          CleanRow{"TwoInOuterVolumes", Layout::Outer, 2},
-                                         CleanRow{"ManyInOuterVolumes", Layout::Outer, 93}),
+                                         CleanRow{"ManyInOuterVolumes", Layout::Outer, 12}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(CleanMedia, WithTheRealLauncherGetsNotesOnly) {
