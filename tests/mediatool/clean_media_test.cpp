@@ -80,6 +80,11 @@ TEST(NoMedia, IsToldInOneSentence) {
     EXPECT_EQ(Complaint({folder.Text("set")}),
               "\"" + folder.Text("set") + "\" has no launcher (setup.exe) in it; \"" +
                   folder.Text("set\\1") + "\" has one: give that folder.");
+    folder.Write("unfinished/1/inst/volumes.txt", "2");
+    EXPECT_EQ(Complaint({folder.Text("unfinished")}),
+              "\"" + folder.Text("unfinished") + "\" has no launcher (setup.exe) in it; \"" +
+                  folder.Text("unfinished\\1") + "\" is volume 1: give that folder.");
+    EXPECT_EQ(Complaint({folder.Text("unfinished\\1")}), "none");
     EXPECT_EQ(Complaint({folder.Text("empty"), folder.Text("set")}),
               "None of the given folders has a launcher (setup.exe) in it.");
     EXPECT_EQ(Complaint({folder.Text("set\\1"), folder.Text("SET/1/")}),

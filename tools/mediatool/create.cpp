@@ -24,8 +24,8 @@ void CheckId(const std::string& id, const std::string& option) {
     if (id != Trimmed(id)) throw BadInput(option + " begins or ends with a blank.");
     Findings findings;
     CheckIdentifier(id, Path(), findings);
-    for (const Finding& finding : findings.Sorted())
-        throw BadInput(option + " cannot be used: " + finding.what);
+    const std::vector<Finding> found = findings.Sorted();
+    if (!found.empty()) throw BadInput(option + " cannot be used: " + found.front().what);
 }
 
 // A folder below another: names between backslashes. Empty for the other folder itself.

@@ -49,11 +49,13 @@ std::optional<Path> FirstVolume(const std::vector<Path>& given, bool needsLaunch
     return best;
 }
 
-std::string WithoutLauncher(const std::vector<Path>& given) {
+std::string WithoutLauncher(const std::vector<Path>& given, bool needsLauncher) {
     if (given.size() > 1) return "None of the given folders has a launcher (setup.exe) in it.";
     const Path inside = Join(given.front(), "1");
     const std::string text = Quoted(given.front()) + " has no launcher (setup.exe) in it";
     if (HasLauncher(inside)) return text + "; " + Quoted(inside) + " has one: give that folder.";
+    if (!needsLauncher && Look(CountFileIn(inside)))
+        return text + "; " + Quoted(inside) + " is volume 1: give that folder.";
     return text + ".";
 }
 
@@ -67,7 +69,7 @@ MediaSet Open(const std::vector<std::string>& folders, bool needsLauncher) {
         set.given.push_back(folder);
     }
     const std::optional<Path> first = FirstVolume(set.given, needsLauncher);
-    if (!first) throw BadInput(WithoutLauncher(set.given));
+    if (!first) throw BadInput(WithoutLauncher(set.given, needsLauncher));
     set.first = *first;
     return set;
 }
