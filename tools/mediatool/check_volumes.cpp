@@ -166,23 +166,22 @@ class VolumeSet {
     }
 
     void ReportElsewhere() {
-        const std::string rest = "volumes 2 to " + std::to_string(all_);
         const std::string why =
             "The launcher copies the installer to the temporary folder, and leaves it to the "
             "installer to ask for the other volumes.";
         if (subject_.set.given.size() == 1)
             out_.Warning("volumes-elsewhere", media_.Text(),
                          "Only volume 1 of " + std::to_string(all_) + " is here.", why,
-                         "Nothing, when the others are on discs of their own; else put " + rest +
-                             " into one of the layouts.");
+                         "Nothing, when the others are on discs of their own; else put them into "
+                         "one of the layouts.");
         else if (EachOnItsOwnDrive())
             out_.Warning("volumes-on-other-drives", media_.Text(),
                          "Each volume is on a drive of its own.", why,
                          "Nothing, when they are discs to be put in one after the other.");
         else
-            out_.Error(
-                "no-layout-fits", media_.Text(), "The given folders fit none of the three layouts.",
-                why, "Name the folders of " + rest + " by their numbers, beside that of volume 1.");
+            out_.Error("no-layout-fits", media_.Text(),
+                       "The given folders fit none of the three layouts.", why,
+                       "Name the folders of the others by their numbers, beside that of volume 1.");
     }
 
     bool EachOnItsOwnDrive() const {
