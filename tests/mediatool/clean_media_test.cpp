@@ -34,11 +34,11 @@ TEST_P(CleanMediaTest, HasNeitherErrorsNorWarnings) {
 INSTANTIATE_TEST_SUITE_P(Layouts, CleanMediaTest,
                          testing::Values(CleanRow{"Ordinary", Layout::NotSplit, 1},
                                          CleanRow{"TwoInOneFolder", Layout::OneFolder, 2},
-                                         CleanRow{"ManyInOneFolder", Layout::OneFolder, 99},
+                                         CleanRow{"ManyInOneFolder", Layout::OneFolder, 12},
                                          CleanRow{"TwoBeside", Layout::Siblings, 2},
-                                         CleanRow{"ManyBeside", Layout::Siblings, 99},
+                                         CleanRow{"ManyBeside", Layout::Siblings, 12},
                                          CleanRow{"TwoInOuterVolumes", Layout::Outer, 2},
-                                         CleanRow{"ManyInOuterVolumes", Layout::Outer, 93}),
+                                         CleanRow{"ManyInOuterVolumes", Layout::Outer, 12}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(CleanMedia, WithTheRealLauncherGetsNotesOnly) {
@@ -80,6 +80,11 @@ TEST(NoMedia, IsToldInOneSentence) {
     EXPECT_EQ(Complaint({folder.Text("set")}),
               "\"" + folder.Text("set") + "\" has no launcher (setup.exe) in it; \"" +
                   folder.Text("set\\1") + "\" has one: give that folder.");
+    folder.Write("unfinished/1/inst/volumes.txt", "2");
+    EXPECT_EQ(Complaint({folder.Text("unfinished")}),
+              "\"" + folder.Text("unfinished") + "\" has no launcher (setup.exe) in it; \"" +
+                  folder.Text("unfinished\\1") + "\" is volume 1: give that folder.");
+    EXPECT_EQ(Complaint({folder.Text("unfinished\\1")}), "none");
     EXPECT_EQ(Complaint({folder.Text("empty"), folder.Text("set")}),
               "None of the given folders has a launcher (setup.exe) in it.");
     EXPECT_EQ(Complaint({folder.Text("set\\1"), folder.Text("SET/1/")}),

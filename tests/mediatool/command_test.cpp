@@ -11,6 +11,7 @@
 #include "tests/mediatool/command.h"
 #include "tests/mediatool/support/mediatool_run.h"
 #include "tests/mediatool/support/sample_media.h"
+#include "tests/support/links.h"
 
 namespace launcher::test {
 namespace {
@@ -137,7 +138,36 @@ TEST_F(Command, WrongUse) {
     EXPECT_THAT(Complaint({"create", "--id", "X", "--layout", "spiral", "--volumes", "2",
                            scratch.Text("out")}),
                 HasSubstr("spiral"));
+    EXPECT_THAT(Complaint({"validate", "--temp", "", media.Text()}), HasSubstr("full path"));
+    EXPECT_THAT(
+        Complaint({"create", "--id", "X", "--layout", "2", "--volumes", "2", scratch.Text("out")}),
+        HasSubstr("{one-folder,siblings,outer}"));
+    for (const std::string option : {"--outer-id", "--first-outer", "--inner"})
+        EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", "siblings", "--volumes", "2",
+                             option, "3", scratch.Text("out")}),
+                  "mediatool: " + option + " goes with --layout outer only.\n");
+    EXPECT_THAT(Complaint({"create", "--id", "X", "--layout", "outer", "--volumes", "2",
+                           "--outer-id", "", scratch.Text("out")}),
+                HasSubstr("--outer-id is empty."));
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Dir()));
+}
+
+// The launcher looks for the volumes beside that of a drive's root in the root of the current
+// drive, wherever that is: what validate says must not depend on it.
+TEST_F(Command, ValidateOfADriveIsTheSameFromEverywhere) {
+    const SampleMedia split(Layout::Siblings);
+    std::filesystem::rename(FromUtf8(split.Text("../2")), FromUtf8(split.Text("2")));
+    std::filesystem::rename(FromUtf8(split.Text("../3")), FromUtf8(split.Text("3")));
+    const MappedDrive drive("m:", FromUtf8(split.Text()));
+    const Json output = Output({"validate", "M:", "--json"}, 1);
+    EXPECT_EQ(output["findings"][0]["id"], "volumes-at-drive-root");
+    EXPECT_EQ(output["volumes"]["folders"], Json::array({"M:", "M:\\2", "M:\\3"}));
+    for (const wchar_t* folder : {L"M:\\", L"M:\\inst", L"C:\\"})
+        for (const std::string name : {"M:", "m:\\", "M:/"}) {
+            Json same = Json::parse(RunMediatool({"validate", name, "--json"}, folder).output);
+            EXPECT_EQ(same["findings"].size(), output["findings"].size());
+            EXPECT_EQ(same["volumes"]["layout"], "siblings");
+        }
 }
 
 TEST_F(Command, HelpAndVersion) {
@@ -145,6 +175,7 @@ TEST_F(Command, HelpAndVersion) {
     EXPECT_THAT(Run({"validate", "--help"}).output, HasSubstr("Exit code: 0 clean"));
     EXPECT_THAT(Run({"--version"}).output, StartsWith("mediatool 1."));
     EXPECT_EQ(Run({"--help"}).exitCode, 0u);
+    EXPECT_THAT(Run({"create", "--help"}).output, HasSubstr("{one-folder,siblings,outer}"));
 }
 
 }  // namespace

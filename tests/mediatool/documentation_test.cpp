@@ -73,6 +73,11 @@ void MakeMedia(const std::string& name, const stdfs::path& drive) {
     if (name == "without installer") Media(drive / "Media").AddMarker("win_b64");
     if (name == "three volumes") volumes({2, 3});
     if (name == "volume 3 missing") volumes({2});
+    if (name == "installer in bin") {
+        Media(drive / "Media").AddInstaller("win_b64").AddMarker("win_b64");
+        const stdfs::path folder = drive / "Media" / "inst" / "win_b64";
+        stdfs::rename(folder / "code" / "bin", folder / "bin");
+    }
     if (name == "content only") {
         Media(drive / "Set" / "1").AddInstaller("win_b64").AddMarker("win_b64");
         for (const char* folder : {"2", "3"})

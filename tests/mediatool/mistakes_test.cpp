@@ -14,8 +14,9 @@ constexpr Layout kPlain = Layout::NotSplit;
 
 TEST_P(MistakeTest, IsFoundByItsName) {
     const Mistake& mistake = GetParam();
+    ASSERT_FALSE(WithoutMistakes(mistake.layout).findings.Has(mistake.id))
+        << "before the mistake was made";
     SampleMedia media(mistake.layout);
-    ASSERT_FALSE(media.Validate().findings.Has(mistake.id)) << "before the mistake was made";
     mistake.make(media);
     const Validation validation = media.Validate();
     const std::vector<Finding> findings = validation.findings.Sorted();
@@ -31,6 +32,7 @@ TEST_P(MistakeTest, IsFoundByItsName) {
 using Media = SampleMedia;
 
 const Mistake kLauncherMistakes[] = {
+    {"launcher-missing", Level::Error, Layout::Siblings, [](Media& m) { m.Remove("setup.exe"); }},
     {"launcher-not-file", Level::Error, kPlain,
      [](Media& m) { m.Remove("setup.exe").MakeDir("setup.exe"); }},
     {"launcher-empty", Level::Error, kPlain, [](Media& m) { m.Write("setup.exe", ""); }},
@@ -61,6 +63,28 @@ const Mistake kInstallerMistakes[] = {
      [](Media& m) {
          m.Rename(kExe, "inst/win_b64/code/bin/ZEPInsAppliGUI_new.exe").Remove(kMarker);
      }},
+    {"installer-other-name", Level::Error, kPlain,
+     [](Media& m) { m.Rename(kExe, "inst/win_b64/code/bin/ZEPInsAppliGUI.exe.bak"); },
+     "BesideItsMarker"},
+    {"installer-other-name", Level::Error, kPlain,
+     [](Media& m) {
+         m.Write(kExe32, ProgramBytes(kX86))
+             .Rename(kExe, "inst/win_b64/code/bin/ZEPInsAppliGUI (1).exe");
+     },
+     "BesideThatFor32Bit"},
+    {"installer-other-name", Level::Warning, kPlain,
+     [](Media& m) { m.Rename(kExe, "inst/win_b64/code/bin/Install.exe"); }, "OrAnotherProgram"},
+    {"installer-misplaced", Level::Error, kPlain,
+     [](Media& m) { m.Rename("inst/win_b64/code/bin", "inst/win_b64/bin"); }},
+    {"installer-misplaced", Level::Error, kPlain,
+     [](Media& m) {
+         m.Write(kExe32, ProgramBytes(kX86)).Rename("inst/win_b64/code/bin", "inst/win_b64/bin");
+     },
+     "BesideThatFor32Bit"},
+    {"installer-misplaced", Level::Error, kPlain,
+     [](Media& m) { m.Rename("inst/win_b64/code", "inst/code"); }, "WithoutItsFolder"},
+    {"installer-misplaced", Level::Error, kPlain,
+     [](Media& m) { m.Rename("inst/win_b64", "win_b64"); }, "OutsideInst"},
     {"installer-is-folder", Level::Error, kPlain, [](Media& m) { m.Remove(kExe).MakeDir(kExe); }},
     {"installer-empty", Level::Error, kPlain, [](Media& m) { m.Write(kExe, ""); }},
     {"installer-not-program", Level::Error, kPlain, [](Media& m) { m.Write(kExe, "echo off"); }},
@@ -134,6 +158,12 @@ const Mistake kCountFileMistakes[] = {
      [](Media& m) { m.Write(kCount, "-3\r\n"); }},
     {"count-file-zero", Level::Error, Layout::Siblings, [](Media& m) { m.Write(kCount, "0\r\n"); }},
     {"count-file-one", Level::Note, Layout::Siblings, [](Media& m) { m.Write(kCount, "1\r\n"); }},
+    {"volume-beyond-count", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kCount, "1\r\n"); }, "OfOneVolume"},
+    {"volume-beyond-count", Level::Error, Layout::OneFolder,
+     [](Media& m) { m.Write(kCount, "1\r\n"); }, "OfOneVolumeInOneFolder"},
+    {"count-file-in-later-volume", Level::Warning, Layout::Siblings,
+     [](Media& m) { m.Write("../2/inst/volumes.txt", "3\r\n"); }},
     {"count-file-absurd", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kCount, "3000\r\n"); }},
     {"count-file-double-cr", Level::Error, Layout::Siblings,

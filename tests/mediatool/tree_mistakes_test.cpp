@@ -87,6 +87,20 @@ TEST(TreeMistakes, ATemporaryFolderThatRemoveBatCannotName) {
     EXPECT_FALSE(mediatool::Validate(request).findings.Has("temp-outside-oem-code-page"));
 }
 
+TEST(TreeMistakes, ATemporaryFolderThatIsNoFullPathIsRefused) {
+    const SampleMedia media;
+    mediatool::ValidateRequest request;
+    request.folders = {media.Text()};
+    for (const char* temp : {"", "Temp", "\\Temp", "C:Temp", ".."}) {
+        request.temp = temp;
+        EXPECT_THROW(mediatool::Validate(request), mediatool::BadInput) << temp;
+    }
+    for (const char* temp : {"C:\\Temp", "c:/Temp/", "D:", "\\\\server\\share"}) {
+        request.temp = temp;
+        EXPECT_NO_THROW(mediatool::Validate(request)) << temp;
+    }
+}
+
 TEST(TreeMistakes, ALinkToAFolder) {
     SampleMedia media;
     media.MakeDir("../target");

@@ -14,8 +14,9 @@ class VolumeMistakeTest : public MistakeTest {};
 
 TEST_P(VolumeMistakeTest, IsFoundByItsName) {
     const Mistake& mistake = GetParam();
+    ASSERT_FALSE(WithoutMistakes(mistake.layout).findings.Has(mistake.id))
+        << "before the mistake was made";
     SampleMedia media(mistake.layout);
-    ASSERT_FALSE(media.Validate().findings.Has(mistake.id)) << "before the mistake was made";
     mistake.make(media);
     const Validation validation = media.Validate();
     const std::vector<Finding> findings = validation.findings.Sorted();
@@ -51,6 +52,10 @@ const Mistake kTextMistakes[] = {
     {"volume-id-not-utf8", Level::Warning, kBeside, [](Media& m) { m.Marker(kTwo, "S\xE9T"); }},
     {"volume-id-control-character", Level::Error, kBeside,
      [](Media& m) { m.Marker(kTwo, "SET\x1A"); }},
+    {"volume-id-control-character", Level::Error, kBeside,
+     [](Media& m) { m.Marker(kTwo, "SET\t2027"); }, "OfWhichTheTabIsOne"},
+    {"volume-id-control-character", Level::Error, kBeside,
+     [](Media& m) { m.Marker(kTwo, "SET\xC2\x85"); }, "OfUnicode"},
     {"volume-marker-double-cr", Level::Error, kBeside, [](Media& m) { m.Marker(kTwo, "SET\r"); }},
     {"volume-marker-cr-only", Level::Error, kBeside,
      [](Media& m) { m.Write(kTwo, "MTBDIR=SET\rVolume 2"); }},
@@ -86,6 +91,16 @@ const Mistake kPlaceMistakes[] = {
     {"volume-beyond-count", Level::Error, kBeside, [](Media& m) { m.Marker("../4/4.txt"); }},
     {"volume-beyond-count", Level::Error, kTogether, [](Media& m) { m.Marker("4.txt"); },
      "InOneFolder"},
+    {"volume-number-twice", Level::Warning, kBeside, [](Media& m) { m.Marker("../2/1.txt"); },
+     "ThatOfVolumeOne"},
+    {"volume-number-twice", Level::Warning, kBeside, [](Media& m) { m.Marker("../2/3.txt"); },
+     "ThatOfALaterVolume"},
+    {"volume-number-twice", Level::Error, kBeside, [](Media& m) { m.Marker("2.txt"); },
+     "InVolumeOne"},
+    {"volume-number-twice", Level::Error, kTogether, [](Media& m) { m.Marker(kTwo); },
+     "BesideOneFolder"},
+    {"volume-number-twice", Level::Warning, kOuter,
+     [](Media& m) { m.Marker("../../../8/media/2/3.txt"); }, "InOuterVolumes"},
     {"volumes-elsewhere", Level::Warning, kBeside,
      [](Media& m) { m.Remove("../2").Remove("../3"); }},
 };
@@ -101,6 +116,13 @@ const Mistake kOuterMistakes[] = {
     {"outer-marker-irregular", Level::Error, kOuter,
      [](Media& m) { m.Rename("../../7.txt", "../../7a.txt"); }},
     {"outer-markers-two", Level::Error, kOuter, [](Media& m) { m.Marker("../../9.txt", "OUTER"); }},
+    {"outer-marker-stray", Level::Error, kOuter,
+     [](Media& m) { m.Write("../5.txt", "notes of a meeting"); }},
+    {"outer-marker-stray", Level::Error, kBeside,
+     [](Media& m) { m.Remove("../2").Remove("../3").Write("../7.txt", "notes of a meeting"); },
+     "WithoutOuterVolumes"},
+    {"outer-marker-stray", Level::Error, kBeside,
+     [](Media& m) { m.Remove("../2").Remove("../3").Marker("../7.txt"); }, "OfTheMediaItself"},
     {"outer-marker-missing", Level::Error, kOuter, [](Media& m) { m.Remove("../../../8/8.txt"); }},
     {"outer-volume-missing", Level::Error, kOuter, [](Media& m) { m.Remove("../../../8"); }},
     {"outer-id-differs", Level::Error, kOuter,
@@ -148,6 +170,76 @@ TEST(GivenFolders, ALaterVolumeWithACountFile) {
     SampleMedia media(kBeside);
     media.Write("../2/inst/volumes.txt", "3\r\n");
     EXPECT_TRUE(Finds(media.Validate({"../2", "../3"}), "count-file-in-later-volume"));
+}
+
+TEST(Identifiers, ThatAZeroByteTellsApartDoNotDifferInCase) {
+    SampleMedia media(kBeside);
+    media.Marker(kTwo, std::string("SET\0", 4));
+    const Validation validation = media.Validate();
+    EXPECT_TRUE(Finds(validation, "volume-id-differs"));
+    EXPECT_TRUE(Finds(validation, "volume-id-control-character"));
+    EXPECT_FALSE(validation.findings.Has("volume-id-case-differs")) << Ids(validation);
+}
+
+TEST(StrayMarkers, AreToldTogetherWithTheMissingVolumes) {
+    SampleMedia media(kBeside);
+    media.Remove("../2").Remove("../3").Write("../7.txt", "notes of a meeting");
+    const Validation validation = media.Validate();
+    EXPECT_TRUE(Finds(validation, "volumes-elsewhere"));
+    EXPECT_FALSE(validation.findings.Has("volume-marker-no-id")) << Ids(validation);
+    EXPECT_EQ(validation.findings.Sorted().front().action, "Delete or rename it.");
+}
+
+std::vector<Finding> Missing(const Validation& validation, const std::string& id) {
+    std::vector<Finding> findings = validation.findings.Sorted();
+    std::erase_if(findings, [&id](const Finding& finding) { return finding.id != id; });
+    return findings;
+}
+
+struct Absence {
+    Layout layout;
+    const char* count;
+    const char* id;
+    const char* what;
+};
+void PrintTo(const Absence& row, std::ostream* stream) {
+    *stream << row.id << " of " << row.count;
+}
+
+class MissingVolumes : public testing::TestWithParam<Absence> {};
+
+// Of the three volumes that are counted in the sample, all are there.
+TEST_P(MissingVolumes, AreCountedInOneFinding) {
+    SampleMedia media(GetParam().layout);
+    media.Write("inst/volumes.txt", std::string(GetParam().count) + "\r\n");
+    const Validation validation = media.Validate();
+    const std::vector<Finding> missing = Missing(validation, GetParam().id);
+    ASSERT_EQ(missing.size(), 1u) << Ids(validation);
+    EXPECT_EQ(missing.front().what, GetParam().what);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Layouts, MissingVolumes,
+    testing::Values(Absence{kBeside, "4", "volume-missing", "Volume 4 is missing."},
+                    Absence{kBeside, "6", "volume-missing", "3 volumes are missing: 4, 5 and 6."},
+                    Absence{kBeside, "1000", "volume-missing",
+                            "997 volumes are missing: 4, 5, 6, 7, 8 and so on."},
+                    Absence{kTogether, "2147483647", "volume-missing",
+                            "2147483644 volumes are missing: 4, 5, 6, 7, 8 and so on."},
+                    Absence{kOuter, "5", "outer-volume-missing",
+                            "2 outer volumes are missing: 10 and 11."},
+                    Absence{kOuter, "2147483647", "outer-volume-missing",
+                            "2147483644 outer volumes are missing: 10, 11, 12, 13, 14 and so on."}),
+    [](const auto& row) {
+        return mediatool::LayoutName(row.param.layout).substr(0, 3) + row.param.count;
+    });
+
+// What is there beyond the last that is looked at one by one.
+TEST(MissingVolumesOfMany, AreNotThoseThatAreThere) {
+    SampleMedia media(kBeside);
+    media.Write("inst/volumes.txt", "1000\r\n").Marker("../999/999.txt");
+    EXPECT_EQ(Missing(media.Validate(), "volume-missing").front().what,
+              "996 volumes are missing: 4, 5, 6, 7, 8 and so on.");
 }
 
 TEST(GivenFolders, VolumeOneIsTheOneWithTheLauncher) {

@@ -1,5 +1,6 @@
 // The count file, inst\volumes.txt.
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -96,7 +97,7 @@ class CountFile {
             Error("count-file-zero", "The number of volumes is 0.", why);
         else if (count == 1)
             out_.Note("count-file-one", path_.Text(), "The number of volumes is 1.", why,
-                      "Nothing, or remove the file.");
+                      "Nothing, or remove the file; with more volumes, write their number.");
         else if (count > kMostVolumes)
             Error("count-file-absurd", "The number of volumes is " + std::to_string(count) + ".",
                   "The launcher looks for every one of them, three times.");
@@ -152,6 +153,26 @@ void CheckMisspelt(const Path& inst, Findings& out) {
     }
 }
 
+// Those of the other volumes, given or found.
+void CheckLaterVolumes(const Subject& subject, Findings& out) {
+    std::vector<Path> folders = subject.set.given;
+    for (const std::string& folder : subject.view.folders)
+        folders.push_back(Path(folder));
+    std::vector<std::string> seen = {subject.Media().Text()};
+    for (const Path& folder : folders) {
+        const auto isSame = [&folder](const std::string& other) {
+            return SameName(other, folder.Text());
+        };
+        if (std::ranges::any_of(seen, isSame)) continue;
+        seen.push_back(folder.Text());
+        const Path file = CountFileIn(folder);
+        if (Look(file))
+            out.Warning("count-file-in-later-volume", file.Text(),
+                        "A volume other than the first has a count file.",
+                        "The launcher reads that of volume 1 only.", "Remove it.");
+    }
+}
+
 }  // namespace
 
 void CheckCountFile(const Subject& subject, Findings& out) {
@@ -164,13 +185,7 @@ void CheckCountFile(const Subject& subject, Findings& out) {
         CheckMisplaced(Join(Join(inst, kCommonFolder), kCountFileName), out);
         CheckMisspelt(inst, out);
     }
-    for (const Path& folder : subject.set.given) {
-        const Path other = Join(Join(folder, kInstFolder), kCountFileName);
-        if (SameName(folder.Text(), subject.Media().Text()) || !Look(other)) continue;
-        out.Note("count-file-in-later-volume", other.Text(),
-                 "A volume other than the first has a count file.", "Nobody reads it.",
-                 "Nothing, or remove it.");
-    }
+    CheckLaterVolumes(subject, out);
 }
 
 }  // namespace launcher::mediatool

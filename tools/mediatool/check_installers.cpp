@@ -18,10 +18,6 @@ struct Flavour {
 };
 constexpr Flavour kFlavours[] = {{"win_b64", true}, {"win_csa64", true}, {"intel_a", false}};
 
-Path OsFolder(const Subject& subject, const char* flavour) {
-    return Join(Join(subject.Media(), kInstFolder), flavour);
-}
-
 Path MarkerOf(const Subject& subject, const char* flavour) {
     return Join(Join(Join(subject.Media(), kInstFolder), kCommonFolder),
                 std::string(flavour) + ".installos");
@@ -77,28 +73,6 @@ void CheckProgram(const Flavour& flavour, const Path& exe, Findings& out) {
             "Put the media into a folder with a shorter path.");
 }
 
-// A per-OS folder without the installer that its name promises.
-void CheckEmptyFlavour(const Subject& subject, const Flavour& flavour, Findings& out) {
-    const Path bin = Join(Join(OsFolder(subject, flavour.folder), kCodeFolder), kBinFolder);
-    const Path exe = ExeOf(subject, flavour.folder);
-    if (!IsFolder(OsFolder(subject, flavour.folder)) || Look(MarkerOf(subject, flavour.folder)))
-        return;  // a marker says that the installer is elsewhere
-    std::vector<std::string> others;
-    for (const Entry& entry : List(bin).value_or(std::vector<Entry>()))
-        if (InLowerCase(entry.name).ends_with(".exe")) others.push_back(entry.name);
-    if (!others.empty())
-        out.Error("installer-other-name", exe.Text(),
-                  "The installer is missing; its folder has " + others.front() + ".",
-                  "The launcher looks for ZEPInsAppliGUI.exe only.", "Give it that name.");
-    else
-        out.Error("installer-missing", exe.Text(),
-                  std::string("The folder ") + flavour.folder + " has no installer in it.",
-                  "The launcher passes it by.",
-                  "Add the installer; or, when it comes on a media of its own, add "
-                  "inst\\common\\" +
-                      std::string(flavour.folder) + ".installos.");
-}
-
 bool HasExe(const Subject& subject, const char* flavour) {
     return Look(ExeOf(subject, flavour)).has_value();
 }
@@ -152,43 +126,13 @@ void CheckLauncherBits(const Subject& subject, Findings& out) {
              "Nothing, unless 32-bit Windows is to be served: then use the 32-bit launcher.");
 }
 
-// An installer below a folder that no launcher looks into.
-void CheckUnknownFlavours(const Subject& subject, Findings& out) {
-    const Path inst = Join(subject.Media(), kInstFolder);
-    for (const Entry& entry : List(inst).value_or(std::vector<Entry>())) {
-        bool known = false;
-        for (const Flavour& flavour : kFlavours)
-            known = known || SameName(entry.name, flavour.folder);
-        const Path exe = InstallerExecutable(subject.Media(), entry.name, kInstallerName);
-        if (known || !entry.isFolder || !Look(exe)) continue;
-        out.Error("installer-folder-unknown", exe.Text(),
-                  "The folder " + entry.name + " has an installer in it.",
-                  "The launcher looks into win_b64, win_csa64 and intel_a only.",
-                  "Give the folder one of these names.");
-    }
-    const Path nested = Join(subject.Media(), "1");
-    for (const Flavour& flavour : kFlavours) {
-        const Path exe = InstallerExecutable(nested, flavour.folder, kInstallerName);
-        if (!Look(exe) || !HasExe(subject, flavour.folder)) continue;
-        out.Warning("installer-in-two-places", exe.Text(),
-                    "There is an installer below the folder 1 as well as below inst.",
-                    "As a separate installer media, the one below 1 is taken; as the media itself, "
-                    "the other.",
-                    "Keep one of them.");
-    }
-}
-
 }  // namespace
 
 void CheckInstallers(const Subject& subject, Findings& out) {
     if (!IsFolder(Join(subject.Media(), kInstFolder))) return;
-    for (const Flavour& flavour : kFlavours) {
+    for (const Flavour& flavour : kFlavours)
         if (HasExe(subject, flavour.folder))
             CheckProgram(flavour, ExeOf(subject, flavour.folder), out);
-        else
-            CheckEmptyFlavour(subject, flavour, out);
-    }
-    CheckUnknownFlavours(subject, out);
     CheckEachWindows(subject, out);
     CheckLauncherBits(subject, out);
 }

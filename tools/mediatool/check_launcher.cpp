@@ -12,6 +12,12 @@ constexpr std::size_t kLongestPath = 259;  // characters, in what the launcher a
 void CheckProgram(const Path& file, Findings& out) {
     const auto entry = Look(file);
     const char* const putBack = "Copy the launcher to the media again.";
+    if (!entry) {
+        out.Error("launcher-missing", file.Text(), "The launcher, setup.exe, is missing.",
+                  "Nobody can start the installation.",
+                  "Copy the launcher to the root of volume 1.");
+        return;
+    }
     if (entry->isFolder) {
         out.Error("launcher-not-file", file.Text(), "setup.exe is a folder.",
                   "Nobody can start the installation.", putBack);

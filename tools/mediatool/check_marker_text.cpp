@@ -57,10 +57,12 @@ class MarkerCheck {
             if (id_.empty()) return;
         }
         const std::vector<std::string> lines = LinesOf(bytes);
-        if (id_.empty())
+        if (id_.empty()) {
             CheckWhyUnread(lines);
-        else
-            CheckIdentifier(lines);
+        } else {
+            CheckIdentifier(id_, path_, out_);
+            CheckOtherIdentifiers(lines);
+        }
     }
 
     // The first line that means to be the identifier's says what is wrong with it.
@@ -92,29 +94,6 @@ class MarkerCheck {
         Error("volume-marker-no-id", "No line begins with MTBDIR=.");
     }
 
-    void CheckIdentifier(const std::vector<std::string>& lines) {
-        constexpr char kCounts[] = "It counts as a part of the identifier.";
-        if (id_.ends_with('\r'))
-            Error("volume-marker-double-cr", "The line ends with two carriage returns.", kCounts);
-        else if (id_.find('\r') != std::string::npos)
-            Error("volume-marker-cr-only", "The lines end with carriage returns alone.",
-                  "The rest of the file counts as a part of the identifier.");
-        else if (HasControlCharacter(id_))
-            Error("volume-id-control-character", "There is a control character in the identifier.",
-                  kCounts);
-        if (!Trimmed(id_).starts_with(id_[0]))
-            Warning("volume-id-leading-blank", "There is a blank after MTBDIR=.", kCounts);
-        if (id_.ends_with(' ') || id_.ends_with('\t'))
-            Warning("volume-id-trailing-blank", "There is a blank after the identifier.", kCounts);
-        if (id_.size() > 1 && id_.front() == '"' && id_.back() == '"')
-            Warning("volume-id-quoted", "The identifier is in quotes.",
-                    "They count as a part of the identifier.");
-        if (!IsUtf8(id_))
-            Warning("volume-id-not-utf8", "The identifier is not in UTF-8.",
-                    "The installer gets other characters in their place.");
-        CheckOtherIdentifiers(lines);
-    }
-
     void CheckOtherIdentifiers(const std::vector<std::string>& lines) {
         for (const std::string& line : lines) {
             if (!line.starts_with(kKey) || line.substr(sizeof kKey - 1) == id_) continue;
@@ -130,6 +109,34 @@ class MarkerCheck {
 };
 
 }  // namespace
+
+void CheckIdentifier(const std::string& id, const Path& marker, Findings& out) {
+    constexpr char kCounts[] = "It counts as a part of the identifier.";
+    const auto error = [&](const char* name, const char* what, const char* why) {
+        out.Error(name, marker.Text(), what, why, kRewrite);
+    };
+    const auto warning = [&](const char* name, const char* what, const char* why) {
+        out.Warning(name, marker.Text(), what, why, kRewrite);
+    };
+    if (id.ends_with('\r'))
+        error("volume-marker-double-cr", "The line ends with two carriage returns.", kCounts);
+    else if (id.find('\r') != std::string::npos)
+        error("volume-marker-cr-only", "The lines end with carriage returns alone.",
+              "The rest of the file counts as a part of the identifier.");
+    else if (HasControlCharacter(id) || Trimmed(id).find('\t') != std::string::npos)
+        error("volume-id-control-character", "There is a control character in the identifier.",
+              kCounts);
+    if (id.starts_with(' ') || id.starts_with('\t'))
+        warning("volume-id-leading-blank", "There is a blank after MTBDIR=.", kCounts);
+    if (id.ends_with(' ') || id.ends_with('\t'))
+        warning("volume-id-trailing-blank", "There is a blank after the identifier.", kCounts);
+    if (id.size() > 1 && id.front() == '"' && id.back() == '"')
+        warning("volume-id-quoted", "The identifier is in quotes.",
+                "They count as a part of the identifier.");
+    if (!IsUtf8(id))
+        warning("volume-id-not-utf8", "The identifier is not in UTF-8.",
+                "The installer gets other characters in their place.");
+}
 
 std::string CheckMarkerText(const Path& marker, Findings& out) {
     return MarkerCheck(marker, out).Check();

@@ -10,6 +10,7 @@
 #include "media/folder_names.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"
+#include "tools/mediatool/names.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -20,15 +21,6 @@ constexpr std::size_t kLongestFolder = 247;  // and of a folder that it makes
 constexpr char kUsualTemp[] = "C:\\Users\\12345678901234567890\\AppData\\Local\\Temp";
 constexpr std::size_t kUuidLength = 36;
 constexpr std::size_t kFindingsOfOneKind = 5;
-
-bool IsReservedName(const std::string& name) {
-    std::string base = InLowerCase(name.substr(0, name.find('.')));
-    while (base.ends_with(' '))
-        base.pop_back();
-    if (base == "con" || base == "prn" || base == "aux" || base == "nul") return true;
-    const bool port = base.size() == 4 && (base.starts_with("com") || base.starts_with("lpt"));
-    return port && base[3] >= '1' && base[3] <= '9';
-}
 
 // False where batch scripts see UTF-8 on this machine anyway.
 bool IsOutsideOemCodePage(const std::string& name) {
@@ -100,7 +92,7 @@ class Tree {
         if (IsReservedName(entry.name))
             out_.Error("name-reserved", path, entry.name + " is the name of a device.",
                        "Windows opens the device in place of the file.", "Give it another name.");
-        if (entry.name.ends_with('.') || entry.name.ends_with(' '))
+        if (EndsInDotOrBlank(entry.name))
             out_.Error("name-ends-in-dot-or-blank", path, "The name ends with a dot or a blank.",
                        "Windows drops it and does not find the file.", "Give it another name.");
         if (IsOutsideOemCodePage(entry.name) && MayAdd(outsideOem_))

@@ -2,6 +2,8 @@
 // putting them together.
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <vector>
 
 #include "media/folder_names.h"
@@ -13,9 +15,6 @@
 
 namespace launcher::mediatool {
 namespace {
-
-// Beyond this many volumes the count file's own finding is enough.
-constexpr int kMostLookedAt = 199;
 
 bool SameFolder(const Path& left, const Path& right) {
     return SameName(left.Text(), right.Text());
@@ -32,8 +31,9 @@ class VolumeSet {
         : subject_(subject),
           out_(out),
           media_(subject.Media()),
-          parent_(Parent(media_)),
-          count_(std::min(subject.view.count ? subject.view.count->count : 0, kMostLookedAt)),
+          parent_(ParentOfVolumes(media_)),
+          all_(subject.view.count ? subject.view.count->count : 0),
+          count_(std::min(all_, kMostLookedAt)),
           id_(ReadMtbDir(Join(media_, MarkerName(1)).Text())) {}
 
     void Check() {
@@ -65,26 +65,8 @@ class VolumeSet {
             CheckMarkerText(
                 Join(Path(subject_.view.folders[i]), MarkerName(static_cast<int>(i) + 1)), out_);
         if (subject_.view.layout == Layout::Outer)
-            CheckCompleteOuterVolumes({media_, id_, count_}, out_);
-        CheckBeyondCount();
-    }
-
-    // Volumes that the count does not count.
-    void CheckBeyondCount() {
-        std::vector<Path> candidates;
-        if (subject_.view.layout == Layout::OneFolder)
-            candidates = NumberedMarkers(media_);
-        else if (subject_.view.layout == Layout::Siblings)
-            for (const Entry& entry : List(parent_).value_or(std::vector<Entry>()))
-                if (entry.isFolder && IsNumber(entry.name))
-                    candidates.push_back(Join(Join(parent_, entry.name), entry.name + ".txt"));
-        for (const Path& marker : candidates)
-            if (NumberIn(marker) > count_ && ReadMtbDir(marker.Text()) == id_)
-                out_.Error("volume-beyond-count", marker.Text(),
-                           "There is a volume " + std::to_string(NumberIn(marker)) +
-                               ", but the count file says " + std::to_string(count_) + ".",
-                           "The installer is not told of it.",
-                           "Write the right number into inst\\volumes.txt.");
+            CheckCompleteOuterVolumes({media_, id_, all_}, out_);
+        if (subject_.view.layout == Layout::Siblings && IsEmpty(Parent(media_))) ReportAtRoot();
     }
 
     void CheckIncomplete() {
@@ -94,25 +76,25 @@ class VolumeSet {
             return;
         }
         CheckMarkerText(first, out_);
+        traces_ = TracesIn(media_);
+        misnamed_ = MisnamedFolders(parent_, id_);
         if (HasTraceInOneFolder())
             CheckOneFolder();
         else if (HasTraceOfSiblings())
             CheckSiblings();
-        else if (!CheckIncompleteOuterVolumes({media_, id_, count_}, out_))
+        else if (!CheckIncompleteOuterVolumes({media_, id_, all_}, out_))
             ReportElsewhere();
         CheckTwice();
     }
 
     bool HasTraceInOneFolder() const {
-        for (int k = 2; k <= count_; ++k)
-            if (HasTraceOfMarker(media_, k)) return true;
-        return false;
+        const auto second = traces_.upper_bound(1);
+        return second != traces_.end() && *second <= all_;
     }
 
     bool HasTraceOfSiblings() const {
-        if (IsEmpty(parent_)) return false;
         for (int k = 2; k <= count_; ++k)
-            if (IsFolder(Sibling(k)) || FolderWithMarker(parent_, k, id_)) return true;
+            if (IsFolder(Sibling(k)) || misnamed_.contains(k)) return true;
         return false;
     }
 
@@ -120,17 +102,25 @@ class VolumeSet {
 
     void CheckOneFolder() {
         bool mixed = false;
+        MissingVolumes missing;
         for (int k = 2; k <= count_; ++k) {
             const Path marker = Join(media_, MarkerName(k));
-            if (!ReadMtbDir(marker.Text()).empty()) {
+            if (!traces_.contains(k)) {
+                if (IsFolder(Sibling(k)))
+                    mixed = true;
+                else
+                    missing.Add(k, marker);
+            } else if (!ReadMtbDir(marker.Text()).empty()) {
                 CheckMarkerText(marker, out_);
                 CompareIdentifiers(marker, id_, out_);
-            } else if (!HasTraceOfMarker(media_, k) && IsFolder(Sibling(k))) {
-                mixed = true;
             } else {
                 ExplainMissingMarker({media_, k, id_}, out_);
             }
         }
+        if (all_ > count_)
+            missing.AddUnnamed(all_ - count_ - CountNumbered(media_, ".txt", count_ + 1, all_),
+                               media_);
+        missing.Report(out_);
         if (mixed)
             out_.Error("volumes-mixed-layouts", media_.Text(),
                        "Some volumes are in volume 1's folder and others beside it.",
@@ -139,6 +129,7 @@ class VolumeSet {
     }
 
     void CheckSiblings() {
+        MissingVolumes missing;
         for (int k = 2; k <= count_; ++k) {
             const Path folder = Sibling(k);
             const Path marker = Join(folder, MarkerName(k));
@@ -146,38 +137,51 @@ class VolumeSet {
                 CheckMarkerText(marker, out_);
                 CompareIdentifiers(marker, id_, out_);
             } else if (IsFolder(folder)) {
-                ExplainMissingMarker({folder, k, id_}, out_);
-            } else if (const auto other = FolderWithMarker(parent_, k, id_)) {
-                out_.Error("volume-folder-named-otherwise", other->Text(),
+                if (!ExplainMissingMarker({folder, k, id_}, out_)) missing.Add(k, marker);
+            } else if (const auto other = misnamed_.find(k); other != misnamed_.end()) {
+                out_.Error("volume-folder-named-otherwise", other->second.Text(),
                            "Volume " + std::to_string(k) + " is in a folder named " +
-                               FileName(*other) + ".",
+                               FileName(other->second) + ".",
                            "The launcher looks for it in the folder " + std::to_string(k) +
                                " beside volume 1's.",
                            "Rename the folder to " + std::to_string(k) + ".");
             } else {
-                ReportMissingVolume(folder, k, out_);
+                missing.Add(k, marker);
             }
         }
+        if (all_ > count_)
+            missing.AddUnnamed(all_ - count_ - CountNumbered(parent_, "", count_ + 1, all_),
+                               parent_);
+        missing.Report(out_);
+        if (IsEmpty(Parent(media_))) ReportAtRoot();
+    }
+
+    // The launcher's search depends on the current folder then.
+    void ReportAtRoot() {
+        out_.Error("volumes-at-drive-root", media_.Text(),
+                   "Volume 1 is at the root of a drive, and other volumes are in folders there.",
+                   "The launcher looks for them in the root of the current drive: it finds them "
+                   "only when it is started from this one.",
+                   "Put volume 1 into a folder of its own, 1, beside the others.");
     }
 
     void ReportElsewhere() {
-        const std::string rest = "volumes 2 to " + std::to_string(count_);
         const std::string why =
             "The launcher copies the installer to the temporary folder, and leaves it to the "
             "installer to ask for the other volumes.";
         if (subject_.set.given.size() == 1)
             out_.Warning("volumes-elsewhere", media_.Text(),
-                         "Only volume 1 of " + std::to_string(count_) + " is here.", why,
-                         "Nothing, when the others are on discs of their own; else put " + rest +
-                             " into one of the layouts.");
+                         "Only volume 1 of " + std::to_string(all_) + " is here.", why,
+                         "Nothing, when the others are on discs of their own; else put them into "
+                         "one of the layouts.");
         else if (EachOnItsOwnDrive())
             out_.Warning("volumes-on-other-drives", media_.Text(),
                          "Each volume is on a drive of its own.", why,
                          "Nothing, when they are discs to be put in one after the other.");
         else
-            out_.Error(
-                "no-layout-fits", media_.Text(), "The given folders fit none of the three layouts.",
-                why, "Name the folders of " + rest + " by their numbers, beside that of volume 1.");
+            out_.Error("no-layout-fits", media_.Text(),
+                       "The given folders fit none of the three layouts.", why,
+                       "Name the folders of the others by their numbers, beside that of volume 1.");
     }
 
     bool EachOnItsOwnDrive() const {
@@ -187,6 +191,7 @@ class VolumeSet {
 
     // Two given folders that both say they are volume k.
     void CheckTwice() {
+        if (out_.Has("volume-number-twice")) return;
         const std::vector<Path>& given = subject_.set.given;
         for (std::size_t i = 0; i < given.size(); ++i)
             for (const Path& marker : NumberedMarkers(given[i]))
@@ -222,8 +227,11 @@ class VolumeSet {
     Findings& out_;
     const Path& media_;
     Path parent_;
-    int count_;
-    std::string id_;  // of the media
+    int all_;                             // volumes, as the count file says
+    int count_;                           // of them, those that are looked at one by one
+    std::string id_;                      // of the media
+    std::set<long long> traces_;          // of markers, in volume 1's folder
+    std::map<long long, Path> misnamed_;  // folders beside it
 };
 
 }  // namespace

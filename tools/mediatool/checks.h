@@ -26,10 +26,15 @@ struct Subject {
 void CheckLauncher(const Subject& subject, Findings& out);
 void CheckRootEntries(const Subject& subject, Findings& out);
 void CheckInstallers(const Subject& subject, Findings& out);
+void CheckInstallerPlaces(const Subject& subject, Findings& out);
 void CheckFlavourMarkers(const Subject& subject, Findings& out);
 void CheckCountFile(const Subject& subject, Findings& out);
+void CheckVolumeNumbers(const Subject& subject, Findings& out);
 void CheckVolumes(const Subject& subject, Findings& out);
 void CheckTree(const Subject& subject, Findings& out);
+
+// An identifier, as it stands in `marker`.
+void CheckIdentifier(const std::string& id, const Path& marker, Findings& out);
 
 // The text of one volume marker that is there. Returns the identifier that the launcher reads from
 // it, empty when it reads none.

@@ -34,7 +34,7 @@ struct ValidateCommand {
             ->add_option("media", request.folders,
                          "The media's folder; or the folders of its volumes.")
             ->required();
-        command->add_option("--temp", request.temp,
+        command->add_option("--temp", temp,
                             "The temporary folder of the users it is for (default: the longest "
                             "usual one).");
         command->add_flag("--json", json, "Print JSON.");
@@ -44,6 +44,7 @@ struct ValidateCommand {
     int Run() {
         Progress progress("Entries looked at:");
         request.progress = [&progress](std::size_t count) { progress.Show(count); };
+        if (command->count("--temp") > 0) request.temp = temp;
         const Validation validation = Validate(request);
         PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
         return validation.findings.Count(Level::Error) == 0 ? kSuccess : kFailure;
@@ -51,6 +52,7 @@ struct ValidateCommand {
 
     CLI::App* command;
     ValidateRequest request;
+    std::string temp;
     bool json = false;
 };
 
@@ -58,20 +60,21 @@ struct CreateCommand {
     explicit CreateCommand(CLI::App& app)
         : command(app.add_subcommand("create", "Write the count file and markers of a media.")) {
         command->add_option("--id", request.id, "The identifier of the media.")->required();
-        command->add_option("--layout", request.layout, "one-folder, siblings or outer.")
+        command->add_option("--layout", layout, "How the volumes lie.")
             ->required()
-            ->transform(CLI::Transformer(kLayouts));
+            ->check(CLI::IsMember({"one-folder", "siblings", "outer"}));
         command->add_option("--volumes", request.volumes, "How many volumes: 1 to 99.")->required();
         MayBeGivenAgain(command->add_option(
             "--from", from,
             "A folder with the content of a volume, once for each, volume 1 first."));
-        command->add_option("--outer-id", request.outerId,
-                            "The identifier of the outer volumes (default: ID-outer).");
-        command->add_option("--first-outer", request.firstOuter,
-                            "The number of the first outer volume (default: 1).");
-        command->add_option("--inner", request.inner,
-                            "The folder in each outer volume that the media is in (default: "
-                            "media).");
+        ofOuter = {
+            command->add_option("--outer-id", request.outerId,
+                                "The identifier of the outer volumes (default: ID-outer)."),
+            command->add_option("--first-outer", request.firstOuter,
+                                "The number of the first outer volume (default: 1)."),
+            command->add_option("--inner", request.inner,
+                                "The folder in each outer volume that the media is in (default: "
+                                "media).")};
         command->add_flag("--force", request.force, "Write over files that are there.");
         command->add_flag("--json", json, "Print JSON.");
         command->add_option("out", request.out, "The folder to write into.")->required();
@@ -80,15 +83,23 @@ struct CreateCommand {
 
     int Run() {
         request.from = from;
+        request.layout = kLayouts.at(layout);
+        for (const CLI::Option* option : ofOuter)
+            if (option->count() > 0 && request.layout != Layout::Outer)
+                throw BadInput(option->get_name() + " goes with --layout outer only.");
+        if (ofOuter.front()->count() > 0 && request.outerId.empty())
+            throw BadInput("--outer-id is empty.");
         Progress progress("Files copied:");
         request.progress = [&progress](std::size_t count) { progress.Show(count); };
         const Creation creation = Create(request);
-        PrintOut(json ? Printed(JsonOf(creation, request)) : TextOf(creation));
+        PrintOut(json ? Printed(JsonOf(creation, request)) : TextOf(creation) + NextStep(creation));
         return kSuccess;
     }
 
     CLI::App* command;
     CreateRequest request;
+    std::string layout;
+    std::vector<const CLI::Option*> ofOuter;  // the options of that layout
     std::vector<std::string> from;
     bool json = false;
 };

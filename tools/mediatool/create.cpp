@@ -1,11 +1,14 @@
 #include "tools/mediatool/create.h"
 
-#include <algorithm>
+#include <sstream>
 
+#include "tools/mediatool/checks.h"
+#include "tools/mediatool/create_plan.h"
 #include "tools/mediatool/files.h"
 #include "tools/mediatool/findings.h"
 #include "tools/mediatool/marker_bytes.h"
 #include "tools/mediatool/markers.h"
+#include "tools/mediatool/names.h"
 #include "tools/mediatool/writer.h"
 
 namespace launcher::mediatool {
@@ -13,50 +16,62 @@ namespace {
 
 constexpr int kMostVolumes = 99;
 
-struct TextFile {
-    Path path;
-    std::string content;
-};
+// What validate says of an identifier, create refuses.
+void CheckId(const std::string& id, const std::string& option) {
+    if (id.empty()) throw BadInput(option + " is empty.");
+    if (HasControlCharacter(id) || Trimmed(id).find('\t') != std::string::npos)
+        throw BadInput(option + " has a control character in it.");
+    if (id != Trimmed(id)) throw BadInput(option + " begins or ends with a blank.");
+    Findings findings;
+    CheckIdentifier(id, Path(), findings);
+    const std::vector<Finding> found = findings.Sorted();
+    if (!found.empty()) throw BadInput(option + " cannot be used: " + found.front().what);
+}
 
-struct CopiedFile {
-    Path source;
-    Path destination;
-    std::uint64_t size;
-};
-
-// All that is going to be written.
-struct Plan {
-    std::vector<Path> folders;  // of the volumes
-    std::vector<TextFile> texts;
-    std::vector<Path> emptyFolders;
-    std::vector<CopiedFile> copies;
-};
-
-void CheckIdentifier(const std::string& id, const char* option) {
-    const std::string name = option;
-    if (id.empty()) throw BadInput(name + " is empty.");
-    if (HasControlCharacter(id) || id != Trimmed(id))
-        throw BadInput(name + " begins or ends with a blank, or has a control character in it.");
+// A folder below another: names between backslashes. Empty for the other folder itself.
+bool IsFolderBelow(const std::string& text) {
+    std::istringstream names(text);
+    for (std::string name; std::getline(names, name, '\\');)
+        if (!IsUsableName(name)) return false;
+    return true;
 }
 
 void CheckRequest(const CreateRequest& request) {
-    CheckIdentifier(request.id, "--id");
+    CheckId(request.id, "--id");
     if (request.volumes < 1 || request.volumes > kMostVolumes)
         throw BadInput("--volumes takes a number from 1 to 99.");
     if (request.layout == Layout::Outer) {
-        if (!request.outerId.empty()) CheckIdentifier(request.outerId, "--outer-id");
+        if (!request.outerId.empty()) CheckId(request.outerId, "--outer-id");
         if (request.outerId == request.id) throw BadInput("--outer-id has to differ from --id.");
         if (request.firstOuter < 1 || request.firstOuter > kMostVolumes)
             throw BadInput("--first-outer takes a number from 1 to 99.");
-        if (request.inner.find(':') != std::string::npos ||
-            request.inner.find("..") != std::string::npos)
-            throw BadInput("--inner takes the name of a folder in each outer volume.");
+        if (!IsFolderBelow(Path(request.inner).Text()))
+            throw BadInput("--inner takes the name of a folder in each outer volume, not \"" +
+                           request.inner + "\".");
     }
     const auto given = static_cast<int>(request.from.size());
     if (request.layout == Layout::OneFolder ? given > request.volumes
                                             : given != 0 && given != request.volumes)
         throw BadInput("--from takes one folder for each of the " +
                        std::to_string(request.volumes) + " volumes.");
+}
+
+// The folder to write into. Throws BadInput when there can be no such folder.
+Path CheckedOut(const std::string& text) {
+    const Path out = FullPath(text);
+    const std::string quoted = "\"" + (IsEmpty(out) ? text : out.Text()) + "\"";
+    if (IsEmpty(out) || out.Text().starts_with("\\\\.\\"))
+        throw BadInput(quoted + " is no folder.");
+    Path there = out;
+    for (; !IsEmpty(there) && !Look(there); there = Parent(there))
+        if (!IsEmpty(Parent(there)) && !IsUsableName(FileName(there)))
+            throw BadInput(quoted + " cannot be the name of a folder.");
+    if (IsEmpty(there)) throw BadInput(quoted + " is on a drive that is not there.");
+    if (IsFile(there))
+        throw BadInput(IsEmpty(RelativePath(out, there))
+                           ? quoted + " is a file, not a folder."
+                           : quoted + " is below \"" + there.Text() + "\", which is a file.");
+    return out;
 }
 
 Path VolumeFolder(const CreateRequest& request, const Path& out, int k) {
@@ -78,7 +93,8 @@ std::string OuterId(const CreateRequest& request) {
     return request.outerId.empty() ? request.id + "-outer" : request.outerId;
 }
 
-void PlanMarkers(const CreateRequest& request, const Path& out, Plan& plan) {
+void PlanMarkers(const CreateRequest& request, Plan& plan) {
+    const Path& out = plan.out;
     for (int k = 1; k <= request.volumes; ++k)
         plan.folders.push_back(VolumeFolder(request, out, k));
     plan.texts.push_back({CountFileIn(plan.folders.front()), CountFileText(request.volumes)});
@@ -91,47 +107,6 @@ void PlanMarkers(const CreateRequest& request, const Path& out, Plan& plan) {
         plan.texts.push_back(
             {MarkerIn(Join(out, std::to_string(number)), number), MarkerText(OuterId(request))});
     }
-}
-
-bool IsOneInOther(const Path& left, const Path& right) {
-    const std::string a = InLowerCase(left.Text()) + "\\";
-    const std::string b = InLowerCase(right.Text()) + "\\";
-    return a.starts_with(b) || b.starts_with(a);
-}
-
-void PlanCopy(const Path& source, const Path& destination, Plan& plan) {
-    const auto entries = List(source);
-    if (!entries) {
-        const std::string reason = LastErrorText();
-        throw BadInput("\"" + source.Text() + "\" cannot be listed: " + reason + ".");
-    }
-    if (entries->empty()) plan.emptyFolders.push_back(destination);
-    for (const Entry& entry : *entries) {
-        const Path from = Join(source, entry.name);
-        const Path to = Join(destination, entry.name);
-        if (entry.isFolder)
-            PlanCopy(from, to, plan);
-        else
-            plan.copies.push_back({from, to, entry.size});
-    }
-}
-
-void PlanContent(const CreateRequest& request, const Path& out, Plan& plan) {
-    for (std::size_t i = 0; i < request.from.size(); ++i) {
-        const Path source = FullPath(request.from[i]);
-        if (!IsFolder(source)) throw BadInput("\"" + request.from[i] + "\" is no folder.");
-        if (IsOneInOther(source, out))
-            throw BadInput("\"" + source.Text() +
-                           "\" and the folder to write into are in one "
-                           "another.");
-        PlanCopy(source, plan.folders[i], plan);
-    }
-    // A marker that comes with the content gives way to the one that is written.
-    std::erase_if(plan.copies, [&plan](const CopiedFile& copy) {
-        return std::ranges::any_of(plan.texts, [&copy](const TextFile& text) {
-            return SameName(text.path.Text(), copy.destination.Text());
-        });
-    });
 }
 
 void RefuseOverwriting(const Plan& plan) {
@@ -174,14 +149,22 @@ Creation Carry(const Plan& plan, const CreateRequest& request) {
 
 Creation Create(const CreateRequest& request) {
     CheckRequest(request);
-    const Path out = FullPath(request.out);
-    if (IsEmpty(out)) throw BadInput("\"" + request.out + "\" is no folder.");
-    if (IsFile(out)) throw BadInput("\"" + out.Text() + "\" is a file, not a folder.");
     Plan plan;
-    PlanMarkers(request, out, plan);
-    PlanContent(request, out, plan);
+    plan.out = CheckedOut(request.out);
+    PlanMarkers(request, plan);
+    PlanContent(request, plan);
+    RefuseStaleMarkers(request, plan);
     if (!request.force) RefuseOverwriting(plan);
     return Carry(plan, request);
+}
+
+std::string NextStep(const Creation& creation) {
+    const std::string first = creation.folders.front();
+    if (Look(Join(Path(first), kLauncherName))) return {};
+    return "Still missing: the launcher (setup.exe), the installer and the other content. Add "
+           "them, "
+           "then check with:\n  mediatool validate " +
+           (first.find(' ') == std::string::npos ? first : "\"" + first + "\"") + "\n";
 }
 
 }  // namespace launcher::mediatool

@@ -8,6 +8,18 @@
 #include "media/volume_files.h"
 
 namespace launcher::mediatool {
+namespace {
+
+// The bytes of the control character at `i`; 0 where there is none. In UTF-8, those from U+0080 to
+// U+009F are a C2 and one of their own value.
+std::size_t ControlLength(const std::string& text, std::size_t i) {
+    const auto byte = [&text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    if (byte(i) < 0x20 || byte(i) == 0x7F) return 1;
+    const bool pair = byte(i) == 0xC2 && i + 1 < text.size();
+    return pair && byte(i + 1) >= 0x80 && byte(i + 1) < 0xA0 ? 2 : 0;
+}
+
+}  // namespace
 
 bool HasUtf16Mark(const std::string& bytes) {
     return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
@@ -22,8 +34,23 @@ std::vector<std::string> LinesOf(const std::string& bytes) {
 }
 
 bool HasControlCharacter(const std::string& text) {
-    return std::ranges::any_of(
-        text, [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t'; });
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (text[i] != '\t' && ControlLength(text, i) > 0) return true;
+    return false;
+}
+
+std::string Visible(const std::string& text) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string visible;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = ControlLength(text, i);
+        if (length == 0) visible += text[i++];
+        for (const std::size_t end = i + length; length > 0 && i < end; ++i) {
+            const auto byte = static_cast<unsigned char>(text[i]);
+            visible += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
+        }
+    }
+    return visible;
 }
 
 bool IsUtf8(const std::string& text) {

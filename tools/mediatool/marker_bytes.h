@@ -14,8 +14,11 @@ bool HasUtf16Mark(const std::string& bytes);
 // As the launcher cuts them: at LF, without one CR before it.
 std::vector<std::string> LinesOf(const std::string& bytes);
 
-// A control character other than the tab; CR among them.
+// A control character of ASCII or of Unicode (U+0080 to U+009F) other than the tab; CR among them.
 bool HasControlCharacter(const std::string& text);
+
+// The same text with its control characters, the tab among them, written out: "\x1A".
+std::string Visible(const std::string& text);
 
 bool IsUtf8(const std::string& text);
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "media/folder_names.h"
 #include "tools/mediatool/files.h"
 #include "tools/mediatool/findings.h"
 
@@ -34,14 +33,15 @@ bool HasLauncher(const Path& folder) {
     return Look(Join(folder, kLauncherName)).has_value();
 }
 
-// The given folder that looks most like volume 1.
-std::optional<Path> FirstVolume(const std::vector<Path>& given) {
+// The given folder that looks most like volume 1; one that has to have a launcher, or may do
+// without.
+std::optional<Path> FirstVolume(const std::vector<Path>& given, bool needsLauncher) {
     std::optional<Path> best;
-    int bestScore = -1;
+    int bestScore = 0;
     for (const Path& folder : given) {
-        if (!HasLauncher(folder)) continue;
-        const Path countFile = Join(Join(folder, kInstFolder), kCountFileName);
-        const int score = (Look(countFile) ? 2 : 0) + (Look(Join(folder, "1.txt")) ? 1 : 0);
+        if (needsLauncher && !HasLauncher(folder)) continue;
+        const int score = (HasLauncher(folder) ? 4 : 0) + (Look(CountFileIn(folder)) ? 2 : 0) +
+                          (Look(MarkerIn(folder, 1)) ? 1 : 0);
         if (score <= bestScore) continue;
         bestScore = score;
         best = folder;
@@ -49,17 +49,17 @@ std::optional<Path> FirstVolume(const std::vector<Path>& given) {
     return best;
 }
 
-std::string WithoutLauncher(const std::vector<Path>& given) {
+std::string WithoutLauncher(const std::vector<Path>& given, bool needsLauncher) {
     if (given.size() > 1) return "None of the given folders has a launcher (setup.exe) in it.";
     const Path inside = Join(given.front(), "1");
     const std::string text = Quoted(given.front()) + " has no launcher (setup.exe) in it";
     if (HasLauncher(inside)) return text + "; " + Quoted(inside) + " has one: give that folder.";
+    if (!needsLauncher && Look(CountFileIn(inside)))
+        return text + "; " + Quoted(inside) + " is volume 1: give that folder.";
     return text + ".";
 }
 
-}  // namespace
-
-MediaSet OpenMediaSet(const std::vector<std::string>& folders) {
+MediaSet Open(const std::vector<std::string>& folders, bool needsLauncher) {
     MediaSet set;
     for (const std::string& text : folders) {
         const Path folder = CheckedFolder(text);
@@ -68,10 +68,20 @@ MediaSet OpenMediaSet(const std::vector<std::string>& folders) {
                 throw BadInput(Quoted(folder) + " is given twice.");
         set.given.push_back(folder);
     }
-    const std::optional<Path> first = FirstVolume(set.given);
-    if (!first) throw BadInput(WithoutLauncher(set.given));
+    const std::optional<Path> first = FirstVolume(set.given, needsLauncher);
+    if (!first) throw BadInput(WithoutLauncher(set.given, needsLauncher));
     set.first = *first;
     return set;
+}
+
+}  // namespace
+
+MediaSet OpenMediaSet(const std::vector<std::string>& folders) {
+    return Open(folders, true);
+}
+
+MediaSet OpenUnfinishedSet(const std::vector<std::string>& folders) {
+    return Open(folders, false);
 }
 
 }  // namespace launcher::mediatool

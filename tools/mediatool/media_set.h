@@ -21,4 +21,8 @@ struct MediaSet {
 // is not there, is no folder, cannot be listed or is given twice, and when none has a launcher.
 MediaSet OpenMediaSet(const std::vector<std::string>& folders);
 
+// The same for a media that is being made: without a launcher, the folder with the markers of
+// volume 1 will do.
+MediaSet OpenUnfinishedSet(const std::vector<std::string>& folders);
+
 }  // namespace launcher::mediatool

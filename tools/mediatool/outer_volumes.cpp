@@ -1,5 +1,6 @@
 #include "tools/mediatool/outer_volumes.h"
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -89,8 +90,16 @@ class OuterSet {
                        "Copy the outer volumes into folders named by their numbers.");
             return;
         }
-        for (int j = 2; j <= media_.count; ++j)
+        const int looked = std::min(media_.count, kMostLookedAt);
+        for (int j = 2; j <= looked; ++j)
             CheckVolume(j);
+        if (media_.count > looked)
+            missing_.AddUnnamed(
+                media_.count - looked -
+                    CountNumbered(parent_, "", OuterNumber(looked + 1), OuterNumber(media_.count)),
+                parent_);
+        ReportMissing();
+        missingInside_.Report(out_);
     }
 
     void CheckComplete() {
@@ -104,19 +113,14 @@ class OuterSet {
     }
 
   private:
-    int OuterNumber(int j) const { return first_.number + j - 1; }
+    long long OuterNumber(long long j) const { return first_.number + j - 1; }
     Path FolderOf(int j) const { return Join(parent_, std::to_string(OuterNumber(j))); }
     Path MarkerOf(int j) const { return Join(FolderOf(j), MarkerName(OuterNumber(j))); }
 
     void CheckVolume(int j) {
         const std::string number = std::to_string(OuterNumber(j));
         if (!IsFolder(FolderOf(j))) {
-            out_.Error(
-                "outer-volume-missing", FolderOf(j).Text(),
-                "Outer volume " + number + ", with volume " + std::to_string(j) + ", is missing.",
-                "For the launcher, the volume in it is not there.",
-                "Put it into the folder " + number + " beside outer volume " +
-                    std::to_string(first_.number) + ".");
+            missing_.Add(OuterNumber(j), FolderOf(j));
             return;
         }
         const std::string id = ReadMtbDir(MarkerOf(j).Text());
@@ -127,13 +131,26 @@ class OuterSet {
             if (id == id_)
                 CheckInner(j);
             else
-                out_.Error(
-                    "outer-id-differs", MarkerOf(j).Text(),
-                    "The identifier is \"" + id + "\"; the first outer volume has \"" + id_ + "\".",
-                    "The launcher takes it for a volume of another set, and gives up on "
-                    "all of them.",
-                    "Give all outer volumes the same identifier, to the letter.");
+                out_.Error("outer-id-differs", MarkerOf(j).Text(),
+                           "The identifier is \"" + Visible(id) +
+                               "\"; the first outer volume has \"" + Visible(id_) + "\".",
+                           "The launcher takes it for a volume of another set, and gives up on "
+                           "all of them.",
+                           "Give all outer volumes the same identifier, to the letter.");
         }
+    }
+
+    void ReportMissing() {
+        if (missing_.Total() == 0) return;
+        const std::string beside = " beside outer volume " + std::to_string(first_.number);
+        std::string action = missing_.Total() == 1
+                                 ? "Put it into the folder " + missing_.Numbers() + beside
+                                 : "Put each into a folder named by its number" + beside;
+        if (missing_.Total() == media_.count - 1)
+            action += "; or delete " + first_.name + ", when the media is in no outer volume";
+        out_.Error("outer-volume-missing", missing_.FirstFile().Text(), missing_.Sentence(),
+                   "For the launcher, the volumes of the media in them are not there.",
+                   action + ".");
     }
 
     void ReportNoMarker(int j, const std::string& number) {
@@ -159,7 +176,7 @@ class OuterSet {
             return;
         }
         if (ReadMtbDir(marker.Text()).empty()) {
-            ExplainMissingMarker({folder, j, media_.id}, out_);
+            if (!ExplainMissingMarker({folder, j, media_.id}, out_)) missingInside_.Add(j, marker);
             return;
         }
         CheckMarkerText(marker, out_);
@@ -172,7 +189,36 @@ class OuterSet {
     std::string id_;  // of the outer volumes
     Path parent_;
     Path relative_;
+    MissingVolumes missing_{"outer volume"};
+    MissingVolumes missingInside_;
 };
+
+// A file that only looks like a marker: it has no identifier of an outer set, and no other volume
+// of such a set is beside its folder.
+bool IsStray(const NestedMedia& media, const OuterMarker& marker) {
+    const std::string id = ReadMtbDir(marker.File().Text());
+    if (!id.empty() && id != media.id) return false;
+    const Path parent = Parent(marker.folder);
+    const int last = std::min(media.count, kMostLookedAt);
+    for (int j = 2; j <= last && !IsEmpty(parent); ++j) {
+        const int number = marker.number + j - 1;
+        if (Look(MarkerIn(Join(parent, std::to_string(number)), number))) return false;
+    }
+    return true;
+}
+
+// Reports the stray ones and leaves the others.
+void RemoveStrays(const NestedMedia& media, std::vector<OuterMarker>& markers, Findings& out) {
+    std::erase_if(markers, [&](const OuterMarker& marker) {
+        if (!IsStray(media, marker)) return false;
+        out.Error("outer-marker-stray", marker.File().Text(),
+                  "A file above volume 1 is named like an outer volume's marker, but is none.",
+                  "When volumes are missing, the launcher takes it for one and looks no further "
+                  "up.",
+                  "Delete or rename it.");
+        return true;
+    });
+}
 
 void CheckFirstMarkers(const std::vector<OuterMarker>& markers, Findings& out) {
     if (markers.size() > 1)
@@ -190,16 +236,29 @@ void CheckFirstMarkers(const std::vector<OuterMarker>& markers, Findings& out) {
 
 }  // namespace
 
+bool IsOuterMarkerName(const std::string& name) {
+    return NumberForLauncher(name) > 0;
+}
+
 bool CheckIncompleteOuterVolumes(const NestedMedia& media, Findings& out) {
-    const std::vector<OuterMarker> markers = NearestMarkers(media.folder);
+    std::vector<OuterMarker> markers = NearestMarkers(media.folder);
     if (markers.empty()) return ReportOverlooked(media.folder, out);
-    CheckFirstMarkers(markers, out);
-    OuterSet(media, markers.front(), out).CheckIncomplete();
-    return true;
+    while (!markers.empty()) {
+        const Path folder = markers.front().folder;
+        RemoveStrays(media, markers, out);
+        if (!markers.empty()) {
+            CheckFirstMarkers(markers, out);
+            OuterSet(media, markers.front(), out).CheckIncomplete();
+            return true;
+        }
+        markers = NearestMarkers(folder);  // what the strays hide
+    }
+    return false;
 }
 
 void CheckCompleteOuterVolumes(const NestedMedia& media, Findings& out) {
-    const std::vector<OuterMarker> markers = NearestMarkers(media.folder);
+    std::vector<OuterMarker> markers = NearestMarkers(media.folder);
+    RemoveStrays(media, markers, out);
     if (markers.empty()) return;
     CheckFirstMarkers(markers, out);
     OuterSet(media, markers.front(), out).CheckComplete();

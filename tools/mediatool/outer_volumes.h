@@ -14,6 +14,9 @@ struct NestedMedia {
     int count;       // of its volumes
 };
 
+// The launcher takes a file of this name for the marker of an outer volume.
+bool IsOuterMarkerName(const std::string& name);
+
 // The mistakes in the outer volumes of a media whose volumes the launcher does not find. False when
 // nothing there was meant to be one.
 bool CheckIncompleteOuterVolumes(const NestedMedia& media, Findings& out);

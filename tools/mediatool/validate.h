@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,9 @@ namespace launcher::mediatool {
 
 struct ValidateRequest {
     std::vector<std::string> folders;
-    std::string temp;
+    // The temporary folder of the users that the media is for, a full path; nothing for the longest
+    // usual one.
+    std::optional<std::string> temp;
     std::function<void(std::size_t entries)> progress;
 };
 

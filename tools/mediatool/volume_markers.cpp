@@ -1,5 +1,8 @@
 #include "tools/mediatool/volume_markers.h"
 
+#include <cctype>
+#include <optional>
+
 #include "media/volume_files.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"
@@ -9,16 +12,24 @@ namespace launcher::mediatool {
 namespace {
 
 constexpr std::size_t kExtensionLength = 4;  // ".txt"
+constexpr std::size_t kMostNamed = 5;        // of the volumes that are missing
+
+// The number in a name that was meant to be "<number>.txt", or 0; and whether zeros are in front.
+long long NumberMeant(const std::string& name, bool& zeros) {
+    std::string stem = InLowerCase(name);
+    if (!stem.ends_with(".txt")) return 0;
+    while (stem.ends_with(".txt"))
+        stem.resize(stem.size() - kExtensionLength);
+    if (!IsNumber(stem)) return 0;
+    zeros = stem[0] == '0';
+    return ToIntOr(stem, 0);
+}
 
 // A file of another name that was meant to be "<number>.txt".
 std::optional<Path> Misnamed(const Path& folder, int number, bool& zeros) {
-    for (const Entry& entry : List(folder).value_or(std::vector<Entry>())) {
-        const std::string name = InLowerCase(entry.name);
-        if (entry.isFolder || !name.ends_with(".txt")) continue;
-        const std::string stem = name.substr(0, name.size() - kExtensionLength);
-        zeros = IsNumber(stem) && stem.size() < 10 && stem[0] == '0' && ToIntOr(stem, -1) == number;
-        if (zeros || stem == MarkerName(number)) return Join(folder, entry.name);
-    }
+    for (const Entry& entry : List(folder).value_or(std::vector<Entry>()))
+        if (!entry.isFolder && NumberMeant(entry.name, zeros) == number)
+            return Join(folder, entry.name);
     return std::nullopt;
 }
 
@@ -31,6 +42,11 @@ std::optional<Path> OtherNumber(const VolumePlace& place) {
 }
 
 }  // namespace
+
+Path ParentOfVolumes(const Path& volumeOne) {
+    const Path parent = Parent(volumeOne);
+    return IsEmpty(parent) ? volumeOne : parent;
+}
 
 std::vector<Path> NumberedMarkers(const Path& folder) {
     std::vector<Path> markers;
@@ -48,25 +64,33 @@ long long NumberIn(const Path& marker) {
     return IsNumber(stem) && stem[0] != '0' ? ToIntOr(stem, 0) : 0;
 }
 
-bool HasTraceOfMarker(const Path& folder, int number) {
+std::set<long long> TracesIn(const Path& folder) {
+    std::set<long long> numbers;
     bool zeros = false;
-    return Look(Join(folder, MarkerName(number))) || Misnamed(folder, number, zeros);
+    for (const Entry& entry : List(folder).value_or(std::vector<Entry>()))
+        if (const long long number = NumberMeant(entry.name, zeros); number > 0)
+            numbers.insert(number);
+    return numbers;
 }
 
-std::optional<Path> FolderWithMarker(const Path& parent, int number, const std::string& mediaId) {
+std::map<long long, Path> MisnamedFolders(const Path& parent, const std::string& mediaId) {
+    std::map<long long, Path> folders;
     for (const Entry& entry : List(parent).value_or(std::vector<Entry>())) {
-        if (!entry.isFolder || entry.name == std::to_string(number)) continue;
         const Path folder = Join(parent, entry.name);
-        if (ReadMtbDir(Join(folder, MarkerName(number)).Text()) == mediaId) return folder;
+        if (!entry.isFolder || Look(Join(folder, entry.name + ".txt"))) continue;
+        for (const Path& marker : NumberedMarkers(folder))
+            if (ReadMtbDir(marker.Text()) == mediaId) folders.insert({NumberIn(marker), folder});
     }
-    return std::nullopt;
+    return folders;
 }
 
-void ExplainMissingMarker(const VolumePlace& place, Findings& out) {
+bool ExplainMissingMarker(const VolumePlace& place, Findings& out) {
     const std::string name = MarkerName(place.number);
     const Path marker = Join(place.folder, name);
     const std::string notThere = "For the launcher, the volume is not there.";
     const std::string rename = "Rename it to " + name + ".";
+    // In the folder of volume 1 the others' markers are at home.
+    const bool inVolumeOne = place.number == 1 || Look(Join(place.folder, MarkerName(1)));
     bool zeros = false;
     if (Look(marker)) {
         CheckMarkerText(marker, out);
@@ -77,44 +101,88 @@ void ExplainMissingMarker(const VolumePlace& place, Findings& out) {
         else
             out.Error("volume-marker-double-extension", misnamed->Text(),
                       "The marker's name ends with .txt twice.", notThere, rename);
+    } else if (place.number != 1 && inVolumeOne) {
+        return false;
     } else if (const auto other = OtherNumber(place); other && place.number != 1) {
-        // In the folder of volume 1 the others' markers are at home.
-        if (Look(Join(place.folder, MarkerName(1)))) {
-            ReportMissingVolume(place.folder, place.number, out);
-            return;
-        }
         out.Error("volume-marker-wrong-number", other->Text(),
                   "The folder of volume " + std::to_string(place.number) + " has the marker of " +
                       FileName(*other) + ".",
                   notThere, rename);
-    } else if (place.number > 1 && Look(Join(place.folder, MarkerName(1)))) {
-        ReportMissingVolume(place.folder, place.number, out);
     } else {
         out.Error("volume-marker-missing", marker.Text(),
                   "Volume " + std::to_string(place.number) + " has no marker.", notThere,
                   "Write the file with the line MTBDIR=" +
                       (place.mediaId.empty() ? "identifier" : place.mediaId) + ".");
     }
+    return true;
 }
 
-void ReportMissingVolume(const Path& folder, int number, Findings& out) {
-    out.Error("volume-missing", Join(folder, MarkerName(number)).Text(),
-              "Volume " + std::to_string(number) + " is missing.",
+void MissingVolumes::Add(long long number, const Path& file) {
+    if (total_ == 0) firstFile_ = file;
+    if (first_.size() < kMostNamed) first_.push_back(number);
+    ++total_;
+}
+
+void MissingVolumes::AddUnnamed(long long count, const Path& folder) {
+    if (total_ == 0) firstFile_ = folder;
+    total_ += count;
+}
+
+std::string MissingVolumes::Numbers() const {
+    std::string text;
+    const bool areAll = static_cast<std::size_t>(total_) == first_.size();
+    for (std::size_t i = 0; i < first_.size(); ++i) {
+        if (i > 0) text += areAll && i + 1 == first_.size() ? " and " : ", ";
+        text += std::to_string(first_[i]);
+    }
+    return areAll ? text : text + " and so on";
+}
+
+std::string MissingVolumes::Sentence() const {
+    if (first_.empty()) return std::to_string(total_) + " " + what_ + "s are missing.";
+    if (total_ > 1)
+        return std::to_string(total_) + " " + what_ + "s are missing: " + Numbers() + ".";
+    std::string text = what_ + " " + Numbers() + " is missing.";
+    text[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(text[0])));
+    return text;
+}
+
+void MissingVolumes::Report(Findings& out) const {
+    if (total_ == 0) return;
+    out.Error("volume-missing", firstFile_.Text(), Sentence(),
               "The launcher finds some volumes and not others, and copies the installer to the "
               "temporary folder.",
-              "Add the volume, or write the right number into inst\\volumes.txt.");
+              total_ == 1 ? "Add the volume, or write the right number into inst\\volumes.txt."
+                          : "Add the volumes, or write the right number into inst\\volumes.txt.");
+}
+
+long long CountNumbered(const Path& folder, const std::string& suffix, long long first,
+                        long long last) {
+    long long count = 0;
+    for (const Entry& entry : List(folder).value_or(std::vector<Entry>())) {
+        const std::string name = InLowerCase(entry.name);
+        if (!name.ends_with(suffix)) continue;
+        const std::string stem = name.substr(0, name.size() - suffix.size());
+        if (!IsNumber(stem) || stem[0] == '0') continue;
+        const long long number = ToIntOr(stem, 0);
+        if (number >= first && number <= last) ++count;
+    }
+    return count;
 }
 
 void CompareIdentifiers(const Path& marker, const std::string& mediaId, Findings& out) {
     const std::string id = ReadMtbDir(marker.Text());
     if (id == mediaId) return;
-    const std::string what = "The identifier is \"" + id + "\"; volume 1 has \"" + mediaId + "\".";
+    const std::string what =
+        "The identifier is \"" + Visible(id) + "\"; volume 1 has \"" + Visible(mediaId) + "\".";
     const std::string why =
         "The launcher takes the volume for one of another media, and gives up on all of them.";
     const std::string action = "Give all volumes of one media the same identifier, to the letter.";
-    if (SameName(id, mediaId))
+    // Compared as Windows compares names, which end at a zero byte.
+    const bool hasZero = (id + mediaId).find('\0') != std::string::npos;
+    if (!hasZero && SameName(id, mediaId))
         out.Error("volume-id-case-differs", marker.Text(), what, why, action);
-    else if (SameName(Trimmed(id), Trimmed(mediaId)))
+    else if (!hasZero && SameName(Trimmed(id), Trimmed(mediaId)))
         out.Error("volume-id-blanks-differ", marker.Text(), what, why, action);
     else
         out.Error("volume-id-differs", marker.Text(), what, why, action);

@@ -1,0 +1,121 @@
+// Content that mediatool would lose, and markers of other sets that would spoil a new one.
+
+#include <filesystem>
+
+#include "tests/mediatool/creating.h"
+
+namespace launcher::test {
+namespace {
+
+namespace stdfs = std::filesystem;
+
+// Content in which something would be lost.
+TEST_F(Creating, RefusesTwoFilesOfOneName) {
+    request.layout = Layout::OneFolder;
+    scratch.Write("one/data/Part.bin", "1");
+    scratch.Write("two/data/part.BIN", "2");
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    EXPECT_EQ(Complaint(), "wrong use: \"" + scratch.Text("one\\data\\Part.bin") + "\" and \"" +
+                               scratch.Text("two\\data\\part.BIN") + "\" would both become \"" +
+                               scratch.Text("out\\data\\part.BIN") + "\".");
+    stdfs::remove(FromUtf8(scratch.Text("two\\data\\part.BIN")));
+    scratch.Write("two/data/part.bin/in/a/folder", "2");
+    EXPECT_THAT(Complaint(), testing::HasSubstr("would both become"));
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
+TEST_F(Creating, RefusesTheSameContentTwice) {
+    scratch.Write("one/a.bin", "1");
+    request.from = {scratch.Text("one"), scratch.Text("ONE") + "\\"};
+    EXPECT_EQ(Complaint(),
+              "wrong use: \"" + scratch.Text("ONE") + "\" is given twice, with --from.");
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
+TEST_F(Creating, RefusesContentThatIsNoMarkerButHasItsName) {
+    scratch.Write("one/a.bin");
+    scratch.Write("two/2.txt", "chapter 2");
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    EXPECT_EQ(Complaint(), "wrong use: \"" + scratch.Text("two\\2.txt") +
+                               "\" has the name of a volume's marker and is none; rename it.");
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
+// What an older set left behind, in the folder that the new one of two volumes is written into.
+struct Leftover {
+    const char* name;
+    Layout layout;
+    const char* file;
+    const char* content;
+    bool isNamedOnly = false;  // no marker, but the launcher would take it for one
+};
+void PrintTo(const Leftover& row, std::ostream* stream) {
+    *stream << row.name;
+}
+
+class StaleMarker : public Creating, public testing::WithParamInterface<Leftover> {
+  protected:
+    std::string Expected(const std::string& file) const {
+        return "refused: \"" + file +
+               (GetParam().isNamedOnly
+                    ? "\" is named like the marker of an outer volume, and the launcher would take "
+                      "it for one; rename or remove it first."
+                    : "\" is the marker of a volume that is not at this place in the new set; "
+                      "remove it first.");
+    }
+};
+
+TEST_P(StaleMarker, IsNamedAndStays) {
+    request.layout = GetParam().layout;
+    request.firstOuter = 7;
+    const std::string file = scratch.Write(GetParam().file, GetParam().content);
+    const Tree before = TreeBelow(scratch.Dir());
+    for (const bool force : {false, true}) {
+        request.force = force;
+        EXPECT_EQ(Complaint(), Expected(file));
+        EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+    }
+    stdfs::remove(FromUtf8(file));
+    EXPECT_EQ(Complaint(), "none");
+}
+
+constexpr char kOld[] = "MTBDIR=OLD\r\n";
+constexpr char kOurs[] = "MTBDIR=SET\r\n";
+constexpr Layout kBeside = Layout::Siblings;
+constexpr Layout kTogether = Layout::OneFolder;
+constexpr Layout kOuter = Layout::Outer;
+INSTANTIATE_TEST_SUITE_P(
+    Layouts, StaleMarker,
+    testing::Values(Leftover{"BeyondTheCount", kTogether, "out/3.txt", kOld},
+                    Leftover{"BesideOneFolder", kTogether, "2/2.txt", kOurs},
+                    Leftover{"InVolumeOne", kBeside, "out/1/2.txt", kOld},
+                    Leftover{"InVolumeTwo", kBeside, "out/2/1.txt", kOld},
+                    Leftover{"VolumeBeyondTheCount", kBeside, "out/3/3.txt", kOurs},
+                    Leftover{"InVolumeOneOfOuter", kOuter, "out/7/media/1/2.txt", kOld},
+                    Leftover{"BesideVolumeOneOfOuter", kOuter, "out/7/media/2/2.txt", kOld},
+                    Leftover{"AboveVolumeOne", kOuter, "out/7/media/5.txt", "notes", true},
+                    Leftover{"OfTheSameNumber", kOuter, "out/7/media/7.txt", kOld, true},
+                    Leftover{"InTheOuterVolume", kOuter, "out/7/12.txt", kOld, true},
+                    Leftover{"InOtherLetters", kOuter, "out/7/7.TXT", kOld, true}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(Creating, RefusesAMarkerOfAnotherVolumeInTheContent) {
+    scratch.Write("one/a.bin");
+    const std::string marker = scratch.Write("two/1.txt", kOld);
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    EXPECT_THAT(Complaint(), testing::StartsWith("refused: \"" + marker + "\" is the marker of"));
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
+// Volumes of other sets are not in the way.
+TEST_F(Creating, LeavesOtherSetsAlone) {
+    scratch.Write("out/3/3.txt", kOld);
+    scratch.Write("out/1/5.txt", "chapter 5");
+    EXPECT_EQ(Complaint(), "none");
+    mediatool::ValidateRequest check;
+    check.folders = {scratch.Text("out\\1")};
+    EXPECT_EQ(mediatool::Validate(check).view.layout, kBeside);
+}
+
+}  // namespace
+}  // namespace launcher::test

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/mediatool/mistake_row.h"
+#include "tools/mediatool/create.h"
+#include "tools/mediatool/findings.h"
+#include "tools/mediatool/writer.h"
+
+namespace launcher::test {
+
+using mediatool::BadInput;
+using mediatool::Create;
+using mediatool::CreateRequest;
+using mediatool::Creation;
+using mediatool::Refused;
+
+// A request for two volumes, to be changed, and what becomes of it.
+class Creating : public testing::Test {
+  protected:
+    Creating() {
+        request.id = "SET";
+        request.layout = Layout::Siblings;
+        request.volumes = 2;
+        request.out = scratch.Text("out");
+    }
+
+    std::string Complaint() {
+        try {
+            Create(request);
+        } catch (const BadInput& failure) {
+            return std::string("wrong use: ") + failure.what();
+        } catch (const Refused& failure) {
+            return std::string("refused: ") + failure.what();
+        }
+        return "none";
+    }
+
+    TemporaryFolder scratch;
+    CreateRequest request;
+};
+
+}  // namespace launcher::test

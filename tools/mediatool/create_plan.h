@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "fs/path.h"
+#include "tools/mediatool/create.h"
+
+namespace launcher::mediatool {
+
+struct TextFile {
+    Path path;
+    std::string content;
+};
+
+struct CopiedFile {
+    Path source;
+    Path destination;
+    std::uint64_t size;
+};
+
+// All that is going to be written.
+struct Plan {
+    Path out;
+    std::vector<Path> folders;    // of the volumes
+    std::vector<TextFile> texts;  // the count file first
+    std::vector<Path> emptyFolders;
+    std::vector<CopiedFile> copies;
+};
+
+// Adds the content that the request names. Its markers give way to those that are written. Throws
+// BadInput when it cannot be read, and when a file in it would be lost.
+void PlanContent(const CreateRequest& request, Plan& plan);
+
+// Throws Refused when a file that is there, or comes with the content, would keep the launcher from
+// finding the new set: the marker of another volume, or what the launcher takes for one.
+void RefuseStaleMarkers(const CreateRequest& request, const Plan& plan);
+
+}  // namespace launcher::mediatool
