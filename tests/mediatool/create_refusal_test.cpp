@@ -81,22 +81,19 @@ TEST_P(StaleMarker, IsNamedAndStays) {
 
 constexpr char kOld[] = "MTBDIR=OLD\r\n";
 constexpr char kOurs[] = "MTBDIR=SET\r\n";
-constexpr Layout kBeside = Layout::Siblings;
-constexpr Layout kTogether = Layout::OneFolder;
-constexpr Layout kOuter = Layout::Outer;
 INSTANTIATE_TEST_SUITE_P(
     Layouts, StaleMarker,
-    testing::Values(Leftover{"BeyondTheCount", kTogether, "out/3.txt", kOld},
-                    Leftover{"BesideOneFolder", kTogether, "2/2.txt", kOurs},
-                    Leftover{"InVolumeOne", kBeside, "out/1/2.txt", kOld},
-                    Leftover{"InVolumeTwo", kBeside, "out/2/1.txt", kOld},
-                    Leftover{"VolumeBeyondTheCount", kBeside, "out/3/3.txt", kOurs},
-                    Leftover{"InVolumeOneOfOuter", kOuter, "out/7/media/1/2.txt", kOld},
-                    Leftover{"BesideVolumeOneOfOuter", kOuter, "out/7/media/2/2.txt", kOld},
-                    Leftover{"AboveVolumeOne", kOuter, "out/7/media/5.txt", "notes", true},
-                    Leftover{"OfTheSameNumber", kOuter, "out/7/media/7.txt", kOld, true},
-                    Leftover{"InTheOuterVolume", kOuter, "out/7/12.txt", kOld, true},
-                    Leftover{"InOtherLetters", kOuter, "out/7/7.TXT", kOld, true}),
+    testing::Values(Leftover{"BeyondTheCount", Layout::OneFolder, "out/3.txt", kOld},
+                    Leftover{"BesideOneFolder", Layout::OneFolder, "2/2.txt", kOurs},
+                    Leftover{"InVolumeOne", Layout::Siblings, "out/1/2.txt", kOld},
+                    Leftover{"InVolumeTwo", Layout::Siblings, "out/2/1.txt", kOld},
+                    Leftover{"VolumeBeyondTheCount", Layout::Siblings, "out/3/3.txt", kOurs},
+                    Leftover{"InVolumeOneOfOuter", Layout::Outer, "out/7/media/1/2.txt", kOld},
+                    Leftover{"BesideVolumeOneOfOuter", Layout::Outer, "out/7/media/2/2.txt", kOld},
+                    Leftover{"AboveVolumeOne", Layout::Outer, "out/7/media/5.txt", "notes", true},
+                    Leftover{"OfTheSameNumber", Layout::Outer, "out/7/media/7.txt", kOld, true},
+                    Leftover{"InTheOuterVolume", Layout::Outer, "out/7/12.txt", kOld, true},
+                    Leftover{"InOtherLetters", Layout::Outer, "out/7/7.TXT", kOld, true}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(Creating, RefusesAMarkerOfAnotherVolumeInTheContent) {
@@ -114,7 +111,7 @@ TEST_F(Creating, LeavesOtherSetsAlone) {
     EXPECT_EQ(Complaint(), "none");
     mediatool::ValidateRequest check;
     check.folders = {scratch.Text("out\\1")};
-    EXPECT_EQ(mediatool::Validate(check).view.layout, kBeside);
+    EXPECT_EQ(mediatool::Validate(check).view.layout, Layout::Siblings);
 }
 
 }  // namespace

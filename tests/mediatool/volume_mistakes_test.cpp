@@ -6,9 +6,6 @@ namespace launcher::test {
 namespace {
 
 constexpr char kTwo[] = "../2/2.txt";
-constexpr Layout kBeside = Layout::Siblings;
-constexpr Layout kTogether = Layout::OneFolder;
-constexpr Layout kOuter = Layout::Outer;
 
 class VolumeMistakeTest : public MistakeTest {};
 
@@ -28,116 +25,130 @@ TEST_P(VolumeMistakeTest, IsFoundByItsName) {
 using Media = SampleMedia;
 
 const Mistake kTextMistakes[] = {
-    {"volume-marker-bom", Level::Error, kBeside,
+    {"volume-marker-bom", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "\xEF\xBB\xBFMTBDIR=SET\r\n"); }},
-    {"volume-marker-bom", Level::Warning, kBeside,
+    {"volume-marker-bom", Level::Warning, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "\xEF\xBB\xBF# Volume 2\r\nMTBDIR=SET\r\n"); }, "OnAnotherLine"},
-    {"volume-marker-utf16", Level::Error, kBeside,
+    {"volume-marker-utf16", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, std::string_view("\xFF\xFEM\0T\0", 6)); }},
-    {"volume-marker-empty", Level::Error, kBeside, [](Media& m) { m.Write(kTwo, ""); }},
-    {"volume-marker-no-id", Level::Error, kBeside, [](Media& m) { m.Write(kTwo, "SET\r\n"); }},
-    {"volume-marker-lower-case", Level::Error, kBeside,
+    {"volume-marker-empty", Level::Error, Layout::Siblings, [](Media& m) { m.Write(kTwo, ""); }},
+    {"volume-marker-no-id", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "SET\r\n"); }},
+    {"volume-marker-lower-case", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "mtbdir=SET\r\n"); }},
-    {"volume-marker-leading-blank", Level::Error, kBeside,
+    {"volume-marker-leading-blank", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, " MTBDIR=SET\r\n"); }},
-    {"volume-marker-blank-before-equals", Level::Error, kBeside,
+    {"volume-marker-blank-before-equals", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "MTBDIR =SET\r\n"); }},
-    {"volume-marker-no-equals", Level::Error, kBeside,
+    {"volume-marker-no-equals", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "MTBDIR:SET\r\n"); }},
-    {"volume-id-empty", Level::Error, kBeside, [](Media& m) { m.Write(kTwo, "MTBDIR=\r\n"); }},
-    {"volume-id-leading-blank", Level::Warning, kBeside, [](Media& m) { m.Marker(kTwo, " SET"); }},
-    {"volume-id-trailing-blank", Level::Warning, kBeside, [](Media& m) { m.Marker(kTwo, "SET "); }},
-    {"volume-id-blanks-differ", Level::Error, kBeside, [](Media& m) { m.Marker(kTwo, "SET "); }},
-    {"volume-id-quoted", Level::Warning, kBeside, [](Media& m) { m.Marker(kTwo, "\"SET\""); }},
-    {"volume-id-not-utf8", Level::Warning, kBeside, [](Media& m) { m.Marker(kTwo, "S\xE9T"); }},
-    {"volume-id-control-character", Level::Error, kBeside,
+    {"volume-id-empty", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "MTBDIR=\r\n"); }},
+    {"volume-id-leading-blank", Level::Warning, Layout::Siblings,
+     [](Media& m) { m.Marker(kTwo, " SET"); }},
+    {"volume-id-trailing-blank", Level::Warning, Layout::Siblings,
+     [](Media& m) { m.Marker(kTwo, "SET "); }},
+    {"volume-id-blanks-differ", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Marker(kTwo, "SET "); }},
+    {"volume-id-quoted", Level::Warning, Layout::Siblings,
+     [](Media& m) { m.Marker(kTwo, "\"SET\""); }},
+    {"volume-id-not-utf8", Level::Warning, Layout::Siblings,
+     [](Media& m) { m.Marker(kTwo, "S\xE9T"); }},
+    {"volume-id-control-character", Level::Error, Layout::Siblings,
      [](Media& m) { m.Marker(kTwo, "SET\x1A"); }},
-    {"volume-id-control-character", Level::Error, kBeside,
+    {"volume-id-control-character", Level::Error, Layout::Siblings,
      [](Media& m) { m.Marker(kTwo, "SET\t2027"); }, "OfWhichTheTabIsOne"},
-    {"volume-id-control-character", Level::Error, kBeside,
+    {"volume-id-control-character", Level::Error, Layout::Siblings,
      [](Media& m) { m.Marker(kTwo, "SET\xC2\x85"); }, "OfUnicode"},
-    {"volume-marker-double-cr", Level::Error, kBeside, [](Media& m) { m.Marker(kTwo, "SET\r"); }},
-    {"volume-marker-cr-only", Level::Error, kBeside,
+    {"volume-marker-double-cr", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Marker(kTwo, "SET\r"); }},
+    {"volume-marker-cr-only", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "MTBDIR=SET\rVolume 2"); }},
-    {"volume-marker-two-ids", Level::Warning, kBeside,
+    {"volume-marker-two-ids", Level::Warning, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "MTBDIR=SET\r\nMTBDIR=OLD\r\n"); }},
-    {"volume-marker-is-folder", Level::Error, kBeside,
+    {"volume-marker-is-folder", Level::Error, Layout::Siblings,
      [](Media& m) { m.Remove(kTwo).MakeDir(kTwo); }},
 };
 INSTANTIATE_TEST_SUITE_P(Text, VolumeMistakeTest, testing::ValuesIn(kTextMistakes), MistakeName);
 
 const Mistake kPlaceMistakes[] = {
-    {"volume-marker-missing", Level::Error, kBeside, [](Media& m) { m.Remove(kTwo); }},
-    {"volume-marker-missing", Level::Error, kBeside, [](Media& m) { m.Remove("1.txt"); },
+    {"volume-marker-missing", Level::Error, Layout::Siblings, [](Media& m) { m.Remove(kTwo); }},
+    {"volume-marker-missing", Level::Error, Layout::Siblings, [](Media& m) { m.Remove("1.txt"); },
      "OfVolumeOne"},
-    {"volume-marker-leading-zeros", Level::Error, kBeside,
+    {"volume-marker-leading-zeros", Level::Error, Layout::Siblings,
      [](Media& m) { m.Rename(kTwo, "../2/02.txt"); }},
-    {"volume-marker-leading-zeros", Level::Error, kTogether,
+    {"volume-marker-leading-zeros", Level::Error, Layout::OneFolder,
      [](Media& m) { m.Rename("2.txt", "02.txt"); }, "InOneFolder"},
-    {"volume-marker-double-extension", Level::Error, kBeside,
+    {"volume-marker-double-extension", Level::Error, Layout::Siblings,
      [](Media& m) { m.Rename(kTwo, "../2/2.txt.txt"); }},
-    {"volume-marker-wrong-number", Level::Error, kBeside,
+    {"volume-marker-wrong-number", Level::Error, Layout::Siblings,
      [](Media& m) { m.Rename(kTwo, "../2/3.txt"); }},
-    {"volume-id-differs", Level::Error, kBeside, [](Media& m) { m.Marker(kTwo, "OTHER"); }},
-    {"volume-id-differs", Level::Error, kTogether, [](Media& m) { m.Marker("2.txt", "OTHER"); },
+    {"volume-id-differs", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Marker(kTwo, "OTHER"); }},
+    {"volume-id-differs", Level::Error, Layout::OneFolder,
+     [](Media& m) { m.Marker("2.txt", "OTHER"); }, "InOneFolder"},
+    {"volume-id-case-differs", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Marker(kTwo, "Set"); }},
+    {"volume-missing", Level::Error, Layout::Siblings, [](Media& m) { m.Remove("../3"); }},
+    {"volume-missing", Level::Error, Layout::OneFolder, [](Media& m) { m.Remove("3.txt"); },
      "InOneFolder"},
-    {"volume-id-case-differs", Level::Error, kBeside, [](Media& m) { m.Marker(kTwo, "Set"); }},
-    {"volume-missing", Level::Error, kBeside, [](Media& m) { m.Remove("../3"); }},
-    {"volume-missing", Level::Error, kTogether, [](Media& m) { m.Remove("3.txt"); }, "InOneFolder"},
-    {"volume-folder-named-otherwise", Level::Error, kBeside,
+    {"volume-folder-named-otherwise", Level::Error, Layout::Siblings,
      [](Media& m) { m.Rename("../2", "../Disc 2"); }},
-    {"volumes-mixed-layouts", Level::Error, kTogether,
+    {"volumes-mixed-layouts", Level::Error, Layout::OneFolder,
      [](Media& m) { m.Remove("3.txt").Marker("../3/3.txt"); }},
-    {"volume-beyond-count", Level::Error, kBeside, [](Media& m) { m.Marker("../4/4.txt"); }},
-    {"volume-beyond-count", Level::Error, kTogether, [](Media& m) { m.Marker("4.txt"); },
+    {"volume-beyond-count", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Marker("../4/4.txt"); }},
+    {"volume-beyond-count", Level::Error, Layout::OneFolder, [](Media& m) { m.Marker("4.txt"); },
      "InOneFolder"},
-    {"volume-number-twice", Level::Warning, kBeside, [](Media& m) { m.Marker("../2/1.txt"); },
-     "ThatOfVolumeOne"},
-    {"volume-number-twice", Level::Warning, kBeside, [](Media& m) { m.Marker("../2/3.txt"); },
-     "ThatOfALaterVolume"},
-    {"volume-number-twice", Level::Error, kBeside, [](Media& m) { m.Marker("2.txt"); },
+    {"volume-number-twice", Level::Warning, Layout::Siblings,
+     [](Media& m) { m.Marker("../2/1.txt"); }, "ThatOfVolumeOne"},
+    {"volume-number-twice", Level::Warning, Layout::Siblings,
+     [](Media& m) { m.Marker("../2/3.txt"); }, "ThatOfALaterVolume"},
+    {"volume-number-twice", Level::Error, Layout::Siblings, [](Media& m) { m.Marker("2.txt"); },
      "InVolumeOne"},
-    {"volume-number-twice", Level::Error, kTogether, [](Media& m) { m.Marker(kTwo); },
+    {"volume-number-twice", Level::Error, Layout::OneFolder, [](Media& m) { m.Marker(kTwo); },
      "BesideOneFolder"},
-    {"volume-number-twice", Level::Warning, kOuter,
+    {"volume-number-twice", Level::Warning, Layout::Outer,
      [](Media& m) { m.Marker("../../../8/media/2/3.txt"); }, "InOuterVolumes"},
-    {"volumes-elsewhere", Level::Warning, kBeside,
+    {"volumes-elsewhere", Level::Warning, Layout::Siblings,
      [](Media& m) { m.Remove("../2").Remove("../3"); }},
 };
 INSTANTIATE_TEST_SUITE_P(Place, VolumeMistakeTest, testing::ValuesIn(kPlaceMistakes), MistakeName);
 
 const Mistake kOuterMistakes[] = {
-    {"outer-marker-upper-case", Level::Error, kOuter,
+    {"outer-marker-upper-case", Level::Error, Layout::Outer,
      [](Media& m) { m.Remove("../../7.txt").Marker("../../7.TXT", "OUTER"); }},
-    {"outer-marker-number-too-high", Level::Error, kOuter,
+    {"outer-marker-number-too-high", Level::Error, Layout::Outer,
      [](Media& m) { m.Rename("../../7.txt", "../../700.txt"); }},
-    {"outer-marker-zero", Level::Error, kOuter,
+    {"outer-marker-zero", Level::Error, Layout::Outer,
      [](Media& m) { m.Rename("../../7.txt", "../../0.txt"); }},
-    {"outer-marker-irregular", Level::Error, kOuter,
+    {"outer-marker-irregular", Level::Error, Layout::Outer,
      [](Media& m) { m.Rename("../../7.txt", "../../7a.txt"); }},
-    {"outer-markers-two", Level::Error, kOuter, [](Media& m) { m.Marker("../../9.txt", "OUTER"); }},
-    {"outer-marker-stray", Level::Error, kOuter,
+    {"outer-markers-two", Level::Error, Layout::Outer,
+     [](Media& m) { m.Marker("../../9.txt", "OUTER"); }},
+    {"outer-marker-stray", Level::Error, Layout::Outer,
      [](Media& m) { m.Write("../5.txt", "notes of a meeting"); }},
-    {"outer-marker-stray", Level::Error, kBeside,
+    {"outer-marker-stray", Level::Error, Layout::Siblings,
      [](Media& m) { m.Remove("../2").Remove("../3").Write("../7.txt", "notes of a meeting"); },
      "WithoutOuterVolumes"},
-    {"outer-marker-stray", Level::Error, kBeside,
+    {"outer-marker-stray", Level::Error, Layout::Siblings,
      [](Media& m) { m.Remove("../2").Remove("../3").Marker("../7.txt"); }, "OfTheMediaItself"},
-    {"outer-marker-missing", Level::Error, kOuter, [](Media& m) { m.Remove("../../../8/8.txt"); }},
-    {"outer-volume-missing", Level::Error, kOuter, [](Media& m) { m.Remove("../../../8"); }},
-    {"outer-id-differs", Level::Error, kOuter,
+    {"outer-marker-missing", Level::Error, Layout::Outer,
+     [](Media& m) { m.Remove("../../../8/8.txt"); }},
+    {"outer-volume-missing", Level::Error, Layout::Outer, [](Media& m) { m.Remove("../../../8"); }},
+    {"outer-id-differs", Level::Error, Layout::Outer,
      [](Media& m) { m.Marker("../../../8/8.txt", "OTHER"); }},
-    {"outer-id-same", Level::Warning, kOuter,
+    {"outer-id-same", Level::Warning, Layout::Outer,
      [](Media& m) {
          m.Marker("../../7.txt", "SET")
              .Marker("../../../8/8.txt", "SET")
              .Marker("../../../9/9.txt", "SET");
      }},
-    {"outer-inner-folder-missing", Level::Error, kOuter,
+    {"outer-inner-folder-missing", Level::Error, Layout::Outer,
      [](Media& m) { m.Rename("../../../8/media", "../../../8/other"); }},
-    {"volume-id-differs", Level::Error, kOuter,
+    {"volume-id-differs", Level::Error, Layout::Outer,
      [](Media& m) { m.Marker("../../../8/media/2/2.txt", "OTHER"); }, "InOuterVolume"},
-    {"volume-marker-no-id", Level::Error, kOuter,
+    {"volume-marker-no-id", Level::Error, Layout::Outer,
      [](Media& m) { m.Write("../../7.txt", "notes of a meeting"); }, "OfOuterVolume"},
 };
 INSTANTIATE_TEST_SUITE_P(Outer, VolumeMistakeTest, testing::ValuesIn(kOuterMistakes), MistakeName);
@@ -148,32 +159,32 @@ bool Finds(const Validation& validation, const std::string& id) {
 }
 
 TEST(GivenFolders, ThatNoLayoutFits) {
-    SampleMedia media(kBeside);
+    SampleMedia media(Layout::Siblings);
     media.Remove("../3").Rename("../2", "../../elsewhere");
     EXPECT_TRUE(Finds(media.Validate({"../../elsewhere"}), "no-layout-fits"));
 }
 
 TEST(GivenFolders, TwoWithTheSameNumber) {
-    SampleMedia media(kBeside);
+    SampleMedia media(Layout::Siblings);
     media.Remove("../3").Marker("../../a/2.txt").Marker("../../b/2.txt");
     EXPECT_TRUE(Finds(media.Validate({"../../a", "../../b"}), "volume-number-twice"));
 }
 
 TEST(GivenFolders, OneThatTheLauncherDoesNotComeTo) {
-    SampleMedia media(kBeside);
+    SampleMedia media(Layout::Siblings);
     media.Marker("../../other/3.txt");
     EXPECT_TRUE(Finds(media.Validate({"../2", "../3", "../../other"}), "folder-not-a-volume"));
     EXPECT_FALSE(media.Validate({"../2", "../3"}).findings.Has("folder-not-a-volume"));
 }
 
 TEST(GivenFolders, ALaterVolumeWithACountFile) {
-    SampleMedia media(kBeside);
+    SampleMedia media(Layout::Siblings);
     media.Write("../2/inst/volumes.txt", "3\r\n");
     EXPECT_TRUE(Finds(media.Validate({"../2", "../3"}), "count-file-in-later-volume"));
 }
 
 TEST(Identifiers, ThatAZeroByteTellsApartDoNotDifferInCase) {
-    SampleMedia media(kBeside);
+    SampleMedia media(Layout::Siblings);
     media.Marker(kTwo, std::string("SET\0", 4));
     const Validation validation = media.Validate();
     EXPECT_TRUE(Finds(validation, "volume-id-differs"));
@@ -182,7 +193,7 @@ TEST(Identifiers, ThatAZeroByteTellsApartDoNotDifferInCase) {
 }
 
 TEST(StrayMarkers, AreToldTogetherWithTheMissingVolumes) {
-    SampleMedia media(kBeside);
+    SampleMedia media(Layout::Siblings);
     media.Remove("../2").Remove("../3").Write("../7.txt", "notes of a meeting");
     const Validation validation = media.Validate();
     EXPECT_TRUE(Finds(validation, "volumes-elsewhere"));
@@ -220,15 +231,16 @@ TEST_P(MissingVolumes, AreCountedInOneFinding) {
 
 INSTANTIATE_TEST_SUITE_P(
     Layouts, MissingVolumes,
-    testing::Values(Absence{kBeside, "4", "volume-missing", "Volume 4 is missing."},
-                    Absence{kBeside, "6", "volume-missing", "3 volumes are missing: 4, 5 and 6."},
-                    Absence{kBeside, "1000", "volume-missing",
+    testing::Values(Absence{Layout::Siblings, "4", "volume-missing", "Volume 4 is missing."},
+                    Absence{Layout::Siblings, "6", "volume-missing",
+                            "3 volumes are missing: 4, 5 and 6."},
+                    Absence{Layout::Siblings, "1000", "volume-missing",
                             "997 volumes are missing: 4, 5, 6, 7, 8 and so on."},
-                    Absence{kTogether, "2147483647", "volume-missing",
+                    Absence{Layout::OneFolder, "2147483647", "volume-missing",
                             "2147483644 volumes are missing: 4, 5, 6, 7, 8 and so on."},
-                    Absence{kOuter, "5", "outer-volume-missing",
+                    Absence{Layout::Outer, "5", "outer-volume-missing",
                             "2 outer volumes are missing: 10 and 11."},
-                    Absence{kOuter, "2147483647", "outer-volume-missing",
+                    Absence{Layout::Outer, "2147483647", "outer-volume-missing",
                             "2147483644 outer volumes are missing: 10, 11, 12, 13, 14 and so on."}),
     [](const auto& row) {
         return mediatool::LayoutName(row.param.layout).substr(0, 3) + row.param.count;
@@ -236,18 +248,18 @@ INSTANTIATE_TEST_SUITE_P(
 
 // What is there beyond the last that is looked at one by one.
 TEST(MissingVolumesOfMany, AreNotThoseThatAreThere) {
-    SampleMedia media(kBeside);
+    SampleMedia media(Layout::Siblings);
     media.Write("inst/volumes.txt", "1000\r\n").Marker("../999/999.txt");
     EXPECT_EQ(Missing(media.Validate(), "volume-missing").front().what,
               "996 volumes are missing: 4, 5, 6, 7, 8 and so on.");
 }
 
 TEST(GivenFolders, VolumeOneIsTheOneWithTheLauncher) {
-    SampleMedia media(kBeside);
+    SampleMedia media(Layout::Siblings);
     mediatool::ValidateRequest request;
     request.folders = {media.Text("../3"), media.Text("../2"), media.Text()};
     const Validation validation = mediatool::Validate(request);
-    EXPECT_EQ(validation.view.layout, kBeside);
+    EXPECT_EQ(validation.view.layout, Layout::Siblings);
     EXPECT_EQ(validation.findings.Count(Level::Error), 0u) << Ids(validation);
 }
 

@@ -12,7 +12,7 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kReadLimit = 64 * 1024;
+constexpr std::size_t kCountFileLimit = 64 * 1024;
 constexpr int kMostVolumes = 99;
 
 constexpr char kUnread[] =
@@ -31,7 +31,7 @@ class CountFile {
             Error("count-file-is-folder", "The count file is a folder.", kUnread);
             return;
         }
-        const std::optional<std::string> bytes = ReadStart(path_, kReadLimit);
+        const std::optional<std::string> bytes = ReadStart(path_, kCountFileLimit);
         if (!bytes)
             Error("count-file-unreadable", "The count file cannot be read.", kUnread);
         else if (bytes->empty())
@@ -134,7 +134,7 @@ class CountFile {
     Findings& out_;
 };
 
-void CheckMisplaced(const Path& file, Findings& out) {
+void CheckForCountFile(const Path& file, Findings& out) {
     if (!Look(file)) return;
     out.Error("count-file-misplaced", file.Text(), "The count file is in the wrong folder.",
               "The launcher looks for inst\\volumes.txt only, and takes the media for one that is "
@@ -181,8 +181,8 @@ void CheckCountFile(const Subject& subject, Findings& out) {
     if (Look(file)) {
         CountFile(file, out).Check();
     } else {
-        CheckMisplaced(Join(subject.Media(), kCountFileName), out);
-        CheckMisplaced(Join(Join(inst, kCommonFolder), kCountFileName), out);
+        CheckForCountFile(Join(subject.Media(), kCountFileName), out);
+        CheckForCountFile(Join(Join(inst, kCommonFolder), kCountFileName), out);
         CheckMisspelt(inst, out);
     }
     CheckLaterVolumes(subject, out);

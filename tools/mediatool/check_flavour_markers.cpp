@@ -1,5 +1,7 @@
 // The markers that say which Windows a media is for.
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
 #include "media/folder_names.h"
@@ -9,19 +11,19 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr char kExtension[] = ".installos";
-constexpr const char* kNames[] = {"win_b64.installos", "win_csa64.installos", "intel_a.installos"};
+std::string MarkerName(const std::string& flavour) {
+    return flavour + kFlavourMarkerExtension;
+}
 
 bool IsKnown(const std::string& name) {
-    for (const char* known : kNames)
-        if (SameName(name, known)) return true;
-    return false;
+    return std::ranges::any_of(
+        kFlavours, [&name](const char* flavour) { return SameName(name, MarkerName(flavour)); });
 }
 
 void CheckName(const Path& folder, const Entry& entry, Findings& out) {
     const std::string name = InLowerCase(entry.name);
     const std::string file = Join(folder, entry.name).Text();
-    const std::size_t extension = name.find(kExtension);
+    const std::size_t extension = name.find(kFlavourMarkerExtension);
     if (extension == std::string::npos) return;
     if (IsKnown(name)) {
         if (entry.isFolder)
@@ -30,11 +32,12 @@ void CheckName(const Path& folder, const Entry& entry, Findings& out) {
                         "Put an empty file in its place.");
         return;
     }
-    if (extension + sizeof kExtension - 1 < name.size()) {
-        out.Error("flavour-marker-double-extension", file,
-                  "The marker has something after .installos in its name.",
-                  "The launcher does not see it.",
-                  "Rename it to " + entry.name.substr(0, extension) + kExtension + ".");
+    if (extension + sizeof kFlavourMarkerExtension - 1 < name.size()) {
+        out.Error(
+            "flavour-marker-double-extension", file,
+            "The marker has something after .installos in its name.",
+            "The launcher does not see it.",
+            "Rename it to " + entry.name.substr(0, extension) + kFlavourMarkerExtension + ".");
         return;
     }
     // Markers of other systems may stand beside those of Windows.
@@ -44,9 +47,9 @@ void CheckName(const Path& folder, const Entry& entry, Findings& out) {
                     "Use win_b64.installos, win_csa64.installos or intel_a.installos.");
 }
 
-void CheckMisplaced(const Path& folder, Findings& out) {
-    for (const char* name : kNames) {
-        const Path file = Join(folder, name);
+void CheckForMarkersIn(const Path& folder, Findings& out) {
+    for (const char* flavour : kFlavours) {
+        const Path file = Join(folder, MarkerName(flavour));
         if (!Look(file)) continue;
         out.Error("flavour-marker-misplaced", file.Text(), "The marker is in the wrong folder.",
                   "The launcher looks for it in inst\\common only.", "Move it there.");
@@ -60,12 +63,12 @@ void CheckFlavourMarkers(const Subject& subject, Findings& out) {
     const Path common = Join(inst, kCommonFolder);
     for (const Entry& entry : List(common).value_or(std::vector<Entry>()))
         CheckName(common, entry, out);
-    CheckMisplaced(subject.Media(), out);
-    CheckMisplaced(inst, out);
-    for (const char* flavour : {"win_b64", "win_csa64", "intel_a"}) {
-        CheckMisplaced(Join(inst, flavour), out);
+    CheckForMarkersIn(subject.Media(), out);
+    CheckForMarkersIn(inst, out);
+    for (const char* flavour : kFlavours) {
+        CheckForMarkersIn(Join(inst, flavour), out);
         const Path exe = InstallerExecutable(subject.Media(), flavour, kInstallerName);
-        const Path marker = Join(common, std::string(flavour) + kExtension);
+        const Path marker = Join(common, MarkerName(flavour));
         if (!Look(exe) || Look(marker)) continue;
         out.Note("flavour-marker-missing", marker.Text(),
                  std::string("The media has an installer for ") + flavour + ", but not its marker.",

@@ -9,7 +9,6 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr const char* kFlavours[] = {"win_b64", "win_csa64", "intel_a"};
 constexpr char kInstallerStem[] = "zepinsappligui";
 // Programs of the installer that other options of the launcher start.
 constexpr const char* kOtherPrograms[] = {"ZEPInsPipeServer.exe", "ZEPInsAppliODT.exe"};

@@ -10,34 +10,29 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kLongestPath = 259;
-
-struct Flavour {
-    const char* folder;
-    bool is64Bit;
-};
-constexpr Flavour kFlavours[] = {{"win_b64", true}, {"win_csa64", true}, {"intel_a", false}};
+bool IsFor64Bit(const std::string& flavour) {
+    return flavour != "intel_a";
+}
 
 Path MarkerOf(const Subject& subject, const char* flavour) {
     return Join(Join(Join(subject.Media(), kInstFolder), kCommonFolder),
-                std::string(flavour) + ".installos");
+                flavour + std::string(kFlavourMarkerExtension));
 }
 
 Path ExeOf(const Subject& subject, const char* flavour) {
     return InstallerExecutable(subject.Media(), flavour, kInstallerName);
 }
 
-void CheckMachine(const Flavour& flavour, const Path& exe, const ProgramFile& program,
-                  Findings& out) {
+void CheckMachine(const char* flavour, const Path& exe, const ProgramFile& program, Findings& out) {
     if (program.isLibrary)
         out.Error("installer-is-library", exe.Text(), "The installer is a library, not a program.",
                   "Windows cannot start it.", "Put the installer in its place.");
-    if (flavour.is64Bit && program.Is32Bit())
+    if (IsFor64Bit(flavour) && program.Is32Bit())
         out.Warning("installer-32-bit-in-64-bit-folder", exe.Text(),
                     "The installer for 64-bit Windows is a 32-bit program.",
                     "It runs, but sees the 32-bit parts of the system only.",
                     std::string("Use the 64-bit one, or the folder intel_a."));
-    else if (!flavour.is64Bit && program.Is64Bit())
+    else if (!IsFor64Bit(flavour) && program.Is64Bit())
         out.Error("installer-64-bit-in-32-bit-folder", exe.Text(),
                   "The installer for 32-bit Windows is a 64-bit program.",
                   "32-bit Windows cannot start it.", "Use the 32-bit one, or the folder win_b64.");
@@ -47,7 +42,7 @@ void CheckMachine(const Flavour& flavour, const Path& exe, const ProgramFile& pr
                   "Windows for PCs cannot start it.", "Use one for x64 or x86.");
 }
 
-void CheckProgram(const Flavour& flavour, const Path& exe, Findings& out) {
+void CheckProgram(const char* flavour, const Path& exe, Findings& out) {
     const auto entry = Look(exe);
     const char* const putBack = "Put the installer in its place.";
     if (entry->isFolder)
@@ -130,9 +125,8 @@ void CheckLauncherBits(const Subject& subject, Findings& out) {
 
 void CheckInstallers(const Subject& subject, Findings& out) {
     if (!IsFolder(Join(subject.Media(), kInstFolder))) return;
-    for (const Flavour& flavour : kFlavours)
-        if (HasExe(subject, flavour.folder))
-            CheckProgram(flavour, ExeOf(subject, flavour.folder), out);
+    for (const char* flavour : kFlavours)
+        if (HasExe(subject, flavour)) CheckProgram(flavour, ExeOf(subject, flavour), out);
     CheckEachWindows(subject, out);
     CheckLauncherBits(subject, out);
 }

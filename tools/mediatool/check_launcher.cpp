@@ -7,8 +7,6 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kLongestPath = 259;  // characters, in what the launcher asks Windows for
-
 void CheckProgram(const Path& file, Findings& out) {
     const auto entry = Look(file);
     const char* const putBack = "Copy the launcher to the media again.";

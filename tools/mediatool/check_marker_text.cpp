@@ -11,7 +11,7 @@ namespace launcher::mediatool {
 namespace {
 
 constexpr char kKey[] = "MTBDIR=";
-constexpr std::size_t kReadLimit = 1024 * 1024;
+constexpr std::size_t kMarkerLimit = 1024 * 1024;
 
 constexpr char kNotThere[] = "The launcher reads no identifier, as if the volume were not there.";
 constexpr char kRewrite[] =
@@ -27,7 +27,7 @@ class MarkerCheck {
             Error("volume-marker-is-folder", "The marker is a folder.");
             return id_;
         }
-        const std::optional<std::string> bytes = ReadStart(path_, kReadLimit);
+        const std::optional<std::string> bytes = ReadStart(path_, kMarkerLimit);
         if (!bytes)
             Error("volume-marker-unreadable", "The marker cannot be read.");
         else if (bytes->empty())

@@ -15,8 +15,6 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kLongestFile = 259;    // characters of a path that Windows opens
-constexpr std::size_t kLongestFolder = 247;  // and of a folder that it makes
 // The longest user name has 20 characters.
 constexpr char kUsualTemp[] = "C:\\Users\\12345678901234567890\\AppData\\Local\\Temp";
 constexpr std::size_t kUuidLength = 36;
@@ -105,7 +103,7 @@ class Tree {
 
     void CheckLength(const std::string& path, const Entry& entry) {
         const std::size_t length = copyRoot_ + WideLength(path) - WideLength(root_);
-        const std::size_t most = entry.isFolder ? kLongestFolder : kLongestFile;
+        const std::size_t most = entry.isFolder ? kLongestFolder : kLongestPath;
         if (length <= most || !MayAdd(tooLong_)) return;
         const std::string what = "In a copy, the path would have " + std::to_string(length) +
                                  " characters; Windows takes " + std::to_string(most) + ".";

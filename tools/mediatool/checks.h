@@ -10,6 +10,10 @@
 
 namespace launcher::mediatool {
 
+// The flavours that a media can have, the launcher's first choice first.
+inline constexpr const char* kFlavours[] = {"win_b64", "win_csa64", "intel_a"};
+inline constexpr char kFlavourMarkerExtension[] = ".installos";
+
 // What the checks look at.
 struct Subject {
     MediaSet set;

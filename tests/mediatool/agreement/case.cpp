@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <random>
+#include <stdexcept>
 
 #include "tests/support/wine.h"
 #include "tools/mediatool/markers.h"
@@ -16,12 +17,12 @@ constexpr const char* kFlavours[] = {"win_b64", "win_csa64", "intel_a"};
 constexpr const char* kInstallers[] = {"ZEPInsAppliGUI.exe", "ZEPInsPipeServer.exe",
                                        "ZEPInsAppliODT.exe"};
 
-// A second name for a file of the build costs nothing; where the disk is another, a copy.
+// A copy, for all its bytes: while another test runs a program, no other name of the same file can
+// be removed.
 void PutProgram(const char* builtFile, const stdfs::path& destination) {
     stdfs::create_directories(destination.parent_path());
-    const stdfs::path source = BuiltFile(builtFile);
-    if (!CreateHardLinkW(destination.c_str(), source.c_str(), nullptr))
-        CopyFileW(source.c_str(), destination.c_str(), FALSE);
+    if (!CopyFileW(BuiltFile(builtFile).c_str(), destination.c_str(), FALSE))
+        throw std::runtime_error("cannot write " + ToUtf8(destination));
 }
 
 void Put(const stdfs::path& file, const std::string& content = {}) {
@@ -210,7 +211,6 @@ class Maker {
         variables["DEBUGCMD_INSTALLK7"] = "\"" + ToUtf8(folder_ / "prefix.exe") + "\" -x";
     }
 
-    // Removed first: a text written into a second name of the build's program would be in that.
     void ReplaceInstallers(bool byFolders) {
         for (const stdfs::path& installer : installers_) {
             stdfs::remove(installer);

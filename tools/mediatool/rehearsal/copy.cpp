@@ -39,8 +39,8 @@ DWORD ErrorOfMakingFolderIn(const Path& folder) {
 
 // The error of CreateDirectoryW, as far as it can be told without calling it; 0 for none.
 DWORD ErrorOfMaking(const Path& folder) {
-    constexpr std::size_t kLongest = 247;  // characters
-    if (mediatool::LengthInRun(folder.Text()) > kLongest) return ERROR_FILENAME_EXCED_RANGE;
+    if (mediatool::LengthInRun(folder.Text()) > mediatool::kLongestFolder)
+        return ERROR_FILENAME_EXCED_RANGE;
     const Path parent = Parent(folder);
     if (IsPretended(parent)) return ERROR_SUCCESS;
     // A look at the folder fails as its creation would, for its name or for what leads to it,
@@ -99,20 +99,19 @@ void ThrowUnreadable(const std::string& source, DWORD error) {
 }
 
 void PretendToCopyFile(const std::string& source, const std::string& destination) {
-    constexpr std::size_t kLongest = 259;  // characters
     const FileHandle file = OpenSharedFile(ToWide(source), GENERIC_READ, OPEN_EXISTING);
     const DWORD error = GetLastError();
     if (!file) ThrowUnreadable(source, error);
     LARGE_INTEGER size{};
     GetFileSizeEx(file.Get(), &size);
-    if (mediatool::LengthInRun(destination) > kLongest) {
+    if (mediatool::LengthInRun(destination) > mediatool::kLongestPath) {
         SetLastError(ERROR_PATH_NOT_FOUND);
         ThrowLastErrorAsErrno("Cannot write into ", destination);
     }
     PretendedCopy& copy = CurrentRehearsal()->journal.copy;
     // A file that is copied over another takes the room of one.
     const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
-    mediatool::CopiedFile& copied = copy.contents[mediatool::CopyKey(Path(destination))];
+    mediatool::PretendedFile& copied = copy.contents[mediatool::CopyKey(Path(destination))];
     copied.source = source;
     copy.bytes += bytes - std::exchange(copied.bytes, bytes);
     copy.files = copy.contents.size();

@@ -16,8 +16,6 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kLongest = 259;  // characters of a program's path
-
 struct SectionTraits {
     using Value = HANDLE;
     static Value None() { return nullptr; }
@@ -105,7 +103,7 @@ Verdict Judge(const std::wstring& name) {
     if (fits && (GetFileAttributesW(found) & FILE_ATTRIBUTE_DIRECTORY) == 0)
         return {true, ImageError(found)};
     if (IsSearchedFor(name)) return {false, ERROR_FILE_NOT_FOUND};
-    if (name.size() > kLongest) return {false, ERROR_PATH_NOT_FOUND};
+    if (name.size() > kLongestPath) return {false, ERROR_PATH_NOT_FOUND};
     // The reason is that of an attempt to open it: a folder cannot be.
     const FileHandle file = OpenSharedFile(name, GENERIC_READ, OPEN_EXISTING);
     if (!file) return {false, GetLastError()};

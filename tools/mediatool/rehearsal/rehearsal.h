@@ -44,13 +44,13 @@ struct Lookup {
     bool found;
 };
 
-struct CopiedFile {
+struct PretendedFile {
     std::string source;
     std::uint64_t bytes = 0;
 };
 
 struct PretendedCopy {
-    std::map<std::string, CopiedFile> contents;  // by CopyKey of the copy's path
+    std::map<std::string, PretendedFile> contents;  // by CopyKey of the copy's path
     std::size_t files = 0;
     std::uint64_t bytes = 0;
     std::optional<std::uint64_t> room;  // bytes free at the target; unknown without it
