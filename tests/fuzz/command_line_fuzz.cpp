@@ -66,15 +66,11 @@ void CheckSplit(const std::string& line, const CommandLineParts& parts,
 }
 
 }  // namespace
-}  // namespace launcher::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace launcher;
-    using namespace launcher::fuzz;
-    Input input(data, size);
+void TestOneInput(Input input) {
     const CommandLineParts parts = TakeParts(input);
     // A path that would not stay as it is stands for no media folder.
-    if (MakePath(parts.mediaDir).Text() != parts.mediaDir) return 0;
+    if (MakePath(parts.mediaDir).Text() != parts.mediaDir) return;
     LaunchOptions options = OptionsFor(parts);
     const std::string line = BuildInstallerCommandLine(options);
 
@@ -97,5 +93,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                    ReadQuotedRow(line.substr(start.size())).value_or(std::vector<std::string>{"?"}),
                    arguments);
     CheckSplit(line, parts, arguments);
-    return 0;
 }
+
+}  // namespace launcher::fuzz

@@ -148,12 +148,8 @@ void CheckError(const std::string& given, const ReportedError& actual,
 }
 
 }  // namespace
-}  // namespace launcher::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace launcher;
-    using namespace launcher::fuzz;
-    Input input(data, size);
+void TestOneInput(Input input) {
     Case given = TakeCase(input);
     const OptionsModel expected = ReadOptions(given.question);
     const bool valueIsMissing = expected.error && expected.error->starts_with("Bad ");
@@ -173,5 +169,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     CheckEqual("SetEnvVar", shown, Flatten(environment.Assignments()),
                Flatten(expected.assignments));
-    return 0;
 }
+
+}  // namespace launcher::fuzz

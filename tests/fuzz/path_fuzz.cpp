@@ -30,12 +30,8 @@ void CheckAscent(const std::string& given, Path path, PathModel model) {
 }
 
 }  // namespace
-}  // namespace launcher::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace launcher;
-    using namespace launcher::fuzz;
-    Input input(data, size);
+void TestOneInput(Input input) {
     const std::string left = input.Text(kAlphabet);
     const std::string right = input.Text(kAlphabet);
 
@@ -50,5 +46,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string normalised = left;
     NormalizePathText(normalised);
     CheckEqual("NormalizePathText", left, normalised, SplitPath(left).Text());
-    return 0;
 }
+
+}  // namespace launcher::fuzz

@@ -21,12 +21,8 @@ std::string RootedText(Input& input) {
 }
 
 }  // namespace
-}  // namespace launcher::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace launcher;
-    using namespace launcher::fuzz;
-    Input input(data, size);
+void TestOneInput(Input input) {
     const std::string base = RootedText(input);
     // Often what lies below the base.
     const std::string target =
@@ -37,5 +33,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string given = base + " -> " + target;
     CheckEqual("RelativePath", given, result.Text(), expected.Text());
     CheckEqual("RelativePath", given, result.RootEnd(), expected.RootEnd());
-    return 0;
 }
+
+}  // namespace launcher::fuzz

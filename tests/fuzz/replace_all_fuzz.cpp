@@ -29,13 +29,9 @@ Replaced CopyWithReplacements(std::string_view text, std::string_view find,
 }
 
 }  // namespace
-}  // namespace launcher::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace launcher;
-    using namespace launcher::fuzz;
+void TestOneInput(Input input) {
     constexpr std::string_view kAlphabet = "ab\\\n";
-    Input input(data, size);
     const std::size_t start = input.Below(16);  // past the end of a short text too
     std::string find = input.Text(kAlphabet);
     if (find.empty()) find = "\\\\";
@@ -49,5 +45,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckEqual("ReplaceAll", given, actual, expected.text);
     CheckEqual("ReplaceAll", given, static_cast<std::int64_t>(count),
                static_cast<std::int64_t>(expected.count));
-    return 0;
 }
+
+}  // namespace launcher::fuzz

@@ -92,20 +92,18 @@ Twister StartSequence() {
 }
 
 }  // namespace
+
+void TestOneInput(Input input) {
+    static Twister twister = StartSequence();
+    do {
+        CheckNext(twister, input.Below(2) == 0);
+    } while (!input.AtEnd());
+}
+
 }  // namespace launcher::fuzz
 
 // In the place of the library's own. The fuzzer times its runs with it too.
 std::chrono::system_clock::time_point std::chrono::system_clock::now() noexcept {
     using namespace launcher::fuzz;
     return time_point(nanoseconds(toldTime != 0 ? toldTime : ClockNow()));
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace launcher::fuzz;
-    static Twister twister = StartSequence();
-    Input input(data, size);
-    do {
-        CheckNext(twister, input.Below(2) == 0);
-    } while (!input.AtEnd());
-    return 0;
 }

@@ -67,12 +67,8 @@ void CheckLines(const std::string& bytes, const TextFile& file) {
 }
 
 }  // namespace
-}  // namespace launcher::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace launcher;
-    using namespace launcher::fuzz;
-    Input input(data, size);
+void TestOneInput(Input input) {
     const int fallback = static_cast<int>(input.Byte()) - 128;
     const std::string bytes = FileText(input);
     const TextFile file = SplitLines(bytes);
@@ -92,5 +88,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         CheckEqual("ParseVolumeCount", bytes, actual->line, first);
         CheckEqual<std::int64_t>("ParseVolumeCount", bytes, actual->count, *expected);
     }
-    return 0;
 }
+
+}  // namespace launcher::fuzz

@@ -7,6 +7,7 @@
 #include <map>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "tests/mediatool/support/sample_media.h"
 
@@ -57,6 +58,25 @@ inline const Validation& WithoutMistakes(Layout layout) {
     return validations.emplace(layout, SampleMedia(layout).Validate()).first->second;
 }
 
-class MistakeTest : public testing::TestWithParam<Mistake> {};
+class MistakeTest : public testing::TestWithParam<Mistake> {
+  protected:
+    // Makes the mistake in a media that did not have it. It is found by its name, and all is said
+    // about it.
+    static void ExpectToBeFound(const Mistake& mistake) {
+        ASSERT_FALSE(WithoutMistakes(mistake.layout).findings.Has(mistake.id))
+            << "before the mistake was made";
+        SampleMedia media(mistake.layout);
+        mistake.make(media);
+        const Validation validation = media.Validate();
+        const std::vector<Finding> findings = validation.findings.Sorted();
+        const auto found = std::ranges::find(findings, mistake.id, &Finding::id);
+        ASSERT_NE(found, findings.end()) << "found only: " << Ids(validation);
+        EXPECT_EQ(found->level, mistake.level);
+        EXPECT_FALSE(found->file.empty());
+        EXPECT_FALSE(found->what.empty());
+        EXPECT_FALSE(found->why.empty());
+        EXPECT_FALSE(found->action.empty());
+    }
+};
 
 }  // namespace launcher::test

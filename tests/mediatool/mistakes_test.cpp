@@ -13,20 +13,7 @@ constexpr char kCount[] = "inst/volumes.txt";
 constexpr Layout kPlain = Layout::NotSplit;
 
 TEST_P(MistakeTest, IsFoundByItsName) {
-    const Mistake& mistake = GetParam();
-    ASSERT_FALSE(WithoutMistakes(mistake.layout).findings.Has(mistake.id))
-        << "before the mistake was made";
-    SampleMedia media(mistake.layout);
-    mistake.make(media);
-    const Validation validation = media.Validate();
-    const std::vector<Finding> findings = validation.findings.Sorted();
-    const auto found = std::ranges::find(findings, mistake.id, &Finding::id);
-    ASSERT_NE(found, findings.end()) << "found only: " << Ids(validation);
-    EXPECT_EQ(found->level, mistake.level);
-    EXPECT_FALSE(found->file.empty());
-    EXPECT_FALSE(found->what.empty());
-    EXPECT_FALSE(found->why.empty());
-    EXPECT_FALSE(found->action.empty());
+    ExpectToBeFound(GetParam());
 }
 
 using Media = SampleMedia;

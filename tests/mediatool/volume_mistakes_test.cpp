@@ -10,16 +10,7 @@ constexpr char kTwo[] = "../2/2.txt";
 class VolumeMistakeTest : public MistakeTest {};
 
 TEST_P(VolumeMistakeTest, IsFoundByItsName) {
-    const Mistake& mistake = GetParam();
-    ASSERT_FALSE(WithoutMistakes(mistake.layout).findings.Has(mistake.id))
-        << "before the mistake was made";
-    SampleMedia media(mistake.layout);
-    mistake.make(media);
-    const Validation validation = media.Validate();
-    const std::vector<Finding> findings = validation.findings.Sorted();
-    const auto found = std::ranges::find(findings, mistake.id, &Finding::id);
-    ASSERT_NE(found, findings.end()) << "found only: " << Ids(validation);
-    EXPECT_EQ(found->level, mistake.level);
+    ExpectToBeFound(GetParam());
 }
 
 using Media = SampleMedia;

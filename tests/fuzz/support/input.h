@@ -28,4 +28,7 @@ class Input {
     std::string_view rest_;
 };
 
+// The target: one input, the launcher's answers against the models'.
+void TestOneInput(Input input);
+
 }  // namespace launcher::fuzz
