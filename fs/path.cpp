@@ -24,11 +24,11 @@ void StripOuterQuotes(std::string& text) {
     if (!text.empty()) text.pop_back();
 }
 
-// The index of the last character of a network path's share name, for a text that begins with two
-// backslashes; kNotAnalysed when there is no server or no share.
+// The index of the last character of a network path's share name, for a normalised text that begins
+// with two backslashes; kNotAnalysed without a share.
 std::int64_t ShareEnd(const std::string& text) {
     const std::size_t serverEnd = text.find(kSeparator, 2);
-    if (serverEnd == std::string::npos || serverEnd + 1 >= text.size()) return Path::kNotAnalysed;
+    if (serverEnd == std::string::npos) return Path::kNotAnalysed;
     const std::size_t shareEnd = text.find(kSeparator, serverEnd + 1);
     return static_cast<std::int64_t>(shareEnd == std::string::npos ? text.size() : shareEnd) - 1;
 }

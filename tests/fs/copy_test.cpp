@@ -86,6 +86,15 @@ TEST_F(CopyTest, TruncatesALargerDestination) {
     EXPECT_EQ(Read(copy_), "content");
 }
 
+TEST_F(CopyTest, OfABareNameIsInTheCurrentFolder) {
+    wchar_t before[MAX_PATH];
+    GetCurrentDirectoryW(MAX_PATH, before);
+    SetCurrentDirectoryW(ToWide(folder_.Text()).c_str());
+    CopyOneFile("source", "copy");
+    SetCurrentDirectoryW(before);
+    EXPECT_EQ(Read(copy_), "content");
+}
+
 TEST_F(CopyTest, MakesMissingFoldersAndTakesForwardSlashes) {
     CopyOneFile(folder_.Text() + "/source", folder_.Text() + "/a/b//copy");
     EXPECT_EQ(Read(folder_.Text("a\\b\\copy")), "content");

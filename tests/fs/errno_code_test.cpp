@@ -33,6 +33,7 @@ TEST(ErrnoFromWindowsError, GivesTheRuntimesValue) {
         std::pair{DWORD{ERROR_ALREADY_EXISTS}, EEXIST},
         std::pair{DWORD{ERROR_BROKEN_PIPE}, EPIPE},
         std::pair{DWORD{ERROR_DISK_FULL}, ENOSPC},
+        std::pair{DWORD{ERROR_INVALID_FUNCTION}, EINVAL},
         std::pair{DWORD{ERROR_INVALID_NAME}, EINVAL},
         std::pair{DWORD{ERROR_BAD_LENGTH}, EACCES},
         std::pair{DWORD{ERROR_SHARING_BUFFER_EXCEEDED + 1}, EINVAL},
