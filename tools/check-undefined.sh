@@ -15,7 +15,7 @@ flags="-fsanitize=undefined -fsanitize-undefined-trap-on-error -D_GLIBCXX_ASSERT
 # Warnings are for the ordinary builds: the checks make the compiler see faults in its own library.
 # They also make it emit more of that library into each object, and the linker takes whole objects:
 # where a test has its own version of a product function, its own counts.
-cmake --preset mingw-debug -B "$build" -DCMAKE_CXX_FLAGS="$flags -w" \
+cmake --preset mingw-debug -B "$build" -DLAUNCHER_JOIN_SOURCES=ON -DCMAKE_CXX_FLAGS="$flags -w" \
     -DCMAKE_EXE_LINKER_FLAGS=-Wl,--allow-multiple-definition >/dev/null
 tests=$(ninja -C "$build" -t targets all | sed -n \
     's,^\(tests/\(fs\|platform\|launcher\|media\|installer\)/.*_test\.exe\):.*,\1,p')

@@ -5,7 +5,7 @@
 function(count_product)
   foreach(target fs platform launcher_base media installer launcher setup)
     target_compile_options(${target} PRIVATE
-      "$<$<COMPILE_LANGUAGE:CXX>:--coverage;-O0;-fprofile-abs-path;-fprofile-dir=Z:${COVERAGE_DATA}>")
+      "$<$<COMPILE_LANGUAGE:CXX>:--coverage;-O0;-fprofile-dir=Z:${COVERAGE_DATA}>")
   endforeach()
   # Counting makes the compiler emit more of the standard library into each object, and the linker
   # takes whole objects: where a test has its own version of a product function, its own counts.

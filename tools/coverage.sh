@@ -22,7 +22,8 @@ fi
 
 if [ $run_tests = yes ]; then
     command -v gcovr >/dev/null || tools/install-tools.sh gcovr
-    cmake --preset mingw-debug -B "$build" -DCMAKE_PROJECT_INCLUDE="$PWD/tools/coverage.cmake" \
+    cmake --preset mingw-debug -B "$build" -DLAUNCHER_JOIN_SOURCES=ON \
+        -DCMAKE_PROJECT_INCLUDE="$PWD/tools/coverage.cmake" \
         -DCOVERAGE_DATA="$data" >/dev/null
     cmake --build "$build" -j "${JOBS:-$(nproc)}"
     rm -rf "$data"
