@@ -46,9 +46,7 @@ ComPtr<IShellItem> StartFolder(const LaunchOptions& options) {
 // has already stored what counts.
 bool HasFolderResult(const ComPtr<IFileDialog>& dialog) {
     ComPtr<IShellItem> result;
-    if (FAILED(dialog->GetResult(result.Put()))) return false;
-    ComMemory<wchar_t> path;
-    return SUCCEEDED(result->GetDisplayName(SIGDN_FILESYSPATH, path.Put()));
+    return SUCCEEDED(dialog->GetResult(result.Put())) && FileSystemPath(result.Get());
 }
 
 }  // namespace

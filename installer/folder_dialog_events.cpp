@@ -3,7 +3,6 @@
 #include <shlwapi.h>
 
 #include "fs/encoding.h"
-#include "installer/com.h"
 #include "media/installer_media.h"
 
 namespace launcher {
@@ -17,6 +16,13 @@ HWND OkButton(const ComPtr<IOleWindow>& dialog) {
 }
 
 }  // namespace
+
+ComMemory<wchar_t> FileSystemPath(IShellItem* folder) {
+    wchar_t* path = nullptr;
+    // Owned after success only: a shell may leave there what it has released already (Wine's does).
+    if (FAILED(folder->GetDisplayName(SIGDN_FILESYSPATH, &path))) return {};
+    return ComMemory<wchar_t>(path);
+}
 
 IFACEMETHODIMP FolderDialogEvents::QueryInterface(REFIID iid, void** object) {
     static const QITAB interfaces[] = {{&IID_IFileDialogEvents, 0}, {nullptr, 0}};
@@ -34,9 +40,8 @@ IFACEMETHODIMP_(ULONG) FolderDialogEvents::Release() {
 }
 
 IFACEMETHODIMP FolderDialogEvents::OnFolderChanging(IFileDialog* dialog, IShellItem* folder) {
-    ComMemory<wchar_t> path;
-    // A virtual folder, such as This PC, has no path and changes nothing.
-    if (FAILED(folder->GetDisplayName(SIGDN_FILESYSPATH, path.Put()))) return S_OK;
+    const ComMemory<wchar_t> path = FileSystemPath(folder);
+    if (!path) return S_OK;  // a virtual folder changes nothing
     ComPtr<IOleWindow> window;
     if (FAILED(dialog->QueryInterface(IID_PPV_ARGS(window.Put())))) return S_OK;
     const HWND button = OkButton(window);

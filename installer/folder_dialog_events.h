@@ -4,9 +4,15 @@
 // windows.h first: the shell headers need it.
 #include <shobjidl.h>
 
+#include "installer/com.h"
+
 namespace launcher {
 
 class LaunchOptions;
+
+// The path of a shell folder, UTF-16; none for a virtual one, such as This PC. Needs an apartment.
+// https://learn.microsoft.com/windows/win32/api/shobjidl_core/nf-shobjidl_core-ishellitem-getdisplayname
+ComMemory<wchar_t> FileSystemPath(IShellItem* folder);
 
 // Handles the events of the folder dialog: each time the dialog is about to enter a folder, the
 // installer is looked for in it, quietly, and the OK button is shown when it is there and hidden

@@ -14,7 +14,11 @@ constexpr DWORD kCookie = 42;
 
 IFACEMETHODIMP FakeShellItem::GetDisplayName(SIGDN form, LPWSTR* name) {
     Record(form == SIGDN_FILESYSPATH ? "path of a folder" : "another name of a folder");
-    if (path.empty()) return E_INVALIDARG;
+    if (path.empty()) {
+        static wchar_t notYours[] = L"";
+        *name = notYours;
+        return E_INVALIDARG;
+    }
     *name = static_cast<wchar_t*>(CoTaskMemAlloc((path.size() + 1) * sizeof(wchar_t)));
     std::wmemcpy(*name, path.c_str(), path.size() + 1);
     return S_OK;

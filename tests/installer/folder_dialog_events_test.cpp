@@ -146,6 +146,7 @@ TEST_F(FolderDialogEventsTest, LeaveTheButtonOnAFolderWithoutAPath) {
     Enter(&folder_);
     EXPECT_TRUE(window_.ShowsButton());
     EXPECT_THAT(test::journal, ElementsAre("path of a folder"));
+    EXPECT_EQ(test::below.freed, 0u) << "what the shell left there";
 }
 
 TEST_F(FolderDialogEventsTest, LookNowhereForADialogWithoutAWindow) {

@@ -106,6 +106,7 @@ TEST_F(FolderDialogTest, HasAResultWithoutAPath) {
     EXPECT_FALSE(SelectInstallerFolder(options_));
     EXPECT_THAT(AfterShow(),
                 ElementsAre("GetResult", "path of a folder", "Unadvise, events held by 1"));
+    EXPECT_EQ(test::below.freed, 0u) << "what the shell left there";
 }
 
 TEST_F(FolderDialogTest, DoesNotExist) {
