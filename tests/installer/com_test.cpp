@@ -95,5 +95,27 @@ TEST(ComApartment, CreatesNothingOnASystemWithoutCom) {
               E_NOTIMPL);
 }
 
+void* freedMemory = nullptr;
+
+// In place of CoTaskMemFree.
+void WINAPI RecordMemory(void* memory) {
+    freedMemory = memory;
+}
+
+TEST(ComMemory, IsFreedByTheFunctionOfCom) {
+    const ComApartment apartment;
+    int memory = 0;
+    {
+        const test::Hook<decltype(&GetProcAddress)> hook(
+            "GetProcAddress", [](auto real, HMODULE library, LPCSTR name) {
+                return std::string(name) == "CoTaskMemFree"
+                           ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&RecordMemory))
+                           : real(library, name);
+            });
+        const ComMemory<int> owner(&memory);
+    }
+    EXPECT_EQ(freedMemory, &memory);
+}
+
 }  // namespace
 }  // namespace launcher
