@@ -37,9 +37,10 @@ class Tree:
         """Copies what has changed, builds it and keeps the result to go back to."""
         self.copy_sources()
         launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
-        # Without debug information and with tests that are compiled several at a time, as linking
-        # takes the longest, and without warnings: a change is no mistake of style. Where a test has its own version of a product function, its own
-        # counts, even when the linker needs something else of the product's object.
+        # Without debug information and with tests compiled several at a time, as linking takes the
+        # longest, and without warnings: a change is no mistake of style. Where a test has its own
+        # version of a product function, its own counts, even when the linker needs something else
+        # of the product's object.
         self.call(["cmake", "--preset", "mingw-debug", "-B", self.build_folder,
                    "-DLAUNCHER_JOIN_SOURCES=ON",
                    "-DCMAKE_CXX_FLAGS=-w", "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
