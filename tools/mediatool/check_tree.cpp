@@ -1,4 +1,5 @@
-// Every file and folder below inst, which are what a copy is made of: names, lengths and links.
+// Every file and folder below inst, which are what a copy is made of: names, lengths, rights and
+// links.
 
 #include <windows.h>
 
@@ -67,6 +68,19 @@ class Tree {
             CheckLink(path, entry);
         else if (entry.isFolder)
             Check(Path(path));
+        else if (!CanBeRead(path))
+            ReportUnreadable(path);
+    }
+
+    // Of the installers and the count file that is said elsewhere.
+    void ReportUnreadable(const std::string& path) {
+        const auto names = [&path](const Finding& finding) {
+            return finding.id.ends_with("-unreadable") && SameName(finding.file, path);
+        };
+        if (std::ranges::any_of(out_.Sorted(), names) || !MayAdd(unreadable_)) return;
+        out_.Error("file-unreadable", path, "The file cannot be read.",
+                   "A copy of the media fails, and so may the installation.",
+                   "Give everybody the right to read it, and close the program that has it open.");
     }
 
     void CheckName(const std::string& path, const Entry& entry) {
@@ -137,6 +151,7 @@ class Tree {
     std::size_t count_ = 0;
     std::size_t outsideOem_ = 0;
     std::size_t tooLong_ = 0;
+    std::size_t unreadable_ = 0;
 };
 
 }  // namespace
