@@ -126,6 +126,10 @@ const Mistake kCountFileMistakes[] = {
                                           "3\0",
                                           4));
      }},
+    {"count-file-utf16", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kCount, std::string_view("3\0\r\0\n\0", 6)); }, "WithoutAMark"},
+    {"count-file-utf16", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kCount, std::string_view("\0003\0\r\0\n", 6)); }, "BigEndian"},
     {"count-file-empty", Level::Error, Layout::Siblings, [](Media& m) { m.Write(kCount, ""); }},
     {"count-file-blank-line-first", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kCount, "\r\n3\r\n"); }},
