@@ -204,12 +204,13 @@ constexpr char kOurs[] = "MTBDIR=SET\r\n";
 INSTANTIATE_TEST_SUITE_P(
     Layouts, StaleMarker,
     testing::Values(Leftover{"BeyondTheCount", Layout::OneFolder, "out/3.txt", kOld},
-                    Leftover{"BesideOneFolder", Layout::OneFolder, "2/2.txt", kOurs},
                     Leftover{"InVolumeOne", Layout::Siblings, "out/1/2.txt", kOld},
                     Leftover{"InVolumeTwo", Layout::Siblings, "out/2/1.txt", kOld},
                     Leftover{"VolumeBeyondTheCount", Layout::Siblings, "out/3/3.txt", kOurs},
                     Leftover{"InVolumeOneOfOuter", Layout::Outer, "out/7/media/1/2.txt", kOld},
                     Leftover{"BesideVolumeOneOfOuter", Layout::Outer, "out/7/media/2/2.txt", kOld},
+                    Leftover{"OuterBeyondTheCount", Layout::Outer, "out/9/media/3/3.txt", kOurs},
+                    Leftover{"OuterOfLowerNumber", Layout::Outer, "out/6/media/2/2.txt", kOurs},
                     Leftover{"AboveVolumeOne", Layout::Outer, "out/7/media/5.txt", "notes", true},
                     Leftover{"OfTheSameNumber", Layout::Outer, "out/7/media/7.txt", kOld, true},
                     Leftover{"InTheOuterVolume", Layout::Outer, "out/7/12.txt", kOld, true},
@@ -222,6 +223,18 @@ TEST_F(Creating, RefusesAMarkerOfAnotherVolumeInTheContent) {
     request.from = {scratch.Text("one"), scratch.Text("two")};
     EXPECT_THAT(Complaint(), testing::StartsWith("refused: \"" + marker + "\" is the marker of"));
     EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
+// With all volumes in one folder the launcher never looks beside it.
+TEST_F(Creating, LeavesWhatIsBesideOneFolderAlone) {
+    request.layout = Layout::OneFolder;
+    scratch.Write("2/2.txt", kOurs);
+    EXPECT_EQ(Complaint(), "none");
+    mediatool::ValidateRequest check;
+    check.folders = {request.out};
+    const Validation validation = mediatool::Validate(check);
+    EXPECT_EQ(validation.view.layout, Layout::OneFolder);
+    EXPECT_THAT(Ids(validation), testing::Not(testing::HasSubstr("volume-")));
 }
 
 // Volumes of other sets are not in the way.
