@@ -83,7 +83,8 @@ void CheckEachWindows(const Subject& subject, Findings& out) {
     const bool exe32 = HasExe(subject, "intel_a");
     const bool marker32 = HasMarker(subject, "intel_a");
     if (!exe64 && !marker64 && !exe32 && !marker32) {
-        out.Error("not-for-windows", inst, "There is neither an installer nor a marker in it.",
+        out.Error("not-for-windows", inst,
+                  "inst holds neither an installer nor a marker of Windows.",
                   "The launcher refuses the media on every Windows: \"This media is not for "
                   "Windows operating system.\"",
                   "Add inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe, or "
