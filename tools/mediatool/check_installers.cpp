@@ -24,6 +24,10 @@ Path ExeOf(const Subject& subject, const char* flavour) {
 }
 
 void CheckMachine(const char* flavour, const Path& exe, const ProgramFile& program, Findings& out) {
+    if (program.isCutOff)
+        out.Error("installer-cut-off", exe.Text(), "The installer is shorter than its headers say.",
+                  "Windows cannot start it; a copy of the file was broken off.",
+                  "Copy it again, and compare the sizes.");
     if (program.isLibrary)
         out.Error("installer-is-library", exe.Text(), "The installer is a library, not a program.",
                   "Windows cannot start it.", "Put the installer in its place.");
