@@ -142,6 +142,13 @@ TEST_F(Command, WrongUse) {
     EXPECT_THAT(
         Complaint({"create", "--id", "X", "--layout", "2", "--volumes", "2", scratch.Text("out")}),
         HasSubstr("{one-folder,siblings,outer}"));
+    for (const std::string volumes : {"x", "2x", "", "99999999999"})
+        EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", "siblings", "--volumes", volumes,
+                             scratch.Text("out")}),
+                  "mediatool: --volumes takes a number from 1 to 99, not \"" + volumes + "\".\n");
+    EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", "outer", "--volumes", "2",
+                         "--first-outer", "x", scratch.Text("out")}),
+              "mediatool: --first-outer takes a number from 1 to 99, not \"x\".\n");
     for (const std::string option : {"--outer-id", "--first-outer", "--inner"})
         EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", "siblings", "--volumes", "2",
                              option, "3", scratch.Text("out")}),

@@ -1,8 +1,12 @@
 // Content that mediatool would lose, and markers of other sets that would spoil a new one.
 
+#include <windows.h>
+
 #include <filesystem>
 
+#include "fs/encoding.h"
 #include "tests/mediatool/creating.h"
+#include "tests/support/links.h"
 
 namespace launcher::test {
 namespace {
@@ -39,6 +43,122 @@ TEST_F(Creating, RefusesContentThatIsNoMarkerButHasItsName) {
     EXPECT_EQ(Complaint(), "wrong use: \"" + scratch.Text("two\\2.txt") +
                                "\" has the name of a volume's marker and is none; rename it.");
     EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
+// A folder that is written into is the source of another volume, under another name.
+class OtherNames : public Creating {
+  protected:
+    OtherNames() {
+        request.force = true;
+        scratch.Write("out/1/a.bin", "1");
+        scratch.Write("out/2/a.bin", "2");
+    }
+
+    void ExpectRefusal(const std::vector<std::string>& from, const std::string& end) {
+        request.from = from;
+        const Tree before = TreeBelow(scratch.Dir());
+        const std::string complaint = Complaint();
+        EXPECT_THAT(complaint, testing::StartsWith("wrong use: "));
+        EXPECT_THAT(complaint, testing::EndsWith(end));
+        EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+    }
+
+    static constexpr char kOneAnother[] = " and the folder to write into are in one another.";
+};
+
+TEST_F(OtherNames, OfAnyLength) {
+    const std::string out = "\\\\?\\" + scratch.Text("out");
+    ExpectRefusal({out + "\\2", out + "\\1"}, kOneAnother);
+}
+
+TEST_F(OtherNames, OnAnotherDrive) {
+    const MappedDrive drive(scratch.Dir());
+    const std::string out = ToUtf8(drive.Root()) + "out";
+    ExpectRefusal({out + "\\2", out + "\\1"}, kOneAnother);
+}
+
+TEST_F(OtherNames, OfADrivesRoot) {
+    scratch.Write("one/b.bin");
+    const MappedDrive drive(scratch.Dir() / "out" / "2");
+    ExpectRefusal({scratch.Text("one"), ToUtf8(drive.Root())}, kOneAnother);
+}
+
+TEST_F(OtherNames, OfLinksThatLeadToTheContentCrosswise) {
+    scratch.MakeDir("linked");
+    const FolderLink one(scratch.Dir() / "linked" / "1", scratch.Dir() / "out" / "2");
+    const FolderLink two(scratch.Dir() / "linked" / "2", scratch.Dir() / "out" / "1");
+    request.out = scratch.Text("linked");
+    ExpectRefusal({scratch.Text("out\\1"), scratch.Text("out\\2")}, kOneAnother);
+}
+
+TEST_F(OtherNames, OfALinkBelowAVolume) {
+    scratch.Write("one/data/a.bin", "1");
+    scratch.Write("two/data/a.bin", "2");
+    const FolderLink link(scratch.Dir() / "out" / "1" / "data", scratch.Dir() / "two" / "data");
+    ExpectRefusal({scratch.Text("one"), scratch.Text("two")}, " are the same file.");
+}
+
+TEST_F(OtherNames, OfOneFolderForTwoVolumes) {
+    scratch.Write("one/a.bin", "1");
+    scratch.Write("two/a.bin", "2");
+    scratch.MakeDir("linked");
+    const FolderLink link(scratch.Dir() / "linked" / "1", scratch.Dir() / "out" / "2");
+    const FolderLink other(scratch.Dir() / "linked" / "2", scratch.Dir() / "out" / "2");
+    request.out = scratch.Text("linked");
+    ExpectRefusal({scratch.Text("one"), scratch.Text("two")}, " are the same folder.");
+}
+
+// Files and folders in the way, below out, of a forced run that would overwrite out\1\a.bin first.
+class Obstacle : public Creating {
+  protected:
+    Obstacle() {
+        request.force = true;
+        scratch.Write("one/a.bin", "new");
+        scratch.Write("two/b.bin", "new");
+        scratch.Write("out/1/a.bin", "old");
+        request.from = {scratch.Text("one"), scratch.Text("two")};
+    }
+
+    void ExpectComplaint(const std::string& complaint) {
+        const Tree before = TreeBelow(scratch.Dir());
+        EXPECT_EQ(Complaint(), complaint);
+        EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+    }
+};
+
+TEST_F(Obstacle, IsAFolderWhereAFileIsToBe) {
+    for (const char* name : {"out\\2\\b.bin", "out\\2\\2.txt", "out\\1\\inst\\volumes.txt"}) {
+        scratch.MakeDir(name);
+        for (const bool force : {false, true}) {
+            request.force = force;
+            ExpectComplaint("wrong use: \"" + scratch.Text(name) +
+                            "\" is a folder, where a file is to be.");
+        }
+        stdfs::remove(FromUtf8(scratch.Text(name)));
+    }
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\a.bin"))), "new");
+}
+
+TEST_F(Obstacle, IsAFileWhereAFolderIsToBe) {
+    scratch.Write("two/data/c.bin");
+    scratch.MakeDir("two/empty");
+    for (const char* name : {"out\\2\\data", "out\\2\\empty", "out\\1\\inst", "out\\2"}) {
+        stdfs::remove(FromUtf8(scratch.Text("out\\2")));
+        scratch.Write(name);
+        ExpectComplaint("wrong use: \"" + scratch.Text(name) +
+                        "\" is a file, where a folder is to be.");
+        stdfs::remove(FromUtf8(scratch.Text(name)));
+    }
+}
+
+TEST_F(Obstacle, IsAFileThatCannotBeWritten) {
+    const std::string file = scratch.Write("out/2/2.txt", "old");
+    SetFileAttributesW(ToWide(file).c_str(), FILE_ATTRIBUTE_READONLY);
+    const Tree before = TreeBelow(scratch.Dir());
+    EXPECT_THAT(Complaint(), testing::StartsWith("refused: \"" + file + "\" cannot be written: "));
+    EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+    SetFileAttributesW(ToWide(file).c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 // What an older set left behind, in the folder that the new one of two volumes is written into.
@@ -84,12 +204,13 @@ constexpr char kOurs[] = "MTBDIR=SET\r\n";
 INSTANTIATE_TEST_SUITE_P(
     Layouts, StaleMarker,
     testing::Values(Leftover{"BeyondTheCount", Layout::OneFolder, "out/3.txt", kOld},
-                    Leftover{"BesideOneFolder", Layout::OneFolder, "2/2.txt", kOurs},
                     Leftover{"InVolumeOne", Layout::Siblings, "out/1/2.txt", kOld},
                     Leftover{"InVolumeTwo", Layout::Siblings, "out/2/1.txt", kOld},
                     Leftover{"VolumeBeyondTheCount", Layout::Siblings, "out/3/3.txt", kOurs},
                     Leftover{"InVolumeOneOfOuter", Layout::Outer, "out/7/media/1/2.txt", kOld},
                     Leftover{"BesideVolumeOneOfOuter", Layout::Outer, "out/7/media/2/2.txt", kOld},
+                    Leftover{"OuterBeyondTheCount", Layout::Outer, "out/9/media/3/3.txt", kOurs},
+                    Leftover{"OuterOfLowerNumber", Layout::Outer, "out/6/media/2/2.txt", kOurs},
                     Leftover{"AboveVolumeOne", Layout::Outer, "out/7/media/5.txt", "notes", true},
                     Leftover{"OfTheSameNumber", Layout::Outer, "out/7/media/7.txt", kOld, true},
                     Leftover{"InTheOuterVolume", Layout::Outer, "out/7/12.txt", kOld, true},
@@ -102,6 +223,18 @@ TEST_F(Creating, RefusesAMarkerOfAnotherVolumeInTheContent) {
     request.from = {scratch.Text("one"), scratch.Text("two")};
     EXPECT_THAT(Complaint(), testing::StartsWith("refused: \"" + marker + "\" is the marker of"));
     EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
+// With all volumes in one folder the launcher never looks beside it.
+TEST_F(Creating, LeavesWhatIsBesideOneFolderAlone) {
+    request.layout = Layout::OneFolder;
+    scratch.Write("2/2.txt", kOurs);
+    EXPECT_EQ(Complaint(), "none");
+    mediatool::ValidateRequest check;
+    check.folders = {request.out};
+    const Validation validation = mediatool::Validate(check);
+    EXPECT_EQ(validation.view.layout, Layout::OneFolder);
+    EXPECT_THAT(Ids(validation), testing::Not(testing::HasSubstr("volume-")));
 }
 
 // Volumes of other sets are not in the way.

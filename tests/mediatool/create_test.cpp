@@ -1,8 +1,12 @@
 // What mediatool creates: it is what validate calls clean and what the launcher finds whole.
 
+#include <windows.h>
+
 #include <filesystem>
 #include <map>
 
+#include "fs/encoding.h"
+#include "fs/owners.h"
 #include "tests/mediatool/creating.h"
 
 namespace launcher::test {
@@ -117,10 +121,18 @@ TEST_F(Creating, RefusesToOverwriteUnlessForced) {
 }
 
 TEST_F(Creating, TakesBackWhatItMadeWhenItFails) {
-    scratch.Write("out/2", "a file where a folder has to be");
-    EXPECT_THAT(Complaint(), testing::StartsWith("refused: \"" + scratch.Text("out\\2") + "\""));
-    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out\\1"))));
-    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2"))), "a file where a folder has to be");
+    scratch.Write("out/1/there.bin");
+    scratch.Write("one/a/b.bin");
+    const std::string locked = scratch.Write("two/c.bin");
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    const Tree before = TreeBelow(scratch.Dir());
+    {
+        const FileHandle lock(CreateFileW(ToWide(locked).c_str(), GENERIC_READ, 0, nullptr,
+                                          OPEN_EXISTING, 0, nullptr));
+        EXPECT_THAT(Complaint(),
+                    testing::StartsWith("refused: \"" + locked + "\" cannot be copied"));
+    }
+    EXPECT_EQ(TreeBelow(scratch.Dir()), before);
 }
 
 TEST_F(Creating, CopiesTheContentAndItsEmptyFolders) {

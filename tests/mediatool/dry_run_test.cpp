@@ -117,6 +117,11 @@ INSTANTIATE_TEST_SUITE_P(
         BadInstaller{"Empty", [](SampleMedia& m) { m.Write(kInstaller); }, ERROR_BAD_EXE_FORMAT},
         BadInstaller{"HeadersOnly", [](SampleMedia& m) { m.Write(kInstaller, ProgramBytes(kX64)); },
                      ERROR_BAD_EXE_FORMAT},
+        BadInstaller{"CutOff",
+                     [](SampleMedia& m) {
+                         std::filesystem::resize_file(FromUtf8(m.Text(kInstaller)), 5000);
+                     },
+                     ERROR_BAD_EXE_FORMAT},
         BadInstaller{"Library",
                      [](SampleMedia& m) { m.Write(kInstaller, ProgramBytes(kX64, true)); },
                      ERROR_BAD_EXE_FORMAT},

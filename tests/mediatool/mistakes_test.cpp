@@ -1,7 +1,13 @@
 // Every kind of mistake in the launcher's own part of a media, its installers, its flavour markers
 // and its count file.
 
+#include <windows.h>
+
+#include <filesystem>
+#include <utility>
+
 #include "tests/mediatool/mistake_row.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {
@@ -105,6 +111,28 @@ const Mistake kInstallerMistakes[] = {
 INSTANTIATE_TEST_SUITE_P(Installers, MistakeTest, testing::ValuesIn(kInstallerMistakes),
                          MistakeName);
 
+// What a copy leaves that was broken off.
+class CutOffPrograms : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+TEST_P(CutOffPrograms, AreFound) {
+    const auto [name, id] = GetParam();
+    const SampleMedia media;
+    const std::filesystem::path file = FromUtf8(media.Text(name));
+    CopyFileW(BuiltFile(SETUP_PROGRAM).c_str(), file.c_str(), FALSE);
+    EXPECT_FALSE(media.Validate().findings.Has(id));
+    std::filesystem::resize_file(file, std::filesystem::file_size(file) / 2);
+    const std::vector<Finding> findings = media.Validate().findings.Sorted();
+    EXPECT_EQ(findings.front().id, id);
+    EXPECT_EQ(findings.front().level, Level::Error);
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, CutOffPrograms,
+                         testing::Values(std::pair(kExe, "installer-cut-off"),
+                                         std::pair("setup.exe", "launcher-cut-off")),
+                         [](const auto& row) {
+                             return std::string(row.index == 0 ? "Installer" : "Launcher");
+                         });
+
 // The 32-bit refusal is in the ordinary media already: it must go when an installer comes.
 TEST(InstallerNotes, SayThatThereIsNothingFor32BitWindowsOnlyWhenThereIsNot) {
     SampleMedia media;
@@ -126,6 +154,10 @@ const Mistake kCountFileMistakes[] = {
                                           "3\0",
                                           4));
      }},
+    {"count-file-utf16", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kCount, std::string_view("3\0\r\0\n\0", 6)); }, "WithoutAMark"},
+    {"count-file-utf16", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kCount, std::string_view("\0003\0\r\0\n", 6)); }, "BigEndian"},
     {"count-file-empty", Level::Error, Layout::Siblings, [](Media& m) { m.Write(kCount, ""); }},
     {"count-file-blank-line-first", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kCount, "\r\n3\r\n"); }},

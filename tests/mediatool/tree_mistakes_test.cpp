@@ -162,7 +162,19 @@ TEST(LockedFiles, ARootEntry) {
 TEST(LockedFiles, AnInstaller) {
     const SampleMedia media;
     const LockedFile lock(media.Text(kExe));
-    ExpectFound(media.Validate(), "installer-unreadable", Level::Error);
+    const Validation validation = media.Validate();
+    ExpectFound(validation, "installer-unreadable", Level::Error);
+    EXPECT_FALSE(validation.findings.Has("file-unreadable"));
+}
+
+TEST(LockedFiles, AnyFileBelowInst) {
+    SampleMedia media;
+    media.Write("inst/data/part.bin", "part");
+    EXPECT_FALSE(media.Validate().findings.Has("file-unreadable"));
+    const LockedFile lock(media.Text("inst/data/part.bin"));
+    const Validation validation = media.Validate();
+    ExpectFound(validation, "file-unreadable", Level::Error);
+    EXPECT_EQ(validation.findings.Sorted().front().file, media.Text("inst\\data\\part.bin"));
 }
 
 TEST(LockedFiles, TheCountFile) {

@@ -19,7 +19,8 @@ constexpr char kUnread[] =
     "The launcher reads no number, looks for no volumes and copies the installer to the temporary "
     "folder.";
 constexpr char kHandedOn[] = "The line goes to the installer as it stands.";
-constexpr char kNumberOnly[] = "Write the number alone on the first line, with mediatool create.";
+constexpr char kNumberOnly[] =
+    "Write the number alone on the first line, with mediatool create --force.";
 
 // The mistakes in one count file, whose path is in every finding.
 class CountFile {
@@ -36,7 +37,7 @@ class CountFile {
             Error("count-file-unreadable", "The count file cannot be read.", kUnread);
         else if (bytes->empty())
             Error("count-file-empty", "The count file is empty.", kUnread);
-        else if (HasUtf16Mark(*bytes))
+        else if (IsUtf16(*bytes))
             Error("count-file-utf16", "The count file is in UTF-16.", kUnread);
         else if (bytes->starts_with(kUtf8Mark))
             Error("count-file-bom", "The count file begins with a byte-order mark.", kUnread);

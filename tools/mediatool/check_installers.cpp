@@ -24,6 +24,10 @@ Path ExeOf(const Subject& subject, const char* flavour) {
 }
 
 void CheckMachine(const char* flavour, const Path& exe, const ProgramFile& program, Findings& out) {
+    if (program.isCutOff)
+        out.Error("installer-cut-off", exe.Text(), "The installer is shorter than its headers say.",
+                  "Windows cannot start it; a copy of the file was broken off.",
+                  "Copy it again, and compare the sizes.");
     if (program.isLibrary)
         out.Error("installer-is-library", exe.Text(), "The installer is a library, not a program.",
                   "Windows cannot start it.", "Put the installer in its place.");
@@ -83,7 +87,8 @@ void CheckEachWindows(const Subject& subject, Findings& out) {
     const bool exe32 = HasExe(subject, "intel_a");
     const bool marker32 = HasMarker(subject, "intel_a");
     if (!exe64 && !marker64 && !exe32 && !marker32) {
-        out.Error("not-for-windows", inst, "There is neither an installer nor a marker in it.",
+        out.Error("not-for-windows", inst,
+                  "inst holds neither an installer nor a marker of Windows.",
                   "The launcher refuses the media on every Windows: \"This media is not for "
                   "Windows operating system.\"",
                   "Add inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe, or "

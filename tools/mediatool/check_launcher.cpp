@@ -32,6 +32,9 @@ void CheckProgram(const Path& file, Findings& out) {
                   "Nobody can start the installation.", putBack);
         return;
     }
+    if (program->isCutOff)
+        out.Error("launcher-cut-off", file.Text(), "setup.exe is shorter than its headers say.",
+                  "Windows cannot start it; a copy of the file was broken off.", putBack);
     if (!program->Is64Bit() && !program->Is32Bit())
         out.Error("launcher-wrong-machine", file.Text(),
                   "setup.exe is made for another kind of processor.",

@@ -32,7 +32,7 @@ class MarkerCheck {
             Error("volume-marker-unreadable", "The marker cannot be read.");
         else if (bytes->empty())
             Error("volume-marker-empty", "The marker is empty.");
-        else if (HasUtf16Mark(*bytes))
+        else if (IsUtf16(*bytes))
             Error("volume-marker-utf16", "The marker is in UTF-16.");
         else
             CheckBytes(*bytes);

@@ -1,4 +1,5 @@
-// Every file and folder below inst, which are what a copy is made of: names, lengths and links.
+// Every file and folder below inst, which are what a copy is made of: names, lengths, rights and
+// links.
 
 #include <windows.h>
 
@@ -6,7 +7,6 @@
 #include <vector>
 
 #include "fs/encoding.h"
-#include "fs/owners.h"
 #include "media/folder_names.h"
 #include "tools/mediatool/checks.h"
 #include "tools/mediatool/files.h"
@@ -32,22 +32,6 @@ bool IsOutsideOemCodePage(const std::string& name) {
 
 bool IsAscii(const std::string& text) {
     return std::ranges::all_of(text, [](char c) { return static_cast<signed char>(c) >= 0; });
-}
-
-// Which folder a path leads to in the end, links followed.
-struct Identity {
-    DWORD volume = 0;
-    DWORD high = 0;
-    DWORD low = 0;
-    bool operator==(const Identity&) const = default;
-};
-std::optional<Identity> IdentityOf(const std::string& path) {
-    const FileHandle folder(CreateFileW(
-        Extended(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    BY_HANDLE_FILE_INFORMATION data{};
-    if (!folder || !GetFileInformationByHandle(folder.Get(), &data)) return std::nullopt;
-    return Identity{data.dwVolumeSerialNumber, data.nFileIndexHigh, data.nFileIndexLow};
 }
 
 class Tree {
@@ -84,6 +68,19 @@ class Tree {
             CheckLink(path, entry);
         else if (entry.isFolder)
             Check(Path(path));
+        else if (!CanBeRead(path))
+            ReportUnreadable(path);
+    }
+
+    // Of the installers and the count file that is said elsewhere.
+    void ReportUnreadable(const std::string& path) {
+        const auto names = [&path](const Finding& finding) {
+            return finding.id.ends_with("-unreadable") && SameName(finding.file, path);
+        };
+        if (std::ranges::any_of(out_.Sorted(), names) || !MayAdd(unreadable_)) return;
+        out_.Error("file-unreadable", path, "The file cannot be read.",
+                   "A copy of the media fails, and so may the installation.",
+                   "Give everybody the right to read it, and close the program that has it open.");
     }
 
     void CheckName(const std::string& path, const Entry& entry) {
@@ -121,7 +118,7 @@ class Tree {
     }
 
     void CheckLink(const std::string& path, const Entry& entry) {
-        const std::optional<Identity> target = IdentityOf(path);
+        const std::optional<FileIdentity> target = IdentityOf(path);
         const char* const action = "Put the file or folder itself in its place.";
         if (!target)
             out_.Error("link-broken", path, "The link leads nowhere.",
@@ -138,7 +135,7 @@ class Tree {
                 action);
     }
 
-    bool LeadsUp(const std::string& path, const Identity& target) const {
+    bool LeadsUp(const std::string& path, const FileIdentity& target) const {
         for (Path folder = Parent(Path(path)); !IsEmpty(folder); folder = Parent(folder))
             if (IdentityOf(folder.Text()) == target) return true;
         return false;
@@ -154,6 +151,7 @@ class Tree {
     std::size_t count_ = 0;
     std::size_t outsideOem_ = 0;
     std::size_t tooLong_ = 0;
+    std::size_t unreadable_ = 0;
 };
 
 }  // namespace

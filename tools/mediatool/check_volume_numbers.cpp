@@ -28,10 +28,9 @@ class VolumeNumbers {
         if (id_.empty() || count_ < 1) return;
         if (count_ == 1 || layout_ == Layout::OneFolder) CheckFolder(1, media_);
         if (count_ == 1 || layout_ == Layout::Siblings) CheckFoldersBeyond();
-        if (count_ == 1) return;
-        if (layout_ == Layout::OneFolder) {
-            CheckFoldersBeside();
-        } else if (layout_ == Layout::Incomplete) {
+        if (count_ == 1 || layout_ == Layout::Outer) CheckOuterVolumesBeyond();
+        if (count_ == 1 || layout_ == Layout::OneFolder) return;
+        if (layout_ == Layout::Incomplete) {
             CheckFolder(1, media_);
             for (int k = 2; k <= std::min(count_, kMostLookedAt); ++k)
                 CheckFolder(k, Beside(k));
@@ -78,20 +77,6 @@ class VolumeNumbers {
                          action);
     }
 
-    // Volumes beside a volume 1 whose folder has all markers.
-    void CheckFoldersBeside() {
-        for (int k = 2; k <= std::min(count_, kMostLookedAt); ++k) {
-            const Path marker = MarkerIn(Beside(k), k);
-            if (SameName(Beside(k).Text(), media_.Text()) || !IsOurs(marker)) continue;
-            out_.Error("volume-number-twice", marker.Text(),
-                       "Volume " + std::to_string(k) +
-                           " is there twice: in volume 1's folder, and beside it.",
-                       "The launcher takes all volumes to be in volume 1's folder, and does not "
-                       "look here.",
-                       "Remove the marker from the folder that the volume is not in.");
-        }
-    }
-
     void CheckFoldersBeyond() {
         for (const Entry& entry : List(parent_).value_or(std::vector<Entry>())) {
             if (!entry.isFolder || !IsNumber(entry.name)) continue;
@@ -101,6 +86,11 @@ class VolumeNumbers {
                 IsOurs(marker))
                 ReportBeyond(marker);
         }
+    }
+
+    void CheckOuterVolumesBeyond() {
+        for (const VolumeInOuter& volume : VolumesInOuter(media_, id_))
+            if (volume.number > count_) ReportBeyond(volume.marker);
     }
 
     void ReportBeyond(const Path& marker) {

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <exception>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -63,14 +64,14 @@ struct CreateCommand {
         command->add_option("--layout", layout, "How the volumes lie.")
             ->required()
             ->check(CLI::IsMember({"one-folder", "siblings", "outer"}));
-        command->add_option("--volumes", request.volumes, "How many volumes: 1 to 99.")->required();
+        command->add_option("--volumes", volumes, "How many volumes: 1 to 99.")->required();
         MayBeGivenAgain(command->add_option(
             "--from", from,
             "A folder with the content of a volume, once for each, volume 1 first."));
         ofOuter = {
             command->add_option("--outer-id", request.outerId,
                                 "The identifier of the outer volumes (default: ID-outer)."),
-            command->add_option("--first-outer", request.firstOuter,
+            command->add_option("--first-outer", firstOuter,
                                 "The number of the first outer volume (default: 1)."),
             command->add_option("--inner", request.inner,
                                 "The folder in each outer volume that the media is in (default: "
@@ -78,15 +79,19 @@ struct CreateCommand {
         command->add_flag("--force", request.force, "Write over files that are there.");
         command->add_flag("--json", json, "Print JSON.");
         command->add_option("out", request.out, "The folder to write into.")->required();
-        command->footer("Exit code: 0 written, 1 not written, 2 wrong use.");
+        command->footer(
+            "Exit code: 0 written, 1 not written, 2 wrong use. When writing fails half-way, new "
+            "files are taken back; with --force, files may have been written over before.");
     }
 
     int Run() {
         request.from = from;
         request.layout = kLayouts.at(layout);
+        request.volumes = NumberGiven("--volumes", volumes);
         for (const CLI::Option* option : ofOuter)
             if (option->count() > 0 && request.layout != Layout::Outer)
                 throw BadInput(option->get_name() + " goes with --layout outer only.");
+        if (ofOuter[1]->count() > 0) request.firstOuter = NumberGiven("--first-outer", firstOuter);
         if (ofOuter.front()->count() > 0 && request.outerId.empty())
             throw BadInput("--outer-id is empty.");
         Progress progress("Files copied:");
@@ -96,9 +101,21 @@ struct CreateCommand {
         return kSuccess;
     }
 
+    // CLI11 would only say that it cannot convert the text.
+    static int NumberGiven(const std::string& option, const std::string& text) {
+        int number = 0;
+        const char* const end = text.data() + text.size();
+        const auto [rest, error] = std::from_chars(text.data(), end, number);
+        if (error != std::errc() || rest != end)
+            throw BadInput(option + " takes a number from 1 to 99, not \"" + text + "\".");
+        return number;
+    }
+
     CLI::App* command;
     CreateRequest request;
     std::string layout;
+    std::string volumes;
+    std::string firstOuter;
     std::vector<const CLI::Option*> ofOuter;  // the options of that layout
     std::vector<std::string> from;
     bool json = false;

@@ -153,6 +153,7 @@ Creation Create(const CreateRequest& request) {
     plan.out = CheckedOut(request.out);
     PlanMarkers(request, plan);
     PlanContent(request, plan);
+    RefuseObstacles(request, plan);
     RefuseStaleMarkers(request, plan);
     if (!request.force) RefuseOverwriting(plan);
     return Carry(plan, request);

@@ -36,8 +36,9 @@ struct Creation {
 
 // Writes the count file and the markers of a split media below `out`, and copies its content there
 // when it is given. Throws BadInput, before anything is written, for a request that makes no sense,
-// and Refused when a file is in the way or cannot be written; nothing new stays then. A marker of
-// another set that would spoil this one is in the way even when files may be written over.
+// and Refused when a file is in the way or cannot be written; nothing new stays then. When a copy
+// fails half-way, files that were written over before it stay so. A marker of another set that
+// would spoil this one is in the way even when files may be written over.
 Creation Create(const CreateRequest& request);
 
 // What is left to do before it is a media, as lines of text; empty when nothing is.

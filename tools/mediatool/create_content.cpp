@@ -1,6 +1,8 @@
 // The content of the volumes that create copies.
 
+#include <algorithm>
 #include <map>
+#include <set>
 
 #include "media/volume_files.h"
 #include "tools/mediatool/create_plan.h"
@@ -19,6 +21,50 @@ bool IsOneInOther(const Path& left, const Path& right) {
     const std::string b = InLowerCase(right.Text()) + "\\";
     return a.starts_with(b) || b.starts_with(a);
 }
+
+// The folder and those that it is in, whatever its name.
+std::set<FileIdentity> WithFoldersAbove(const Path& folder) {
+    std::set<FileIdentity> identities;
+    for (const Path& name : {folder, FinalPath(folder)})
+        for (Path above = name; !IsEmpty(above); above = Parent(above))
+            if (const auto identity = IdentityOf(above.Text())) identities.insert(*identity);
+    return identities;
+}
+
+// The folders that are written into, as far as they are there.
+class Targets {
+  public:
+    explicit Targets(const Plan& plan) {
+        Add(plan.out);
+        std::map<FileIdentity, Path> volumes;
+        for (const Path& folder : plan.folders) {
+            Add(folder);
+            const auto identity = IdentityOf(folder.Text());
+            if (!identity) continue;
+            const auto [other, isNew] = volumes.insert({*identity, folder});
+            if (!isNew && !SameName(other->second.Text(), folder.Text()))
+                throw BadInput(Quoted(other->second) + " and " + Quoted(folder) +
+                               " are the same folder.");
+        }
+    }
+
+    bool AreInOneAnotherWith(const Path& source) const {
+        const auto identity = IdentityOf(source.Text());
+        if (identity && above_.contains(*identity)) return true;
+        return std::ranges::any_of(WithFoldersAbove(source), [this](const FileIdentity& folder) {
+            return targets_.contains(folder);
+        });
+    }
+
+  private:
+    void Add(const Path& folder) {
+        if (const auto identity = IdentityOf(folder.Text())) targets_.insert(*identity);
+        above_.merge(WithFoldersAbove(folder));
+    }
+
+    std::set<FileIdentity> targets_;
+    std::set<FileIdentity> above_;  // and the targets themselves
+};
 
 class Content {
   public:
@@ -78,14 +124,18 @@ class Content {
 }  // namespace
 
 void PlanContent(const CreateRequest& request, Plan& plan) {
+    if (request.from.empty()) return;
+    const Targets targets(plan);
     std::vector<Path> sources;
     for (const std::string& text : request.from) {
         const Path source = FullPath(text);
         if (!IsFolder(source)) throw BadInput("\"" + text + "\" is no folder.");
-        if (IsOneInOther(source, plan.out))
+        if (IsOneInOther(source, plan.out) || targets.AreInOneAnotherWith(source))
             throw BadInput(Quoted(source) + " and the folder to write into are in one another.");
         for (const Path& other : sources)
-            if (SameName(other.Text(), source.Text()))
+            if (SameName(other.Text(), source.Text()) ||
+                (IdentityOf(source.Text()) &&
+                 IdentityOf(other.Text()) == IdentityOf(source.Text())))
                 throw BadInput(Quoted(source) + " is given twice, with --from.");
         sources.push_back(source);
     }

@@ -33,6 +33,10 @@ struct Plan {
 // BadInput when it cannot be read, and when a file in it would be lost.
 void PlanContent(const CreateRequest& request, Plan& plan);
 
+// Throws BadInput for a file where a folder is to be, a folder where a file is to be, and a file
+// to be overwritten that is one of those to be copied; Refused for one that cannot be overwritten.
+void RefuseObstacles(const CreateRequest& request, const Plan& plan);
+
 // Throws Refused when a file that is there, or comes with the content, would keep the launcher from
 // finding the new set: the marker of another volume, or what the launcher takes for one.
 void RefuseStaleMarkers(const CreateRequest& request, const Plan& plan);

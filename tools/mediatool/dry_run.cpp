@@ -65,6 +65,7 @@ std::string KindOf(const std::string& file) {
     if (!ReadStart(path, 1)) return "unreadable";
     const auto program = ReadProgramFile(path);
     if (!program) return "no program";
+    if (program->isCutOff) return "cut off";
     if (program->isLibrary) return "library";
     if (program->Is64Bit()) return "64-bit";
     return program->Is32Bit() ? "32-bit" : "other machine";

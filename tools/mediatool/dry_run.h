@@ -26,7 +26,7 @@ struct ChosenInstaller {
     std::string foundBy;  // "current-media", "-installerPath", "ZEP_TALVOR_Installer",
                           // "folder-dialog"
     std::string program;  // what kind of file it is: "64-bit", "32-bit", "library", "other
-                          // machine", "no program", "folder", "unreadable"
+                          // machine", "no program", "cut off", "folder", "unreadable"
 };
 
 struct CopyDecision {

@@ -25,6 +25,14 @@ bool IsDotEntry(const Entry& entry) {
     return entry.name == "." || entry.name == "..";
 }
 
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// A file or folder, links followed, to be asked about and not read.
+FileHandle OpenToAsk(const std::string& path) {
+    return FileHandle(CreateFileW(Extended(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+}
+
 }  // namespace
 
 Path FullPath(const std::string& text) {
@@ -86,8 +94,7 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
 }
 
 std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
-    const FileHandle file(CreateFileW(Extended(path.Text()).c_str(), GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+    const FileHandle file(CreateFileW(Extended(path.Text()).c_str(), GENERIC_READ, kShareAll,
                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return std::nullopt;
     std::string bytes(limit, '\0');
@@ -96,6 +103,45 @@ std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
         return std::nullopt;
     bytes.resize(count);
     return bytes;
+}
+
+bool CanBeRead(const std::string& path) {
+    const FileHandle file(CreateFileW(Extended(path).c_str(), GENERIC_READ, kShareAll, nullptr,
+                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return static_cast<bool>(file);
+}
+
+// Windows opens a hidden file for writing, but does not put a new one in its place.
+bool CanBeOverwritten(const std::string& path) {
+    constexpr DWORD kKept = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+    const std::wstring name = Extended(path);
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+    if ((attributes & kKept) != 0) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return false;
+    }
+    const FileHandle file(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return static_cast<bool>(file);
+}
+
+std::optional<FileIdentity> IdentityOf(const std::string& path) {
+    const FileHandle file = OpenToAsk(path);
+    BY_HANDLE_FILE_INFORMATION data{};
+    if (!file || !GetFileInformationByHandle(file.Get(), &data)) return std::nullopt;
+    const std::uint64_t index = (std::uint64_t{data.nFileIndexHigh} << 32) | data.nFileIndexLow;
+    if (index == 0) return std::nullopt;
+    return FileIdentity{data.dwVolumeSerialNumber, index};
+}
+
+Path FinalPath(const Path& path) {
+    const FileHandle file = OpenToAsk(path.Text());
+    std::wstring name(32768, L'\0');
+    if (file)
+        name.resize(
+            GetFinalPathNameByHandleW(file.Get(), name.data(), static_cast<DWORD>(name.size()), 0));
+    return file && !name.empty() ? Path(ToNarrow(name.c_str())) : path;
 }
 
 std::string LastErrorText() {

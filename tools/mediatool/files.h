@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -37,6 +38,22 @@ std::optional<std::vector<Entry>> List(const Path& folder);
 
 // The first `limit` bytes of a file; nothing when it cannot be read.
 std::optional<std::string> ReadStart(const Path& path, std::size_t limit);
+
+// Both leave the reason in GetLastError(). A path here need not be normalised.
+bool CanBeRead(const std::string& path);
+bool CanBeOverwritten(const std::string& path);
+
+// Which file or folder a path leads to in the end, links followed. Nothing when that is not there,
+// or is on a disk that does not tell.
+struct FileIdentity {
+    std::uint32_t volume = 0;
+    std::uint64_t index = 0;
+    auto operator<=>(const FileIdentity&) const = default;
+};
+std::optional<FileIdentity> IdentityOf(const std::string& path);
+
+// The path that `path` leads to in the end; itself when that is not there.
+Path FinalPath(const Path& path);
 
 // What the system says of its last error, as the end of a sentence, without a full stop.
 std::string LastErrorText();

@@ -21,7 +21,9 @@ std::size_t ControlLength(const std::string& text, std::size_t i) {
 
 }  // namespace
 
-bool HasUtf16Mark(const std::string& bytes) {
+bool IsUtf16(const std::string& bytes) {
+    if (bytes.size() < 2) return false;
+    if ((bytes[0] == '\0') != (bytes[1] == '\0')) return true;
     return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
 }
 

@@ -9,7 +9,8 @@ namespace launcher::mediatool {
 
 inline constexpr char kUtf8Mark[] = "\xEF\xBB\xBF";
 
-bool HasUtf16Mark(const std::string& bytes);
+// By its mark, or without one by its first character, which is one of ASCII in these files.
+bool IsUtf16(const std::string& bytes);
 
 // As the launcher cuts them: at LF, without one CR before it.
 std::vector<std::string> LinesOf(const std::string& bytes);

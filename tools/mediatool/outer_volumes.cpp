@@ -44,6 +44,21 @@ std::vector<OuterMarker> NearestMarkers(const Path& media) {
     return {};
 }
 
+// The outer volume of volume 1 has no marker, but another one holds a volume of the media.
+bool ReportUnmarked(const NestedMedia& media, Findings& out) {
+    for (const VolumeInOuter& volume : VolumesInOuter(media.folder, media.id)) {
+        const int number = volume.outer - volume.number + 1;
+        if (number < 1) continue;
+        out.Error("outer-marker-missing", MarkerIn(volume.first, number).Text(),
+                  "Outer volume " + std::to_string(number) + " has no marker.",
+                  "The launcher does not come to the outer volumes, such as that with volume " +
+                      std::to_string(volume.number) + " of the media.",
+                  "Write the file with the line MTBDIR= and the identifier of the outer volumes.");
+        return true;
+    }
+    return false;
+}
+
 // A file that holds an identifier and whose name the launcher passes by.
 bool ReportOverlooked(const Path& media, Findings& out) {
     for (Path folder = Parent(media); !IsEmpty(folder); folder = Parent(folder))
@@ -242,7 +257,7 @@ bool IsOuterMarkerName(const std::string& name) {
 
 bool CheckIncompleteOuterVolumes(const NestedMedia& media, Findings& out) {
     std::vector<OuterMarker> markers = NearestMarkers(media.folder);
-    if (markers.empty()) return ReportOverlooked(media.folder, out);
+    if (markers.empty()) return ReportOverlooked(media.folder, out) || ReportUnmarked(media, out);
     while (!markers.empty()) {
         const Path folder = markers.front().folder;
         RemoveStrays(media, markers, out);
@@ -253,7 +268,7 @@ bool CheckIncompleteOuterVolumes(const NestedMedia& media, Findings& out) {
         }
         markers = NearestMarkers(folder);  // what the strays hide
     }
-    return false;
+    return ReportUnmarked(media, out);
 }
 
 void CheckCompleteOuterVolumes(const NestedMedia& media, Findings& out) {

@@ -41,6 +41,19 @@ bool IsSigned(const std::string& bytes, std::size_t offset) {
     return header && HasSignature(*header);
 }
 
+// The headers of the sections follow the optional one; each says where in the file its part lies.
+bool EndsEarly(const std::string& bytes, std::size_t sections, std::size_t count,
+               std::uint64_t fileSize) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto section =
+            At<IMAGE_SECTION_HEADER>(bytes, sections + i * sizeof(IMAGE_SECTION_HEADER));
+        if (!section) return true;
+        const std::uint64_t start = section->PointerToRawData;
+        if (start != 0 && start + section->SizeOfRawData > fileSize) return true;
+    }
+    return false;
+}
+
 // The text of this name in a version resource; empty when there is none. Each text is a header, its
 // name, and from the next multiple of two characters on its value; both end in a zero.
 std::string VersionText(std::wstring_view resource, const std::wstring& name) {
@@ -80,8 +93,13 @@ std::optional<ProgramFile> ReadProgramFile(const Path& path) {
     const auto signature = At<DWORD>(*bytes, start);
     const auto header = At<IMAGE_FILE_HEADER>(*bytes, start + sizeof(DWORD));
     if (signature != DWORD{IMAGE_NT_SIGNATURE} || !header) return std::nullopt;
+    const std::optional<Entry> entry = Look(path);
+    if (!entry) return std::nullopt;
+    const std::size_t optional = start + sizeof(DWORD) + sizeof(IMAGE_FILE_HEADER);
     return ProgramFile{header->Machine, (header->Characteristics & IMAGE_FILE_DLL) != 0,
-                       IsSigned(*bytes, start + sizeof(DWORD) + sizeof(IMAGE_FILE_HEADER))};
+                       IsSigned(*bytes, optional),
+                       EndsEarly(*bytes, optional + header->SizeOfOptionalHeader,
+                                 header->NumberOfSections, entry->size)};
 }
 
 // Without the system's library for versions: one of its name beside this program would run.

@@ -13,6 +13,7 @@ struct ProgramFile {
     std::uint16_t machine;  // IMAGE_FILE_MACHINE_...
     bool isLibrary;         // a DLL
     bool isSigned;          // carries a signature, which nobody has looked at
+    bool isCutOff;          // ends before its headers say: Windows does not start it
 
     bool Is64Bit() const;
     bool Is32Bit() const;

@@ -35,13 +35,33 @@ class StaleMarkers {
                           [this](const Path& folder) { CheckEntriesOf(folder); });
         for (const Path& folder : above_)
             CheckEntriesOf(folder);
-        for (const Entry& entry : List(parent_).value_or(std::vector<Entry>()))
-            if (entry.isFolder && IsNumber(entry.name)) CheckBeside(Join(parent_, entry.name));
+        if (LooksBeside())
+            for (const Entry& entry : List(parent_).value_or(std::vector<Entry>()))
+                if (entry.isFolder && IsNumber(entry.name)) CheckBeside(Join(parent_, entry.name));
+        CheckOuterVolumes();
         for (const CopiedFile& copy : plan_.copies)
             Check(copy.destination, copy.source);
     }
 
   private:
+    // The launcher, or the installer that is told nothing of volumes, when there is only one.
+    bool LooksBeside() const {
+        return request_.layout != Layout::OneFolder || request_.volumes == 1;
+    }
+
+    // Volumes of the new set in outer volumes that it does not have.
+    void CheckOuterVolumes() const {
+        if (request_.layout != Layout::Outer && request_.volumes > 1) return;
+        for (const VolumeInOuter& volume : VolumesInOuter(plan_.folders.front(), request_.id))
+            if (!IsWritten(volume.marker)) RefuseOther(volume.marker);
+    }
+
+    [[noreturn]] static void RefuseOther(const Path& marker) {
+        throw Refused("\"" + marker.Text() +
+                      "\" is the marker of a volume that is not at this place in the new set; "
+                      "remove it first.");
+    }
+
     void CheckEntriesOf(const Path& folder) const {
         for (const Entry& entry : List(folder).value_or(std::vector<Entry>()))
             if (!entry.isFolder) Check(Join(folder, entry.name), Join(folder, entry.name));
@@ -58,10 +78,7 @@ class StaleMarkers {
             throw Refused("\"" + file.Text() +
                           "\" is named like the marker of an outer volume, and the launcher would "
                           "take it for one; rename or remove it first.");
-        if (IsOfAnotherVolume(place, file))
-            throw Refused("\"" + file.Text() +
-                          "\" is the marker of a volume that is not at this place in the new set; "
-                          "remove it first.");
+        if (IsOfAnotherVolume(place, file)) RefuseOther(file);
     }
 
     bool IsWritten(const Path& place) const {

@@ -41,6 +41,19 @@ std::optional<Path> OtherNumber(const VolumePlace& place) {
     return std::nullopt;
 }
 
+// From 1 to 99.
+bool IsOuterNumber(const std::string& name) {
+    return IsNumber(name) && name[0] != '0' && name.size() <= 2;
+}
+
+std::vector<Path> FoldersWithNumbers(const Path& folder) {
+    std::vector<Path> folders;
+    for (const Entry& entry : List(folder).value_or(std::vector<Entry>()))
+        if (entry.isFolder && IsOuterNumber(entry.name))
+            folders.push_back(Join(folder, entry.name));
+    return folders;
+}
+
 }  // namespace
 
 Path ParentOfVolumes(const Path& volumeOne) {
@@ -82,6 +95,23 @@ std::map<long long, Path> MisnamedFolders(const Path& parent, const std::string&
             if (ReadMtbDir(marker.Text()) == mediaId) folders.insert({NumberIn(marker), folder});
     }
     return folders;
+}
+
+std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::string& mediaId) {
+    std::vector<VolumeInOuter> found;
+    for (Path first = Parent(volumeOne); !IsEmpty(Parent(first)); first = Parent(first)) {
+        const std::string relative = RelativePath(Parent(volumeOne), first).Text();
+        for (const Path& outer : FoldersWithNumbers(Parent(first))) {
+            if (SameName(outer.Text(), first.Text())) continue;
+            for (const Path& volume : FoldersWithNumbers(Join(outer, relative))) {
+                const int number = ToIntOr(FileName(volume), 0);
+                const Path marker = MarkerIn(volume, number);
+                if (number > 1 && ReadMtbDir(marker.Text()) == mediaId)
+                    found.push_back({first, ToIntOr(FileName(outer), 0), number, marker});
+            }
+        }
+    }
+    return found;
 }
 
 bool ExplainMissingMarker(const VolumePlace& place, Findings& out) {

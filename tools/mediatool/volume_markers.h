@@ -37,6 +37,16 @@ std::set<long long> TracesIn(const Path& folder);
 // number for a name, by that number.
 std::map<long long, Path> MisnamedFolders(const Path& parent, const std::string& mediaId);
 
+// The markers of a media's later volumes in numbered folders that lie as its outer volumes would,
+// whether the launcher comes to them or not.
+struct VolumeInOuter {
+    Path first;  // volume 1's outer volume, if these are outer volumes
+    int outer;   // the number of the folder
+    int number;  // of the volume in it
+    Path marker;
+};
+std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::string& mediaId);
+
 // Finds out why the launcher reads no identifier there. False, and nothing reported, when the
 // volume is simply not there.
 bool ExplainMissingMarker(const VolumePlace& place, Findings& out);

@@ -69,7 +69,7 @@ DWORD ImageError(const std::wstring& name) {
     const Path path = FullPath(ToNarrow(name.c_str()));
     if (IsScript(path)) return ERROR_SUCCESS;
     const auto program = ReadProgramFile(path);
-    if (!program || program->isLibrary) return ERROR_BAD_EXE_FORMAT;
+    if (!program || program->isLibrary || program->isCutOff) return ERROR_BAD_EXE_FORMAT;
     if (!program->Is32Bit() && !(program->Is64Bit() && Is64BitWindows()))
         return ERROR_EXE_MACHINE_TYPE_MISMATCH;
     const Section image(
