@@ -87,6 +87,32 @@ TEST_F(DryRun, PassesTheLaunchersArgumentsToTheLetter) {
                                                 "*", "", "a\\"));
 }
 
+TEST_F(DryRun, ShowsTheSearchForVolumes) {
+    const SampleMedia incomplete = Incomplete();
+    const Json dry = Dry(incomplete);
+    const auto lookup = [&](const std::string& path, bool found) {
+        return testing::Contains(Json{{"path", incomplete.Text(path)}, {"found", found}});
+    };
+    EXPECT_THAT(dry["lookups"], lookup("1.txt", true));
+    EXPECT_THAT(dry["lookups"], lookup("2.txt", false));
+    EXPECT_THAT(dry["lookups"], lookup("../2/2.txt", true));
+    EXPECT_THAT(dry["lookups"], lookup("../3/3.txt", false));
+    EXPECT_THAT(Run({"dry-run", incomplete.Text(), "--admin", "yes"}).output,
+                HasSubstr("; why: mediatool validate " + incomplete.Text() + "\n"));
+}
+
+TEST_F(DryRun, WaitsInTheConsoleThatShowsTheCommandLine) {
+    const Json dry = Dry(media, {"--env", "DEBUGCMD_INSTALLK7=1"});
+    EXPECT_EQ(dry["started"], true);
+    EXPECT_EQ(dry["waits"], 1);
+    EXPECT_EQ(dry["arguments"][0], "/k");
+    EXPECT_EQ(dry["meaning"], "A console was started in place of the installer, which is not run.");
+    const std::string text =
+        Run({"dry-run", media.Text(), "--admin", "yes", "--env", "DEBUGCMD_INSTALLK7=1"}).output;
+    EXPECT_THAT(text, HasSubstr("the installer is not run.\n           An unattended run waits"));
+    EXPECT_THAT(text, HasSubstr("  pretended: administrator, DEBUGCMD_INSTALLK7; else"));
+}
+
 TEST_F(DryRun, ShowsOneScreen) {
     const MediatoolRun run = Run({"dry-run", media.Text(), "--admin", "yes"});
     EXPECT_LE(std::ranges::count(run.output, '\n'), 40) << run.output;
@@ -191,6 +217,21 @@ TEST_F(WrongTemp, IsAFile) {
 TEST_F(WrongTemp, HasANameThatCannotBe) {
     EXPECT_THAT(Boxes(scratch.Text("a<b")),
                 testing::Contains(StartsWith("CreateDirectory - " + scratch.Text("a<b"))));
+}
+
+// Windows drops them at the end of a path, but not before a backslash: the folder that it has made
+// is not found again.
+TEST_F(WrongTemp, EndsInBlanksOrDots) {
+    for (const std::string name : {"one ", "two \\x", "dots..\\x", "three\\ ", "four\\..."})
+        EXPECT_THAT(Boxes(scratch.Text() + "\\" + name),
+                    testing::Contains(StartsWith("CreateDirectory - ")))
+            << name;
+    EXPECT_EQ(Dry(Incomplete(), {"--temp", scratch.Text() + "\\five\\."})["started"], true);
+}
+
+TEST_F(WrongTemp, StandsInQuotes) {
+    EXPECT_THAT(Boxes("\"" + scratch.Text("new") + "\""),
+                testing::Contains(StartsWith("CreateDirectory - \"")));
 }
 
 // Of its path in the run, that of "inst\common" has 248 characters; Windows makes folders up to
