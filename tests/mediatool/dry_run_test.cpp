@@ -4,7 +4,9 @@
 
 #include "tests/e2e/support/media.h"
 #include "tests/mediatool/command.h"
+#include "tests/support/hook.h"
 #include "tests/support/wine.h"
+#include "tools/mediatool/dry_run.h"
 
 namespace launcher::test {
 namespace {
@@ -232,6 +234,26 @@ TEST_F(WrongTemp, EndsInBlanksOrDots) {
 TEST_F(WrongTemp, StandsInQuotes) {
     EXPECT_THAT(Boxes("\"" + scratch.Text("new") + "\""),
                 testing::Contains(StartsWith("CreateDirectory - \"")));
+}
+
+// In this process, as nobody can be kept from writing everywhere.
+TEST_F(WrongTemp, MayNotBeWrittenInto) {
+    const SampleMedia incomplete = Incomplete();
+    const Hook<decltype(&CreateFileW)> denied(
+        "CreateFileW", [](auto real, LPCWSTR name, DWORD access, auto... rest) -> HANDLE {
+            if (access != FILE_ADD_SUBDIRECTORY) return real(name, access, rest...);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        });
+    mediatool::DryRunRequest request;
+    request.media = incomplete.Text();
+    request.machine.isAdministrator = true;
+    request.environment = {{"TEMP", scratch.Text()}};
+    const mediatool::DryRun run = mediatool::RunDry(request);
+    EXPECT_FALSE(run.copy.made);
+    EXPECT_FALSE(run.started);
+    EXPECT_THAT(run.journal.messages.back().text,
+                StartsWith("CreateDirectory - " + scratch.Text("{UUID}\\inst")));
 }
 
 // Of its path in the run, that of "inst\common" has 248 characters; Windows makes folders up to
