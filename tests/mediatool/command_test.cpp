@@ -127,6 +127,11 @@ TEST_F(Command, WrongUse) {
     EXPECT_THAT(Complaint({"dry-run", scratch.Text()}), HasSubstr("no launcher (setup.exe)"));
     EXPECT_THAT(Complaint({"dry-run", media.Text(), "--windows", "XP"}), HasSubstr("XP"));
     EXPECT_THAT(Complaint({"dry-run", media.Text(), "--env", "=x"}), HasSubstr("NAME=VALUE"));
+    EXPECT_THAT(Complaint({"dry-run", media.Text(), "--env"}), HasSubstr("--env"));
+    EXPECT_THAT(Complaint({"dry-run", media.Text(), "-wait"}),
+                HasSubstr("the launcher's own arguments go after --"));
+    EXPECT_EQ(Complaint({"dry-run", media.Text(), "--temp", "C:\\a", "--env", "Temp=C:\\b"}),
+              "mediatool: --temp and --env Temp=... contradict each other.\n");
     EXPECT_EQ(Complaint({"dry-run", media.Text(), "--pick", scratch.Text("nowhere")}),
               "mediatool: \"" + scratch.Text("nowhere") +
                   "\" cannot be picked: there is no such folder.\n");

@@ -4,7 +4,9 @@
 
 #include "tests/e2e/support/media.h"
 #include "tests/mediatool/command.h"
+#include "tests/support/hook.h"
 #include "tests/support/wine.h"
+#include "tools/mediatool/dry_run.h"
 
 namespace launcher::test {
 namespace {
@@ -85,6 +87,32 @@ TEST_F(DryRun, PassesTheLaunchersArgumentsToTheLetter) {
     const std::vector<std::string> arguments = output["arguments"];
     EXPECT_THAT(arguments, testing::ElementsAre("-CDpath", media.Text(), "[x,y]", "--", "--json",
                                                 "*", "", "a\\"));
+}
+
+TEST_F(DryRun, ShowsTheSearchForVolumes) {
+    const SampleMedia incomplete = Incomplete();
+    const Json dry = Dry(incomplete);
+    const auto lookup = [&](const std::string& path, bool found) {
+        return testing::Contains(Json{{"path", incomplete.Text(path)}, {"found", found}});
+    };
+    EXPECT_THAT(dry["lookups"], lookup("1.txt", true));
+    EXPECT_THAT(dry["lookups"], lookup("2.txt", false));
+    EXPECT_THAT(dry["lookups"], lookup("../2/2.txt", true));
+    EXPECT_THAT(dry["lookups"], lookup("../3/3.txt", false));
+    EXPECT_THAT(Run({"dry-run", incomplete.Text(), "--admin", "yes"}).output,
+                HasSubstr("; why: mediatool validate " + incomplete.Text() + "\n"));
+}
+
+TEST_F(DryRun, WaitsInTheConsoleThatShowsTheCommandLine) {
+    const Json dry = Dry(media, {"--env", "DEBUGCMD_INSTALLK7=1"});
+    EXPECT_EQ(dry["started"], true);
+    EXPECT_EQ(dry["waits"], 1);
+    EXPECT_EQ(dry["arguments"][0], "/k");
+    EXPECT_EQ(dry["meaning"], "A console was started in place of the installer, which is not run.");
+    const std::string text =
+        Run({"dry-run", media.Text(), "--admin", "yes", "--env", "DEBUGCMD_INSTALLK7=1"}).output;
+    EXPECT_THAT(text, HasSubstr("the installer is not run.\n           An unattended run waits"));
+    EXPECT_THAT(text, HasSubstr("  pretended: administrator, DEBUGCMD_INSTALLK7; else"));
 }
 
 TEST_F(DryRun, ShowsOneScreen) {
@@ -191,6 +219,41 @@ TEST_F(WrongTemp, IsAFile) {
 TEST_F(WrongTemp, HasANameThatCannotBe) {
     EXPECT_THAT(Boxes(scratch.Text("a<b")),
                 testing::Contains(StartsWith("CreateDirectory - " + scratch.Text("a<b"))));
+}
+
+// Windows drops them at the end of a path, but not before a backslash: the folder that it has made
+// is not found again.
+TEST_F(WrongTemp, EndsInBlanksOrDots) {
+    for (const std::string name : {"one ", "two \\x", "dots..\\x", "three\\ ", "four\\..."})
+        EXPECT_THAT(Boxes(scratch.Text() + "\\" + name),
+                    testing::Contains(StartsWith("CreateDirectory - ")))
+            << name;
+    EXPECT_EQ(Dry(Incomplete(), {"--temp", scratch.Text() + "\\five\\."})["started"], true);
+}
+
+TEST_F(WrongTemp, StandsInQuotes) {
+    EXPECT_THAT(Boxes("\"" + scratch.Text("new") + "\""),
+                testing::Contains(StartsWith("CreateDirectory - \"")));
+}
+
+// In this process, as nobody can be kept from writing everywhere.
+TEST_F(WrongTemp, MayNotBeWrittenInto) {
+    const SampleMedia incomplete = Incomplete();
+    const Hook<decltype(&CreateFileW)> denied(
+        "CreateFileW", [](auto real, LPCWSTR name, DWORD access, auto... rest) -> HANDLE {
+            if (access != FILE_ADD_SUBDIRECTORY) return real(name, access, rest...);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        });
+    mediatool::DryRunRequest request;
+    request.media = incomplete.Text();
+    request.machine.isAdministrator = true;
+    request.environment = {{"TEMP", scratch.Text()}};
+    const mediatool::DryRun run = mediatool::RunDry(request);
+    EXPECT_FALSE(run.copy.made);
+    EXPECT_FALSE(run.started);
+    EXPECT_THAT(run.journal.messages.back().text,
+                StartsWith("CreateDirectory - " + scratch.Text("{UUID}\\inst")));
 }
 
 // Of its path in the run, that of "inst\common" has 248 characters; Windows makes folders up to

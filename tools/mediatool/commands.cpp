@@ -11,6 +11,7 @@
 #include "tools/mediatool/console.h"
 #include "tools/mediatool/dry_run.h"
 #include "tools/mediatool/dry_run_report.h"
+#include "tools/mediatool/files.h"
 #include "tools/mediatool/findings.h"
 #include "tools/mediatool/report.h"
 #include "tools/mediatool/writer.h"
@@ -133,8 +134,10 @@ struct DryRunCommand {
             ->check(CLI::IsMember({"yes", "no"}));
         command->add_flag("--old-web-library", request.machine.hasOldWebLibrary,
                           "Its web library is older than that of Internet Explorer 10.");
-        MayBeGivenAgain(command->add_option(
-            "--env", variables, "NAME=VALUE: a variable of its environment; may be given again."));
+        MayBeGivenAgain(command
+                            ->add_option("--env", variables,
+                                         "A variable of its environment; may be given again.")
+                            ->type_name("NAME=VALUE"));
         command->add_option("--temp", temp, "Its TEMP folder.");
         command->add_option("--pick", pick, "The folder that is picked in the folder dialog.");
         command->add_flag("--all", everything, "Show every variable that changes.");
@@ -153,7 +156,7 @@ struct DryRunCommand {
         if (command->count("--pick") > 0) machine.picked = pick;
         if (command->count("--temp") > 0) request.environment.emplace_back("TEMP", CheckedTemp());
         for (const std::string& variable : variables)
-            request.environment.push_back(Assignment(variable));
+            request.environment.push_back(CheckedAssignment(variable));
         const DryRun run = RunDry(request);
         PrintOut(json ? Printed(JsonOf(run)) : TextOf(run, everything));
         return kSuccess;
@@ -166,11 +169,14 @@ struct DryRunCommand {
         return temp;
     }
 
-    static std::pair<std::string, std::string> Assignment(const std::string& text) {
+    std::pair<std::string, std::string> CheckedAssignment(const std::string& text) const {
         const std::size_t equals = text.find('=');
         if (equals == 0 || equals == std::string::npos)
             throw BadInput("--env takes NAME=VALUE, not \"" + text + "\".");
-        return {text.substr(0, equals), text.substr(equals + 1)};
+        const std::string name = text.substr(0, equals);
+        if (command->count("--temp") > 0 && SameName(name, "TEMP"))
+            throw BadInput("--temp and --env " + name + "=... contradict each other.");
+        return {name, text.substr(equals + 1)};
     }
 
     CLI::App* command;
@@ -203,6 +209,7 @@ class Mediatool {
         std::vector<std::string> launcherArguments(hasEnd ? end + 1 : end, arguments.end());
         arguments.erase(end, arguments.end());
         CheckCommand(arguments);
+        isDryRun_ = !arguments.empty() && arguments.front() == dryRun_.command->get_name();
         std::ranges::reverse(arguments);  // as CLI11 wants them
         app_.parse(std::move(arguments));
         if (dryRun_.command->parsed()) return dryRun_.Run(std::move(launcherArguments));
@@ -221,7 +228,10 @@ class Mediatool {
             PrintOut(app_.help());
             return kSuccess;
         }
-        PrintError(std::string("mediatool: ") + request.what() + "\n");
+        const bool isLaunchers =
+            isDryRun_ && request.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+        PrintError(std::string("mediatool: ") + request.what() +
+                   (isLaunchers ? " (the launcher's own arguments go after --)" : "") + "\n");
         return kWrongUse;
     }
 
@@ -240,6 +250,7 @@ class Mediatool {
     DryRunCommand dryRun_;
     ValidateCommand validate_;
     CreateCommand create_;
+    bool isDryRun_ = false;  // the command is
 };
 
 int Complain(const std::exception& failure, int exitCode) {

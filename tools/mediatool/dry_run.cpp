@@ -140,6 +140,10 @@ bool AnyMessage(const Journal& journal, const char* start) {
 }
 
 std::string MeaningOf(const DryRun& run) {
+    if (run.showsCommandLine)
+        return run.exitCodeIsInstallers
+                   ? "That of the console, for which the launcher waits; no installer runs."
+                   : "A console was started in place of the installer, which is not run.";
     if (run.exitCodeIsInstallers) return "The installer's own, for which the launcher waits.";
     if (run.started) return "The installer was started; the launcher does not wait for it.";
     if (run.volumes && IsSet("ZEPAdmODTMultiVolumes"))
@@ -166,7 +170,8 @@ std::string PickedFolder(const std::string& text) {
 }  // namespace
 
 std::size_t DryRun::Waits() const {
-    return static_cast<std::size_t>(std::ranges::count(journal.messages, true, &Message::box));
+    const auto boxes = std::ranges::count(journal.messages, true, &Message::box);
+    return static_cast<std::size_t>(boxes) + (showsCommandLine ? 1 : 0);
 }
 
 DryRun RunDry(const DryRunRequest& request) {
@@ -179,8 +184,10 @@ DryRun RunDry(const DryRunRequest& request) {
     rehearsal.machine.launcherPath = run.launcher;
     if (request.machine.picked) rehearsal.machine.picked = PickedFolder(*request.machine.picked);
     const Environment own = CurrentEnvironment();
-    for (const auto& [name, value] : request.environment)
+    for (const auto& [name, value] : request.environment) {
         SetEnvVar(name, value);
+        run.variables.push_back(name);
+    }
     const Environment before = CurrentEnvironment();
 
     Options options;
@@ -191,6 +198,7 @@ DryRun RunDry(const DryRunRequest& request) {
     run.environment = Changes(before, CurrentEnvironment());
     run.temp = GetEnvVar("TEMP");
     run.started = run.journal.commandLine.has_value();
+    run.showsCommandLine = run.started && GetEnvVar("DEBUGCMD_INSTALLK7") == "1";
     run.exitCodeIsInstallers = run.journal.waited;
     if (run.started) run.installerArguments = ArgumentsOf(*run.journal.commandLine);
     run.installer = InstallerOf(run.journal, options);

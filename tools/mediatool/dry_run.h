@@ -40,12 +40,15 @@ struct DryRun {
     std::string doubt;                   // why it may do something else, a sentence; mostly empty
     std::vector<std::string> arguments;  // its own
     PretendedMachine machine;
-    std::string temp;  // its "TEMP"
+    std::vector<std::string> variables;  // names of those that are pretended
+    std::string temp;                    // its "TEMP"
     Journal journal;
     int exitCode = 0;
     bool exitCodeIsInstallers = false;
     std::string meaning;                          // of the exit code, as a sentence
     bool started = false;                         // the installer would have been
+    bool showsCommandLine = false;                // in a console that stays open, as
+                                                  // DEBUGCMD_INSTALLK7 asks; no installer then
     std::vector<std::string> installerArguments;  // as it would see them, without the program
     std::vector<Change> environment;
     std::optional<ChosenInstaller> installer;
@@ -53,7 +56,8 @@ struct DryRun {
     bool volumesChecked = false;          // false when an option or a variable forbids it
     CopyDecision copy;
 
-    // Boxes and dialogs, in which a run that nobody watches waits for ever.
+    // Boxes, dialogs and the console that stays open, in which a run that nobody watches waits for
+    // ever.
     std::size_t Waits() const;
 };
 

@@ -15,6 +15,7 @@ constexpr std::array<std::string_view, 8> kFixedSwitches = {
     "ZEPAdmInstDebugEnv",           "ZEPAdmInstDebugSummary",
     "ZEPAdmInstDebugIndexes",       "ZEPAdmInstDebugAction",
     "ZEPAdmInstDebugError",         "ZEPAdmInstDebugEverything"};
+constexpr std::size_t kMissingShown = 10;  // of the files that were looked for
 constexpr char kBackupPrefix[] = "ZEP_BAK_";
 
 std::string Heading(const std::string& text) {
@@ -58,6 +59,8 @@ std::string MachineText(const DryRun& run) {
     if (machine.isAdministrator)
         add(*machine.isAdministrator ? "administrator" : "no administrator");
     if (machine.hasOldWebLibrary) add("old web library");
+    for (const std::string& name : run.variables)
+        add(name);
     return text.empty() ? "on this machine" : "pretended: " + text + "; else this machine's";
 }
 
@@ -69,9 +72,14 @@ std::string DoubtText(const DryRun& run) {
 std::string InstallerText(const DryRun& run) {
     std::string text = Heading("Looked for");
     if (run.journal.lookups.empty()) text += Line("nothing");
-    for (const Lookup& lookup : run.journal.lookups)
+    std::size_t missing = 0;
+    for (const Lookup& lookup : run.journal.lookups) {
+        if (!lookup.found && ++missing > kMissingShown) continue;
         text += "  " + (lookup.found ? Painted(Colour::Green, "found    ") : "missing  ") +
                 lookup.path + "\n";
+    }
+    if (missing > kMissingShown)
+        text += Line("missing  " + std::to_string(missing - kMissingShown) + " more");
     text += Heading("Installer");
     if (!run.installer) return text + Line("none");
     text += Line(run.installer->foundAt);
@@ -96,7 +104,8 @@ std::string LayoutText(const DryRun& run) {
         case Layout::Outer:
             return count + " in outer volumes";
         case Layout::Incomplete:
-            return "missing or not to be put together, of " + count;
+            return "missing or not to be put together, of " + count + "; why: mediatool validate " +
+                   Typed(run.volumes->folders.front());
         case Layout::NotSplit:
             break;
     }
@@ -191,7 +200,7 @@ std::string Indented(std::string text, const std::string& indent) {
 
 std::string MessagesText(const DryRun& run) {
     std::string text = Heading("Messages");
-    if (run.journal.messages.empty()) text += Line("none");
+    if (run.journal.messages.empty() && !run.showsCommandLine) text += Line("none");
     for (const Message& message : run.journal.messages) {
         if (message.box) {
             text += Line(Painted(Colour::Yellow, message.dialog ? "dialog   " : "box      ") +
@@ -201,14 +210,20 @@ std::string MessagesText(const DryRun& run) {
             text += Line("console  " + Indented(message.text, "           "));
         }
     }
+    if (run.showsCommandLine) {
+        text += Line(
+            "console  cmd.exe shows the command line and stays open; the installer is "
+            "not run.");
+        text += Line("         An unattended run waits here for ever.");
+    }
     return text;
 }
 
 std::string ExitCodeText(const DryRun& run) {
-    const std::string code =
-        run.exitCodeIsInstallers ? "the installer's" : std::to_string(run.exitCode);
     const Colour colour = run.started ? Colour::Green : Colour::Red;
-    return Heading("Exit code") + Line(Painted(colour, code) + ": " + run.meaning);
+    if (run.exitCodeIsInstallers) return Heading("Exit code") + Line(Painted(colour, run.meaning));
+    return Heading("Exit code") +
+           Line(Painted(colour, std::to_string(run.exitCode)) + ": " + run.meaning);
 }
 
 }  // namespace

@@ -227,6 +227,14 @@ class Maker {
         Put(media_ / "inst" / "volumes.txt", mediatool::CountFileText(9));
     }
 
+    std::string TempThatWindowsChanges() {
+        const std::vector<std::string> names = {"one ",     "two \\x",   "dots..\\x",
+                                                "three\\ ", "four\\...", "other temp\\."};
+        const std::string base = ToUtf8(folder_) + "\\";
+        const unsigned which = Below(static_cast<unsigned>(names.size()) + 1);
+        return which < names.size() ? base + names[which] : "\"" + base + "quoted\"";
+    }
+
     // In most cases, something that Windows cannot start or copy into.
     void MakeTrouble() {
         switch (Below(8)) {
@@ -253,6 +261,11 @@ class Maker {
             case 4:
                 Note("TEMP with a name that cannot be");
                 case_.variables["TEMP"] = ToUtf8(folder_ / "temp<?");
+                LoseVolumes();
+                break;
+            case 5:
+                case_.variables["TEMP"] = TempThatWindowsChanges();
+                Note("TEMP that Windows changes");
                 LoseVolumes();
                 break;
             default:

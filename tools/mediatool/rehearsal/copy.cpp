@@ -16,6 +16,7 @@
 #include "fs/open_file.h"
 #include "fs/path.h"
 #include "tools/mediatool/files.h"
+#include "tools/mediatool/names.h"
 #include "tools/mediatool/rehearsal/rehearsal.h"
 
 namespace launcher {
@@ -37,12 +38,23 @@ DWORD ErrorOfMakingFolderIn(const Path& folder) {
     return handle ? ERROR_SUCCESS : GetLastError();
 }
 
+bool HasForbiddenCharacter(const Path& full) {
+    const std::size_t afterRoot = static_cast<std::size_t>(full.RootEnd() + 1);
+    return full.Text().find_first_of("<>\"|?*", afterRoot) != std::string::npos;
+}
+
 // The error of CreateDirectoryW, as far as it can be told without calling it; 0 for none.
 DWORD ErrorOfMaking(const Path& folder) {
     if (mediatool::LengthInRun(folder.Text()) > mediatool::kLongestFolder)
         return ERROR_FILENAME_EXCED_RANGE;
-    const Path parent = Parent(folder);
-    if (IsPretended(parent)) return ERROR_SUCCESS;
+    // Windows drops dots and blanks at the end of a path, but not before a backslash.
+    const Path full = mediatool::FullPath(folder.Text());
+    if (IsPretended(full)) return ERROR_ALREADY_EXISTS;
+    if (HasForbiddenCharacter(full)) return ERROR_INVALID_NAME;
+    const Path parent = Parent(full);
+    // Not by CopyKey, which would drop its blanks.
+    if (CurrentRehearsal()->pretendedFolders.contains(mediatool::InLowerCase(parent.Text())))
+        return mediatool::IsUsableName(FileName(full)) ? ERROR_SUCCESS : ERROR_INVALID_NAME;
     // A look at the folder fails as its creation would, for its name or for what leads to it,
     // unless it is but missing.
     const std::wstring name = ToWide(folder.Text());

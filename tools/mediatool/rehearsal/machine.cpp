@@ -5,6 +5,7 @@
 #include "fs/path.h"
 #include "fs/path_exists.h"
 #include "launcher/uuid_text.h"
+#include "media/volume_files.h"
 #include "platform/administrator.h"
 #include "platform/architecture.h"
 #include "platform/module_path.h"
@@ -20,6 +21,11 @@ const mediatool::PretendedMachine& Machine() {
     static const mediatool::PretendedMachine own;
     const mediatool::Rehearsal* const rehearsal = mediatool::CurrentRehearsal();
     return rehearsal == nullptr ? own : rehearsal->machine;
+}
+
+void WriteDownLookup(const std::string& path, bool found) {
+    if (mediatool::Rehearsal* const rehearsal = mediatool::CurrentRehearsal())
+        rehearsal->journal.lookups.push_back({path, found});
 }
 
 }  // namespace
@@ -59,9 +65,18 @@ std::string NewUuidText(bool) {
 
 bool PathExists(const std::string& path) {
     const bool found = ThisMachinePathExists(path);
-    if (mediatool::Rehearsal* const rehearsal = mediatool::CurrentRehearsal())
-        rehearsal->journal.lookups.push_back({path, found});
+    WriteDownLookup(path, found);
     return found;
+}
+
+// A volume's marker, which the launcher opens without a question whether it is there.
+std::string ReadMtbDir(const std::string& path) {
+    WriteDownLookup(path, ThisMachinePathExists(path));
+    return ThisMachineReadMtbDir(path);
+}
+
+std::optional<VolumeCount> ReadVolumeCount(const std::string& path) {
+    return ThisMachineReadVolumeCount(path);
 }
 
 }  // namespace launcher

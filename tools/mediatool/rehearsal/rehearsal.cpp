@@ -26,7 +26,7 @@ std::size_t LengthInRun(const std::string& path) {
 }
 
 std::string CopyKey(const Path& path) {
-    return InLowerCase(path.Text());
+    return InLowerCase(FullPath(path.Text()).Text());
 }
 
 RehearsalScope::RehearsalScope(Rehearsal& rehearsal) {

@@ -97,7 +97,7 @@ inline constexpr char kPretendedUuid[] = "{UUID}";
 // longer than here.
 std::size_t LengthInRun(const std::string& path);
 
-// A path in the copy as it is listed here: in lower case.
+// A path in the copy as it is listed here: the one that Windows makes of it, in lower case.
 std::string CopyKey(const Path& path);
 
 }  // namespace launcher::mediatool
