@@ -62,6 +62,8 @@ class Situation : public LauncherTest, public testing::WithParamInterface<StepRo
 };
 
 TEST_P(Situation, EndsAtTheFirstTrouble) {
+    // The rows need an old web library, and Windows lets nobody exchange its own. Each refusal has
+    // tests of its own that run on Windows; only their order is left to Wine.
     if (!IsWine()) GTEST_SKIP() << "only Wine's web library can be the wrong one";
     const LauncherRun run = RunWithTroubleFrom(GetParam().step);
     EXPECT_EQ(run.exitCode, GetParam().exitCode);

@@ -31,6 +31,8 @@ TEST_F(Administrator, RefusalComesLastAndUndoesNothing) {
 class NotElevated : public LauncherTest {
   protected:
     void SetUp() override {
+        // All other tests need the rights that these must not have. Runs in an ordinary console on
+        // Windows, and where Wine starts programs without them: tools/other-wines.sh.
         if (IsElevated()) GTEST_SKIP() << "needs a user without an administrator's full rights";
     }
 };

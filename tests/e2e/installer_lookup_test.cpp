@@ -50,6 +50,7 @@ INSTANTIATE_TEST_SUITE_P(
 class OnlyFor64Bit : public LauncherTableTest<const char*> {};
 
 TEST_P(OnlyFor64Bit, IsRefusedOn32BitWindows) {
+    // A 64-bit Windows says so to every program. Runs on the 32-bit Wine of tools/other-wines.sh.
     if (Is64BitWindows()) GTEST_SKIP() << "needs a 32-bit Windows";
     const LauncherRun run = Run(EmptyMedia().AddInstaller(GetParam()), {"-wait"});
     EXPECT_THAT(

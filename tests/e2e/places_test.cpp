@@ -85,6 +85,8 @@ TEST_F(Places, DriveRootInSoftwareManagement) {
 }
 
 TEST_F(Places, LauncherOnANetworkPath) {
+    // Wine's GetModuleFileNameW gives such a program a name that cannot be opened. Runs on Windows;
+    // media on a network path are tested below, on both.
     if (IsWine()) GTEST_SKIP() << "Wine tells such a program a name that leads nowhere";
     const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
     const Media media = Media(root).AddInstaller(UsualOs());

@@ -20,6 +20,8 @@ class OnWine : public LauncherTest {
   protected:
     void SetUp() override {
         LauncherTest::SetUp();
+        // On Windows its version and its web library are what they are; the tests of platform/
+        // answer for other ones there.
         if (!IsWine()) GTEST_SKIP() << "needs Wine, which can pose as another Windows";
     }
     // A media whose launcher has a name of its own, for settings that hold for this name alone.

@@ -184,18 +184,26 @@ TEST_F(CopyFailureTest, OfTheTimesLeavesTheCopy) {
     EXPECT_EQ(Read(copy_), "content");
 }
 
-// Without a check of the handles: skipping a test costs one.
-TEST(CopyFailure, OfAReadOnlyDestinationLeavesItAsItWas) {
-    const test::TemporaryFolder folder;
-    const std::string source = folder.Write("source", "content");
-    const std::string copy = folder.Write("copy", "before");
-    SetFileAttributesW(ToWide(copy).c_str(), FILE_ATTRIBUTE_READONLY);
-    if (OpenSharedFile(ToWide(copy), GENERIC_WRITE, OPEN_EXISTING))
-        GTEST_SKIP() << "Wine lets the host's root write read-only files";
-    EXPECT_THAT([&] { CopyOneFile(source, copy); },
-                ThrowsErrno("Cannot write into " + copy, EACCES));
-    SetFileAttributesW(ToWide(copy).c_str(), FILE_ATTRIBUTE_NORMAL);
-    EXPECT_EQ(test::ReadFile(folder.Dir() / "copy"), "before");
+TEST_F(CopyFailureTest, OfAReadOnlyDestinationLeavesItAsItWas) {
+    folder_.Write("copy", "before");
+    SetFileAttributesW(ToWide(copy_).c_str(), FILE_ATTRIBUTE_READONLY);
+    {
+        // As Windows answers: Wine lets the host's root write such a file.
+        const Hook<decltype(&CreateFileW)> windows(
+            "CreateFileW", [](auto real, LPCWSTR path, DWORD access, auto share, auto security,
+                              DWORD disposition, auto... rest) {
+                const bool writes = (access & GENERIC_WRITE) != 0 && disposition != CREATE_NEW;
+                const DWORD attributes = GetFileAttributesW(path);
+                if (!writes || attributes == INVALID_FILE_ATTRIBUTES ||
+                    (attributes & FILE_ATTRIBUTE_READONLY) == 0)
+                    return real(path, access, share, security, disposition, rest...);
+                SetLastError(ERROR_ACCESS_DENIED);
+                return INVALID_HANDLE_VALUE;
+            });
+        EXPECT_THAT(Copying(), ThrowsErrno("Cannot write into " + copy_, EACCES));
+    }
+    SetFileAttributesW(ToWide(copy_).c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(Read(copy_), "before");
 }
 
 // A real disk that is too small, rather than a call that says so.

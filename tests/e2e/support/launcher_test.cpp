@@ -20,6 +20,8 @@ bool IsElevated() {
 }
 
 void LauncherTest::SetUp() {
+    // The launcher would refuse to start any installer. tools/wine-run.sh gives these rights on
+    // Wine, the README asks for them on Windows.
     if (!IsElevated()) GTEST_SKIP() << "needs a console that runs as administrator";
 }
 
