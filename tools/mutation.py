@@ -6,6 +6,9 @@ layer, then by those of the other layers, and last by those that run the launche
 to the first that fails. Results are kept, one JSON object a line; a second call goes on where the
 first one ended. `--until unit` leaves out the slow last stage, which a later call makes up for.
 
+What does not compile is not counted, nor a change that no test notices because the released program
+is the same with it, byte for byte.
+
     tools/mutation.py                        a random sample of 500, seed 1
     tools/mutation.py --sample 0             every place
     tools/mutation.py fs/copy.cpp media      the places of some files or folders
@@ -17,9 +20,9 @@ The exit code is 0 when at least 97 % of the judged mutants were killed.
 
 import argparse
 import collections
+import hashlib
 import json
 import queue
-import random
 import sys
 import threading
 import time
@@ -34,6 +37,7 @@ REPOSITORY = Path(__file__).resolve().parent.parent
 # the stack's canary.
 LEFT_OUT = {"launcher/mingw_runtime.cpp"}
 STAGES = ("layer", "unit", "all")
+NOT_COUNTED = ("not compiled", "same program")
 GOAL = 0.97
 
 
@@ -70,11 +74,12 @@ class Runner:
                 self.results[result["id"]] = result
 
     def mutants(self):
-        """The chosen ones, in the order in which they are judged."""
+        """The chosen ones, in the order in which they are judged: the seed's, by each one's own
+        name, so that a change of the sources replaces few of a sample."""
         arguments = self.arguments
         found = [mutant for file in product_files(arguments.files)
                  for mutant in find(file, self.sources[file], arguments.seed)]
-        random.Random(arguments.seed).shuffle(found)
+        found.sort(key=lambda mutant: hashlib.sha1(f"{arguments.seed} {mutant.id}".encode()).digest())
         if arguments.again:
             wanted = {json.loads(line)["id"]: None
                       for line in Path(arguments.again).read_text().splitlines()}
@@ -122,6 +127,8 @@ class Runner:
                 result["result"] = "not compiled"
             else:
                 result.update(self.test(tree, mutant, first, last))
+                if result["result"] == "survived" and tree.is_same_program():
+                    result["result"] = "same program"
         finally:
             tree.restore()
         result["seconds"] = round(time.monotonic() - start, 1)
@@ -179,7 +186,7 @@ class Runner:
                                            self.judged < self.arguments.sample):
                 mutant = waiting.get()
                 known = self.results.get(mutant.id, {})
-                if known.get("result") == "not compiled":
+                if known.get("result") in NOT_COUNTED:
                     continue
                 self.judged += 1
                 done = known.get("result") == "killed" or known.get("result") == "survived" and \
@@ -192,7 +199,7 @@ class Runner:
         while mutant := self.take(waiting):
             result = self.judge(tree, mutant)
             with self.lock:
-                if result["result"] == "not compiled":
+                if result["result"] in NOT_COUNTED:
                     self.judged -= 1
                 self.results[mutant.id] = result
                 with open(self.file, "a") as file:
@@ -203,10 +210,11 @@ class Runner:
     # --- what is known
 
     def report(self):
-        sample, results = self.arguments.sample, []
+        sample, results, same = self.arguments.sample, [], 0
         for mutant in self.mutants():
             result = self.results.get(mutant.id)
-            if result and result["result"] != "not compiled":
+            same += bool(result) and result["result"] == "same program"
+            if result and result["result"] not in NOT_COUNTED:
                 results.append(dict(result, line=mutant.line))
             if sample and len(results) == sample:
                 break
@@ -214,7 +222,8 @@ class Runner:
         for result in results:
             for row in (result["kind"], "all"):
                 rows[row][result["result"]] += 1
-        print(f"\nseed {self.arguments.seed}, {len(results)} mutants judged")
+        print(f"\nseed {self.arguments.seed}, {len(results)} mutants judged, {same} more give the "
+              "same program")
         print(f"{'':12}{'killed':>8}{'survived':>10}{'share':>9}")
         for row in sorted(rows, key=lambda name: (name == "all", name)):
             count = rows[row]

@@ -29,6 +29,7 @@ class Tree:
         self.source = self.folder / "source"
         self.build_folder = self.folder / "build"
         self.pristine = self.folder / "pristine"
+        self.release_folder = self.build_folder / "release"  # goes back with the rest
         self.state = {}
 
     # --- making it
@@ -47,6 +48,9 @@ class Tree:
                    "-DCMAKE_EXE_LINKER_FLAGS=-Wl,--allow-multiple-definition", *launcher])
         if not self.build(self.programs() if layers_only else []):
             raise Failure("the sources do not build as they are:\n" + self.output[-4000:])
+        self.call(["cmake", "--preset", "mingw", "-B", self.release_folder,
+                   "-DLAUNCHER_BUILD_TESTS=OFF", "-DCMAKE_CXX_FLAGS=-w"])
+        self.released = self.release()
         self.take_snapshot()
         # Here rather than with the first test, which has a time limit.
         self.call([self.source / "tools/wine-run.sh", self.build_folder / "wine-prefix", "cmd.exe",
@@ -120,6 +124,14 @@ class Tree:
             return False
         return True
 
+    def release(self):
+        """The launcher as it would be released: the same bytes as long as nothing in it changes."""
+        self.call(["cmake", "--build", self.release_folder, "--target", "setup"])
+        return (self.release_folder / "launcher/setup.exe").read_bytes()
+
+    def is_same_program(self):
+        return self.release() == self.released
+
     # --- testing it
 
     def programs(self):
@@ -137,7 +149,7 @@ class Tree:
     def objects_of(self, file):
         """The object files that are compiled of one source, as build targets."""
         return [name for name in self.state if name.endswith(f"/{Path(file).name}.obj")
-                and f"{Path(file).parent}/CMakeFiles" in name]
+                and name.startswith(f"{Path(file).parent}/CMakeFiles")]
 
     def run(self, program, arguments, timeout):
         """"passed", "timeout" or the name of the first failed test ("?" after a crash)."""
