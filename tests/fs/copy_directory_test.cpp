@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "fs/copy.h"
+#include "fs/encoding.h"
 #include "fs/file_type.h"
 #include "tests/support/file_test.h"
 #include "tests/support/hook.h"
@@ -102,6 +103,25 @@ TEST_F(CopyDirectoryTest, OverwritesSameNamesAndLeavesOthersAlone) {
                                                Pair("folder", "/"), Pair("folder\\same", "new"),
                                                Pair("folder\\other", "kept"), Pair("empty", "/"),
                                                Pair("empty\\other", "kept")));
+}
+
+// A check costs as much as a third of copying a small file.
+TEST_F(CopyDirectoryTest, ChecksTheDestinationBeforeTheFirstFileOnly) {
+    for (const char* const name : {"from\\1", "from\\2", "from\\3"})
+        folder_.Write(name, "content");
+    folder_.MakeDir("to");
+    const std::wstring destination = ToWide(folder_.Text("to"));
+    int checks = 0;
+    {
+        const Hook<decltype(&GetFileAttributesW)> asked("GetFileAttributesW",
+                                                        [&](auto real, LPCWSTR name) {
+                                                            checks += name == destination;
+                                                            return real(name);
+                                                        });
+        CopyTree();
+    }
+    EXPECT_EQ(checks, 1);
+    EXPECT_EQ(Copied(), Original());
 }
 
 TEST_F(CopyDirectoryTest, CopiesWhatLinksToFilesHold) {
