@@ -82,6 +82,7 @@ TEST(SystemErrorText, CutsOneTrailingLineBreak) {
         std::pair{L"Done. \r\n", "Done. "},
         std::pair{L"Done.\r\n\r\n", "Done.\r\n"},
         std::pair{L"\r\n", ""},
+        std::pair{L".", "."},
         std::pair{L"Done.\n", "Done.\n"},
         std::pair{L"Done.\r", "Done.\r"},
         std::pair{L"a\r\nb", "a\r\nb"},
