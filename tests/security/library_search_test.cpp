@@ -114,7 +114,7 @@ TEST_P(EarlyLibrary, IsTakenByTheLauncherAsByAnyProgram) {
     // enough.
     std::set<std::string> unavoidable;
     for (int runs = 0;
-         IsWine() && runs < 10 && !std::ranges::includes(unavoidable, attacked.loaded); ++runs)
+         IsWine() && runs < 30 && !std::ranges::includes(unavoidable, attacked.loaded); ++runs)
         unavoidable.merge(RunControl(Restricted(occasion.control)).loaded);
     EXPECT_THAT(attacked.loaded, IsSubsetOf(unavoidable));
 }

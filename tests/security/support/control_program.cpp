@@ -4,7 +4,7 @@
 //   restrict  restricts the search for libraries, as the launcher does first of all
 //   map       looks at a web library as the launcher does; without one the exit code is 1
 //   box       shows a message box
-//   dialog    shows the dialog for files and folders
+//   dialog    shows the dialog for folders
 
 #include <windows.h>
 // windows.h first: the shell headers need it.
@@ -14,9 +14,12 @@
 
 #include <cwchar>
 
+#include "fs/encoding.h"
 #include "fs/owners.h"
+#include "fs/path.h"
 #include "installer/com.h"
 #include "platform/dll_search.h"
+#include "platform/module_path.h"
 #include "platform/owners.h"
 
 namespace {
@@ -32,6 +35,17 @@ Function FromCom(const char* name) {
         reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"ole32.dll"), name)));
 }
 
+// The launcher's start folder, if it stood in this program's place.
+ComPtr<IShellItem> StartFolder() {
+    const launcher::Path programs(launcher::GetModuleDirectory());
+    ComPtr<IShellItem> item;
+    SHCreateItemFromParsingName(
+        launcher::ToWide(launcher::Parent(launcher::Parent(programs)).Text()).c_str(), nullptr,
+        IID_PPV_ARGS(item.Put()));
+    return item;
+}
+
+// Like the launcher's: what a dialog draws decides what Wine loads.
 void ShowDialog() {
     FromCom<decltype(&CoInitializeEx)>("CoInitializeEx")(
         nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
@@ -39,7 +53,12 @@ void ShowDialog() {
     FromCom<decltype(&CoCreateInstance)>("CoCreateInstance")(
         CLSID_FileOpenDialog, nullptr, CLSCTX_ALL, IID_IFileDialog,
         reinterpret_cast<void**>(dialog.Put()));
-    if (dialog) dialog->Show(nullptr);
+    if (!dialog) return;
+    FILEOPENDIALOGOPTIONS options = 0;
+    dialog->GetOptions(&options);
+    dialog->SetOptions(options | FOS_PICKFOLDERS);
+    if (const ComPtr<IShellItem> folder = StartFolder()) dialog->SetDefaultFolder(folder.Get());
+    dialog->Show(nullptr);
 }
 
 // Imports that the launcher has and this program does not need.
