@@ -40,7 +40,8 @@ std::wstring DriveOnHost(const std::wstring& letter) {
     return DevicesOnHost() + letter;
 }
 
-constexpr int kPatience = 2000;  // times 5 milliseconds
+constexpr int kPatience = 2000;          // times 5 milliseconds
+constexpr DWORD kClaimPatience = 60000;  // milliseconds
 
 bool IsThere(const stdfs::path& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -98,11 +99,22 @@ FolderLink::~FolderLink() {
 
 MappedDrive::MappedDrive(const stdfs::path& folder) : MappedDrive(FreeDrive(), folder) {}
 
+MappedDrive::Claim::Claim(const std::wstring& letter)
+    : mutex_(CreateMutexW(nullptr, FALSE, (L"launcher-test-" + letter).c_str())) {
+    // A test that ended without releasing it has left it to the next one.
+    const DWORD result = WaitForSingleObject(mutex_, kClaimPatience);
+    if (result == WAIT_OBJECT_0 || result == WAIT_ABANDONED) return;
+    CloseHandle(mutex_);
+    throw std::runtime_error("another test keeps " + ToNarrow(letter.c_str()));
+}
+
+MappedDrive::Claim::~Claim() {
+    ReleaseMutex(mutex_);
+    CloseHandle(mutex_);
+}
+
 MappedDrive::MappedDrive(const std::string& drive, const stdfs::path& folder)
-    : letter_(ToWide(drive)), folder_(folder) {
-    // Another test's, which runs at the same time, comes free.
-    for (int i = 0; i < kPatience && IsThere(Root()); ++i)
-        Sleep(5);
+    : letter_(ToWide(drive)), folder_(folder), claim_(letter_) {
     if (IsThere(Root())) throw std::runtime_error(drive + " is taken");
     if (IsWine())
         LinkOnHost(DriveOnHost(letter_), OnHost(folder), Root());

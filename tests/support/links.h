@@ -21,7 +21,7 @@ class FolderLink {
     std::filesystem::path link_;
 };
 
-// A drive letter for a folder.
+// A drive letter for a folder. Programs that want the same one have it one after the other.
 class MappedDrive {
   public:
     // A free letter, or `drive`, a small letter and a colon.
@@ -34,8 +34,21 @@ class MappedDrive {
     std::filesystem::path Root() const { return letter_ + L"\\"; }
 
   private:
+    // Ended by the thread that made it.
+    class Claim {
+      public:
+        explicit Claim(const std::wstring& letter);
+        Claim(const Claim&) = delete;
+        Claim& operator=(const Claim&) = delete;
+        ~Claim();
+
+      private:
+        void* mutex_;
+    };
+
     std::wstring letter_;  // "q:"
     std::filesystem::path folder_;
+    Claim claim_;
 };
 
 // A disk of 256 KiB in the place of an empty folder. Only Wine on a host whose root runs the test
