@@ -8,8 +8,9 @@
 # First, three small programs with such faults show that each check works.
 set -eu
 cd "$(dirname "$0")/.."
-build=$PWD/build/undefined
-prefix=$build/wine-prefix
+# Relative, so that lists of files can be divided at blanks, wherever this folder is.
+build=build/undefined
+prefix=$PWD/$build/wine-prefix
 flags="-fsanitize=undefined -fsanitize-undefined-trap-on-error -D_GLIBCXX_ASSERTIONS"
 
 # Warnings are for the ordinary builds: the checks make the compiler see faults in its own library.
@@ -31,8 +32,8 @@ check_heap_of() {
     done
 }
 
-programs=$(find "$build"/tests/fs "$build"/tests/platform "$build"/tests/launcher \
-    "$build"/tests/media "$build"/tests/installer -name "*.exe" | sort)
+programs=$(find $build/tests/fs $build/tests/platform $build/tests/launcher \
+    $build/tests/media $build/tests/installer -name "*.exe" | sort)
 samples=$build/samples
 mkdir -p "$samples"
 cp tools/undefined_sample.cpp "$samples/sample.cpp"
@@ -42,7 +43,7 @@ x86_64-w64-mingw32-g++-posix -std=c++20 $flags -static -o "$samples/sample.exe" 
 # shellcheck disable=SC2086
 check_heap_of "$samples/sample.exe" $programs >"$build/heap.reg"
 export WINEDEBUG="-all,err+heap,warn+heap"
-tools/wine-run.sh "$prefix" regedit "$(printf 'Z:%s' "$build/heap.reg" | tr / '\\')"
+tools/wine-run.sh "$prefix" regedit "$(printf 'Z:%s' "$PWD/$build/heap.reg" | tr / '\\')"
 
 # Passes when the program ends well and the heap has nothing to say.
 passes() {

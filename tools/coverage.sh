@@ -32,19 +32,17 @@ if [ $run_tests = yes ]; then
 fi
 
 # "#" stands for "/": each count belongs beside the notes that the compiler left.
-layers="$build/fs $build/platform $build/launcher $build/media $build/installer"
-# shellcheck disable=SC2086  # a list of folders
-find $layers -name "*.gcda" -delete
+set -- "$build/fs" "$build/platform" "$build/launcher" "$build/media" "$build/installer"
+find "$@" -name "*.gcda" -delete
 for file in "$data"/*.gcda; do
     cp "$file" "$(basename "$file" | tr '#' /)"
 done
 
 mkdir -p "$build/report"
-# shellcheck disable=SC2086
 gcovr --root . --gcov-executable x86_64-w64-mingw32-gcov-posix --object-directory "$build" \
     --filter 'fs/' --filter 'platform/' --filter 'launcher/' --filter 'media/' \
     --filter 'installer/' --exclude launcher/mingw_runtime.cpp \
     --exclude-throw-branches --exclude-unreachable-branches \
     --html-details "$build/report/index.html" --json "$build/report/coverage.json" \
-    -j "$(nproc)" $layers >/dev/null
+    -j "$(nproc)" "$@" >/dev/null
 python3 tools/coverage_table.py "$build/report/coverage.json"
