@@ -1,13 +1,13 @@
 #!/bin/sh
 # What the project checks for itself, apart from the tests: the style, the direction of the includes,
 # three linters, every compiler and target that Debian has with warnings as errors, the fuzzers' kept
-# inputs, two builds with the same bytes, the release folder, and the table of the executable's Windows
-# calls. Everything it does is in build/logs.
+# inputs, two builds with the same bytes, the release folder with its licence texts and bill of
+# materials, and the table of the executable's Windows calls. Everything it does is in build/logs.
 set -eu
 cd "$(dirname "$0")/.."
 . tools/steps.sh
 
-tools/install-tools.sh clang lld clang-format clang-tidy cppcheck shellcheck
+tools/install-tools.sh clang lld clang-format clang-tidy cppcheck shellcheck git python3-jsonschema
 
 layers="fs platform media installer launcher"
 
@@ -49,4 +49,7 @@ step "clang-tidy" clang_tidy
 step "cppcheck" run_cppcheck
 step "reproducible" tools/check-reproducible.sh
 step "release folder" ./package.sh
+step "licence texts and bill of materials" tools/check-third-party.sh \
+    "$(ls -td dist/media-launcher-* | head -n 1)"
+step "their check" tests/tools/third_party_test.sh
 step "table of Windows calls" tools/check-windows-calls.py build/package-mingw/launcher/setup.exe
