@@ -19,8 +19,8 @@ all="path relative_path replace_all volume_text command_line uuid_text options"
 # What is freed is kept for a while, to catch its use; much of it costs more than it finds here.
 export ASAN_OPTIONS="quarantine_size_mb=1:thread_local_quarantine_size_kb=16:malloc_context_size=0"
 
-usage() {
-    sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2
+refuse() {
+    echo "fuzz.sh: $*" >&2
     exit 2
 }
 
@@ -85,18 +85,32 @@ minimise() {
         rm -rf "$new"
         mkdir -p "$new" "$build/found/$target" "$corpus/$target"
         fuzz "$target" -merge=1 -use_counters=0 "$new" "$corpus/$target" "$build/found/$target"
-        rm -rf "${corpus:?}/$target"
-        cp -r "$new" "$corpus/$target"
+        # Never without a corpus, whenever this is interrupted.
+        for input in "$new"/*; do cp "$input" "$corpus/$target"; done
+        for input in "$corpus/$target"/*; do
+            [ -e "$new/$(basename "$input")" ] || rm "$input"
+        done
         printf '%-14s %5s inputs\n' "$target" "$(find "$new" -type f | wc -l)"
     done
 }
 
-[ $# -ge 1 ] || usage
-command=$1
-shift
-case $command in
-    replay) build_targets && replay ;;
-    run) build_targets && run "${1:-1000000}" "${2:-}" ;;
-    minimise) build_targets && minimise ;;
-    *) usage ;;
+case $#-${1-} in
+    1-replay | 1-minimise) ;;
+    [123]-run)
+        case ${2-1} in
+            "" | s | 0* | *[!0-9s]* | *s?*) refuse "no number of executions, nor of seconds (\"600s\"): \"$2\"" ;;
+        esac
+        case " $all " in
+            *" ${3-path} "*) ;;
+            *) refuse "no such target: \"$3\"; there are $all" ;;
+        esac
+        ;;
+    *) refuse "give \"replay\", \"run [AMOUNT] [TARGET]\" or \"minimise\": \"$*\"" ;;
+esac
+
+build_targets
+case $1 in
+    replay) replay ;;
+    run) run "${2:-1000000}" "${3:-}" ;;
+    minimise) minimise ;;
 esac
