@@ -20,9 +20,9 @@ fail() {
 # beside it.
 ram=$(mktemp -d /dev/shm/launcher-bench.XXXXXX 2>/dev/null) ||
     fail 1 "needs a RAM disk, /dev/shm, that it may write to"
-kept=""
+# Windows programs outlive an interrupted script, and would go on writing.
 clean_up() {
-    stop_keeping
+    WINEPREFIX=$prefix wineserver -k 2>/dev/null || true
     rm -rf "$ram"
 }
 trap clean_up EXIT
@@ -38,10 +38,8 @@ windows() { printf 'z:%s' "$1"; }
 keep_warm() {
     run "$programs/start_child.exe" >/dev/null 2>&1 </dev/null || true  # makes a new prefix
     WINEPREFIX=$prefix WINEDEBUG=-all "$wine" notepad >/dev/null 2>&1 </dev/null &
-    kept=$!
     sleep 3
 }
-stop_keeping() { [ -z "$kept" ] || kill "$kept" 2>/dev/null || true; }
 
 # need_programs: those that run.sh builds, and what counts calls
 need_programs() {
