@@ -46,7 +46,7 @@ build mingw32 x86
 cmake --preset mingw -B build/package-tools -DLAUNCHER_BUILD_TESTS=OFF -DLAUNCHER_BUILD_TOOLS=ON \
     >/dev/null
 cmake --build build/package-tools --target mediatool
-install -D -m 755 build/package-tools/tools/mediatool/mediatool.exe "$release/mediatool.exe"
+install -D -m 755 build/package-tools/mediatool/mediatool.exe "$release/mediatool.exe"
 [ $# = 0 ] || sign "$@" "$here/$release/x64/setup.exe" "$here/$release/x86/setup.exe" \
     "$here/$release/mediatool.exe"
 

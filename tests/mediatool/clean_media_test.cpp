@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "mediatool/base/failures.h"
 #include "tests/mediatool/mistake_row.h"
 #include "tests/support/wine.h"
 

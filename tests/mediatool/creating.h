@@ -5,10 +5,9 @@
 
 #include <string>
 
+#include "mediatool/base/failures.h"
+#include "mediatool/create/create.h"
 #include "tests/mediatool/mistake_row.h"
-#include "tools/mediatool/create.h"
-#include "tools/mediatool/findings.h"
-#include "tools/mediatool/writer.h"
 
 namespace launcher::test {
 

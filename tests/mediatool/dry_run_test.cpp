@@ -2,11 +2,11 @@
 
 #include <windows.h>
 
+#include "mediatool/dry_run/dry_run.h"
 #include "tests/e2e/support/media.h"
 #include "tests/mediatool/command.h"
 #include "tests/support/hook.h"
 #include "tests/support/wine.h"
-#include "tools/mediatool/dry_run.h"
 
 namespace launcher::test {
 namespace {

@@ -6,9 +6,10 @@
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
+#include "mediatool/base/failures.h"
+#include "mediatool/base/files.h"
 #include "tests/mediatool/mistake_row.h"
 #include "tests/support/links.h"
-#include "tools/mediatool/files.h"
 
 namespace launcher::test {
 namespace {

@@ -5,9 +5,9 @@
 #include <stdexcept>
 #include <utility>
 
+#include "mediatool/media/markers.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wine.h"
-#include "tools/mediatool/markers.h"
 
 namespace launcher::test {
 

@@ -5,8 +5,8 @@
 #include <random>
 #include <stdexcept>
 
+#include "mediatool/media/markers.h"
 #include "tests/support/wine.h"
-#include "tools/mediatool/markers.h"
 
 namespace launcher::test {
 namespace {

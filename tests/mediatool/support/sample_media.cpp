@@ -5,7 +5,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "tools/mediatool/markers.h"
+#include "mediatool/media/markers.h"
 
 namespace launcher::test {
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "mediatool/media/launcher_view.h"
+#include "mediatool/validate/validate.h"
 #include "tests/support/temporary_folder.h"
-#include "tools/mediatool/launcher_view.h"
-#include "tools/mediatool/validate.h"
 
 namespace launcher::test {
 

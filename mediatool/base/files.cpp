@@ -1,0 +1,171 @@
+#include "mediatool/base/files.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "fs/encoding.h"
+#include "fs/exceptions.h"
+#include "fs/owners.h"
+
+namespace launcher::mediatool {
+namespace {
+
+Entry EntryFrom(const WIN32_FIND_DATAW& data) {
+    Entry entry;
+    entry.name = ToNarrow(data.cFileName);
+    entry.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    entry.isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    if (!entry.isFolder) entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
+    return entry;
+}
+
+bool IsDotEntry(const Entry& entry) {
+    return entry.name == "." || entry.name == "..";
+}
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// A file or folder, links followed, to be asked about and not read.
+FileHandle OpenToAsk(const std::string& path) {
+    return FileHandle(CreateFileW(Extended(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+}
+
+}  // namespace
+
+Path FullPath(const std::string& text) {
+    const std::wstring wide = ToWide(Path(text).Text());
+    if (wide.empty()) return Path();
+    // A bare drive means its root here, not the current folder of that drive.
+    const std::wstring asked = wide.back() == L':' ? wide + L'\\' : wide;
+    std::wstring full(32768, L'\0');
+    full.resize(
+        GetFullPathNameW(asked.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return Path(ToNarrow(full.c_str()));
+}
+
+std::wstring Extended(const std::string& path) {
+    const std::wstring wide = ToWide(path);
+    if (wide.starts_with(L"\\\\?\\")) return wide;
+    if (wide.starts_with(L"\\\\")) return L"\\\\?\\UNC\\" + wide.substr(2);
+    return L"\\\\?\\" + wide + (wide.ends_with(L':') ? L"\\" : L"");
+}
+
+std::optional<Entry> Look(const Path& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (IsEmpty(path) ||
+        !GetFileAttributesExW(Extended(path.Text()).c_str(), GetFileExInfoStandard, &data))
+        return std::nullopt;
+    WIN32_FIND_DATAW found{};
+    found.dwFileAttributes = data.dwFileAttributes;
+    found.nFileSizeHigh = data.nFileSizeHigh;
+    found.nFileSizeLow = data.nFileSizeLow;
+    Entry entry = EntryFrom(found);
+    entry.name = FileName(path);
+    return entry;
+}
+
+bool IsFile(const Path& path) {
+    const std::optional<Entry> entry = Look(path);
+    return entry && !entry->isFolder;
+}
+
+bool IsFolder(const Path& path) {
+    const std::optional<Entry> entry = Look(path);
+    return entry && entry->isFolder;
+}
+
+std::optional<std::vector<Entry>> List(const Path& folder) {
+    std::wstring pattern = Extended(folder.Text());
+    if (!pattern.ends_with(L'\\')) pattern += L'\\';
+    pattern += L'*';
+    WIN32_FIND_DATAW data{};
+    const FindHandle search(FindFirstFileW(pattern.c_str(), &data));
+    if (!search) return std::nullopt;
+    std::vector<Entry> entries;
+    do {
+        Entry entry = EntryFrom(data);
+        if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
+    } while (FindNextFileW(search.Get(), &data));
+    std::ranges::sort(entries, std::ranges::less(), &Entry::name);
+    return entries;
+}
+
+std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
+    const FileHandle file(CreateFileW(Extended(path.Text()).c_str(), GENERIC_READ, kShareAll,
+                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) return std::nullopt;
+    std::string bytes(limit, '\0');
+    DWORD count = 0;
+    if (!ReadFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr))
+        return std::nullopt;
+    bytes.resize(count);
+    return bytes;
+}
+
+bool CanBeRead(const std::string& path) {
+    const FileHandle file(CreateFileW(Extended(path).c_str(), GENERIC_READ, kShareAll, nullptr,
+                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return static_cast<bool>(file);
+}
+
+// Windows opens a hidden file for writing, but does not put a new one in its place.
+bool CanBeOverwritten(const std::string& path) {
+    constexpr DWORD kKept = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+    const std::wstring name = Extended(path);
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+    if ((attributes & kKept) != 0) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return false;
+    }
+    const FileHandle file(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return static_cast<bool>(file);
+}
+
+std::optional<FileIdentity> IdentityOf(const std::string& path) {
+    const FileHandle file = OpenToAsk(path);
+    BY_HANDLE_FILE_INFORMATION data{};
+    if (!file || !GetFileInformationByHandle(file.Get(), &data)) return std::nullopt;
+    const std::uint64_t index = (std::uint64_t{data.nFileIndexHigh} << 32) | data.nFileIndexLow;
+    if (index == 0) return std::nullopt;
+    return FileIdentity{data.dwVolumeSerialNumber, index};
+}
+
+Path FinalPath(const Path& path) {
+    const FileHandle file = OpenToAsk(path.Text());
+    std::wstring name(32768, L'\0');
+    if (file)
+        name.resize(
+            GetFinalPathNameByHandleW(file.Get(), name.data(), static_cast<DWORD>(name.size()), 0));
+    return file && !name.empty() ? Path(ToNarrow(name.c_str())) : path;
+}
+
+std::string LastErrorText() {
+    std::string text = SystemErrorText(GetLastError());
+    while (text.ends_with('.') || text.ends_with(' '))
+        text.pop_back();
+    return text;
+}
+
+std::size_t WideLength(const std::string& text) {
+    return ToWide(text).size();
+}
+
+bool SameName(const std::string& left, const std::string& right) {
+    const std::wstring a = ToWide(left);
+    const std::wstring b = ToWide(right);
+    return CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(),
+                                static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
+}
+
+std::string InLowerCase(const std::string& text) {
+    std::wstring wide = ToWide(text);
+    CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));
+    return ToNarrow(wide.c_str());
+}
+
+}  // namespace launcher::mediatool

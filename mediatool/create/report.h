@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "mediatool/base/json.h"
+#include "mediatool/create/create.h"
+
+namespace launcher::mediatool {
+
+// What create has done, for people and for programs.
+std::string TextOf(const Creation& creation);
+Json JsonOf(const Creation& creation, const CreateRequest& request);
+
+}  // namespace launcher::mediatool

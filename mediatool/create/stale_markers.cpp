@@ -1,0 +1,125 @@
+// Markers of another set where a new one is going to be.
+
+#include <algorithm>
+
+#include "media/volume_files.h"
+#include "mediatool/base/failures.h"
+#include "mediatool/base/files.h"
+#include "mediatool/create/plan.h"
+#include "mediatool/media/marker_bytes.h"
+#include "mediatool/validate/outer_volumes.h"
+#include "mediatool/validate/volume_markers.h"
+
+namespace launcher::mediatool {
+namespace {
+
+bool IsSame(const Path& left, const Path& right) {
+    return SameName(left.Text(), right.Text());
+}
+
+class StaleMarkers {
+  public:
+    StaleMarkers(const CreateRequest& request, const Plan& plan)
+        : request_(request), plan_(plan), parent_(ParentOfVolumes(plan.folders.front())) {
+        if (request.layout != Layout::Outer) return;
+        const Path outer = Join(plan.out, std::to_string(request.firstOuter));
+        for (Path above = Parent(plan.folders.front()); !IsSame(above, Parent(outer));
+             above = Parent(above))
+            above_.push_back(above);
+    }
+
+    void Refuse() const {
+        CheckEntriesOf(plan_.folders.front());
+        if (request_.layout != Layout::OneFolder)
+            std::for_each(plan_.folders.begin() + 1, plan_.folders.end(),
+                          [this](const Path& folder) { CheckEntriesOf(folder); });
+        for (const Path& folder : above_)
+            CheckEntriesOf(folder);
+        if (LooksBeside())
+            for (const Entry& entry : List(parent_).value_or(std::vector<Entry>()))
+                if (entry.isFolder && IsNumber(entry.name)) CheckBeside(Join(parent_, entry.name));
+        CheckOuterVolumes();
+        for (const CopiedFile& copy : plan_.copies)
+            Check(copy.destination, copy.source);
+    }
+
+  private:
+    // The launcher, or the installer that is told nothing of volumes, when there is only one.
+    bool LooksBeside() const {
+        return request_.layout != Layout::OneFolder || request_.volumes == 1;
+    }
+
+    // Volumes of the new set in outer volumes that it does not have.
+    void CheckOuterVolumes() const {
+        if (request_.layout != Layout::Outer && request_.volumes > 1) return;
+        for (const VolumeInOuter& volume : VolumesInOuter(plan_.folders.front(), request_.id))
+            if (!IsWritten(volume.marker)) RefuseOther(volume.marker);
+    }
+
+    [[noreturn]] static void RefuseOther(const Path& marker) {
+        throw Refused("\"" + marker.Text() +
+                      "\" is the marker of a volume that is not at this place in the new set; "
+                      "remove it first.");
+    }
+
+    void CheckEntriesOf(const Path& folder) const {
+        for (const Entry& entry : List(folder).value_or(std::vector<Entry>()))
+            if (!entry.isFolder) Check(Join(folder, entry.name), Join(folder, entry.name));
+    }
+
+    void CheckBeside(const Path& folder) const {
+        const Path marker = Join(folder, FileName(folder) + ".txt");
+        if (IsFile(marker)) Check(marker, marker);
+    }
+
+    // `file` is at `place`, or is going to be.
+    void Check(const Path& place, const Path& file) const {
+        if (IsNumberedAbove(place))
+            throw Refused("\"" + file.Text() +
+                          "\" is named like the marker of an outer volume, and the launcher would "
+                          "take it for one; rename or remove it first.");
+        if (IsOfAnotherVolume(place, file)) RefuseOther(file);
+    }
+
+    bool IsWritten(const Path& place) const {
+        return std::ranges::any_of(
+            plan_.texts, [&place](const TextFile& text) { return IsSame(text.path, place); });
+    }
+
+    // In a folder where the launcher looks for the marker of the first outer volume, it takes any
+    // file of such a name. Another case of letters hides the right one from it.
+    bool IsNumberedAbove(const Path& place) const {
+        const auto isHere = [&place](const Path& folder) { return IsSame(folder, Parent(place)); };
+        if (std::ranges::none_of(above_, isHere)) return false;
+        const std::string name = FileName(place);
+        return IsWritten(place) ? name != MarkerName(request_.firstOuter) : IsOuterMarkerName(name);
+    }
+
+    bool IsOfAnotherVolume(const Path& place, const Path& file) const {
+        const long long number = NumberIn(place);
+        if (number < 1 || IsWritten(place)) return false;
+        const std::string id = ReadMtbDir(file.Text());
+        if (id.empty()) return false;
+        const Path folder = Parent(place);
+        const auto isHere = [&folder](const Path& volume) { return IsSame(volume, folder); };
+        if (std::ranges::any_of(plan_.folders, isHere)) return true;
+        // Beside volume 1: a volume of another set is none of the launcher's business, but for the
+        // outer layout, where it looks here first.
+        const bool isBeside = number > 1 && IsSame(folder, Join(parent_, std::to_string(number)));
+        const bool isLookedAt = request_.layout == Layout::Outer && number <= request_.volumes;
+        return isBeside && (id == request_.id || isLookedAt);
+    }
+
+    const CreateRequest& request_;
+    const Plan& plan_;
+    Path parent_;              // of volume 1's folder
+    std::vector<Path> above_;  // from there up to the first outer volume
+};
+
+}  // namespace
+
+void RefuseStaleMarkers(const CreateRequest& request, const Plan& plan) {
+    StaleMarkers(request, plan).Refuse();
+}
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "mediatool/dry_run/environment.h"
+#include "mediatool/dry_run/rehearsal/rehearsal.h"
+#include "mediatool/media/launcher_view.h"
+
+namespace launcher::mediatool {
+
+struct DryRunRequest {
+    std::string media;                                             // the folder with the launcher
+    std::vector<std::string> arguments;                            // of the launcher
+    PretendedMachine machine;                                      // without the launcher's path
+    std::vector<std::pair<std::string, std::string>> environment;  // set before the run
+};
+
+// The installer that was chosen.
+struct ChosenInstaller {
+    std::string path;     // as it would be started; in the copy when there is one
+    std::string foundAt;  // where it was found
+    std::string osFolder;
+    std::string foundBy;  // "current-media", "-installerPath", "ZEP_TALVOR_Installer",
+                          // "folder-dialog"
+    std::string program;  // what kind of file it is: "64-bit", "32-bit", "library", "other
+                          // machine", "no program", "cut off", "folder", "unreadable"
+};
+
+struct CopyDecision {
+    bool made = false;
+    std::string reason;  // a sentence
+};
+
+// Everything about one rehearsed run.
+struct DryRun {
+    std::string launcher;                // full path of setup.exe
+    std::string doubt;                   // why it may do something else, a sentence; mostly empty
+    std::vector<std::string> arguments;  // its own
+    PretendedMachine machine;
+    std::vector<std::string> variables;  // names of those that are pretended
+    std::string temp;                    // its "TEMP"
+    Journal journal;
+    int exitCode = 0;
+    bool exitCodeIsInstallers = false;
+    std::string meaning;                          // of the exit code, as a sentence
+    bool started = false;                         // the installer would have been
+    bool showsCommandLine = false;                // in a console that stays open, as
+                                                  // DEBUGCMD_INSTALLK7 asks; no installer then
+    std::vector<std::string> installerArguments;  // as it would see them, without the program
+    std::vector<Change> environment;
+    std::optional<ChosenInstaller> installer;
+    std::optional<LauncherView> volumes;  // nothing when the run did not come so far
+    bool volumesChecked = false;          // false when an option or a variable forbids it
+    CopyDecision copy;
+
+    // Boxes, dialogs and the console that stays open, in which a run that nobody watches waits for
+    // ever.
+    std::size_t Waits() const;
+};
+
+// Rehearses one run of the launcher in this process, which can be done once in each: the launcher
+// remembers some answers for as long as it runs. Throws BadInput.
+DryRun RunDry(const DryRunRequest& request);
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,77 @@
+// What the launcher does to the world: messages, the end of the process, the installer, the dialog
+// and the clean-up script.
+
+#include <utility>
+
+#include "installer/folder_dialog.h"
+#include "installer/installer_process.h"
+#include "launcher/base/message.h"
+#include "launcher/base/message_output.h"
+#include "launcher/remove_script.h"
+#include "media/installer_media.h"
+#include "mediatool/dry_run/rehearsal/process_start.h"
+#include "mediatool/dry_run/rehearsal/rehearsal.h"
+
+namespace launcher {
+namespace {
+
+using mediatool::CurrentRehearsal;
+using mediatool::Message;
+
+void WriteDown(Message message) {
+    if (mediatool::Rehearsal* const rehearsal = CurrentRehearsal())
+        rehearsal->journal.messages.push_back(std::move(message));
+}
+
+}  // namespace
+
+void ShowBox(const std::string& text, Severity severity) {
+    WriteDown({text, severity, /*box=*/true, /*toErrors=*/false, /*dialog=*/false});
+}
+
+void WriteConsoleLine(const std::string& text, Severity severity, bool toErrors) {
+    WriteDown({text, severity, /*box=*/false, toErrors, /*dialog=*/false});
+}
+
+void EndProcess(int exitCode) {
+    throw mediatool::ProcessEnd{exitCode};
+}
+
+InstallerProcess::InstallerProcess(std::string commandLine)
+    : commandLine_(std::move(commandLine)) {}
+
+bool InstallerProcess::Start(bool) {
+    const std::uint32_t error = mediatool::StartError(commandLine_);
+    if (error == ERROR_SUCCESS) CurrentRehearsal()->journal.commandLine = commandLine_;
+    SetLastError(error);
+    return error == ERROR_SUCCESS;
+}
+
+std::int32_t InstallerProcess::WaitForExit() {
+    CurrentRehearsal()->journal.waited = true;
+    return 0;
+}
+
+bool SelectInstallerFolder(LaunchOptions& options) {
+    const std::optional<std::string>& picked = CurrentRehearsal()->machine.picked;
+    const auto say = [](const std::string& end) {
+        WriteDown({"The folder dialog is open, for the folder of the installer media" + end,
+                   Severity::Info, /*box=*/true, /*toErrors=*/false, /*dialog=*/true});
+    };
+    if (!picked) {
+        say("; here it is cancelled.");
+        return false;
+    }
+    if (LocateInstaller(options, *picked, /*quiet=*/true)) {
+        say("; here \"" + *picked + "\" is picked.");
+        return true;
+    }
+    say("; it does not let \"" + *picked + "\" be picked, and is cancelled here.");
+    return false;
+}
+
+void WriteRemoveScript(const std::string&) {
+    CurrentRehearsal()->journal.wroteRemoveScript = true;
+}
+
+}  // namespace launcher

@@ -1,0 +1,127 @@
+#include "mediatool/media/program_file.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "fs/encoding.h"
+#include "mediatool/base/files.h"
+#include "platform/owners.h"
+
+namespace launcher::mediatool {
+namespace {
+
+// The headers of any program end well before this.
+constexpr std::size_t kHeaderBytes = 64 * 1024;
+
+// The structure at `offset`; nothing when the bytes end before it does.
+template <class T>
+std::optional<T> At(const std::string& bytes, std::size_t offset) {
+    if (offset > bytes.size() || bytes.size() - offset < sizeof(T)) return std::nullopt;
+    T value;
+    std::memcpy(&value, bytes.data() + offset, sizeof value);
+    return value;
+}
+
+template <class Optional>
+bool HasSignature(const Optional& header) {
+    return header.NumberOfRvaAndSizes > IMAGE_DIRECTORY_ENTRY_SECURITY &&
+           header.DataDirectory[IMAGE_DIRECTORY_ENTRY_SECURITY].Size != 0;
+}
+
+bool IsSigned(const std::string& bytes, std::size_t offset) {
+    const auto magic = At<WORD>(bytes, offset);
+    if (magic == IMAGE_NT_OPTIONAL_HDR64_MAGIC) {
+        const auto header = At<IMAGE_OPTIONAL_HEADER64>(bytes, offset);
+        return header && HasSignature(*header);
+    }
+    const auto header = At<IMAGE_OPTIONAL_HEADER32>(bytes, offset);
+    return header && HasSignature(*header);
+}
+
+// The headers of the sections follow the optional one; each says where in the file its part lies.
+bool EndsEarly(const std::string& bytes, std::size_t sections, std::size_t count,
+               std::uint64_t fileSize) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto section =
+            At<IMAGE_SECTION_HEADER>(bytes, sections + i * sizeof(IMAGE_SECTION_HEADER));
+        if (!section) return true;
+        const std::uint64_t start = section->PointerToRawData;
+        if (start != 0 && start + section->SizeOfRawData > fileSize) return true;
+    }
+    return false;
+}
+
+// The text of this name in a version resource; empty when there is none. Each text is a header, its
+// name, and from the next multiple of two characters on its value; both end in a zero.
+std::string VersionText(std::wstring_view resource, const std::wstring& name) {
+    const std::size_t found = resource.find(name + L'\0');
+    if (found == std::wstring_view::npos) return {};
+    const std::size_t end = found + name.size() + 1;
+    const std::wstring value(resource.substr(std::min(end + end % 2, resource.size())));
+    return ToNarrow(value.c_str());
+}
+
+// The version resource of a program that is only looked at.
+std::wstring_view VersionResource(const Library& program) {
+    const HRSRC found = FindResourceW(program.Get(), MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
+    if (found == nullptr) return {};
+    const HGLOBAL loaded = LoadResource(program.Get(), found);
+    if (loaded == nullptr) return {};
+    return {static_cast<const wchar_t*>(LockResource(loaded)),
+            SizeofResource(program.Get(), found) / sizeof(wchar_t)};
+}
+
+}  // namespace
+
+bool ProgramFile::Is64Bit() const {
+    return machine == IMAGE_FILE_MACHINE_AMD64;
+}
+
+bool ProgramFile::Is32Bit() const {
+    return machine == IMAGE_FILE_MACHINE_I386;
+}
+
+std::optional<ProgramFile> ReadProgramFile(const Path& path) {
+    const std::optional<std::string> bytes = ReadStart(path, kHeaderBytes);
+    if (!bytes) return std::nullopt;
+    const auto dos = At<IMAGE_DOS_HEADER>(*bytes, 0);
+    if (!dos || dos->e_magic != IMAGE_DOS_SIGNATURE || dos->e_lfanew < 0) return std::nullopt;
+    const auto start = static_cast<std::size_t>(dos->e_lfanew);
+    const auto signature = At<DWORD>(*bytes, start);
+    const auto header = At<IMAGE_FILE_HEADER>(*bytes, start + sizeof(DWORD));
+    if (signature != DWORD{IMAGE_NT_SIGNATURE} || !header) return std::nullopt;
+    const std::optional<Entry> entry = Look(path);
+    if (!entry) return std::nullopt;
+    const std::size_t optional = start + sizeof(DWORD) + sizeof(IMAGE_FILE_HEADER);
+    return ProgramFile{header->Machine, (header->Characteristics & IMAGE_FILE_DLL) != 0,
+                       IsSigned(*bytes, optional),
+                       EndsEarly(*bytes, optional + header->SizeOfOptionalHeader,
+                                 header->NumberOfSections, entry->size)};
+}
+
+// Without the system's library for versions: one of its name beside this program would run.
+ProgramVersion ReadProgramVersion(const Path& path) {
+    const Library program(
+        LoadLibraryExW(ToWide(path.Text()).c_str(), nullptr,
+                       LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+    if (!program) return {};
+    const std::wstring_view resource = VersionResource(program);
+    return {VersionText(resource, L"ProductName"), VersionText(resource, L"ProductVersion")};
+}
+
+std::string WhyNotThisLauncher(const Path& path) {
+    if (!ReadProgramFile(path)) return "setup.exe is no Windows program.";
+    const ProgramVersion version = ReadProgramVersion(path);
+    if (version.product != kLauncherProduct)
+        return "setup.exe is not this launcher" +
+               (version.product.empty() ? "." : " but \"" + version.product + "\".");
+    if (version.version != LAUNCHER_VERSION)
+        return "setup.exe is version " + version.version +
+               " of the launcher, not " LAUNCHER_VERSION ".";
+    return {};
+}
+
+}  // namespace launcher::mediatool

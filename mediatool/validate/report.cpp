@@ -1,0 +1,126 @@
+#include "mediatool/validate/report.h"
+
+#include <nlohmann/json.hpp>
+
+#include "mediatool/base/console.h"
+#include "mediatool/base/sentences.h"
+
+namespace launcher::mediatool {
+namespace {
+
+constexpr char kIndent[] = "           ";
+
+std::string LevelName(Level level) {
+    switch (level) {
+        case Level::Error:
+            return "error";
+        case Level::Warning:
+            return "warning";
+        case Level::Note:
+            break;
+    }
+    return "note";
+}
+
+Colour ColourOf(Level level) {
+    if (level == Level::Error) return Colour::Red;
+    return level == Level::Warning ? Colour::Yellow : Colour::Cyan;
+}
+
+// Level and name in a column of their own.
+std::string Label(Level level) {
+    std::string name = LevelName(level);
+    const std::string blanks(sizeof kIndent - 1 - name.size() - 2, ' ');
+    return "  " + Painted(ColourOf(level), name) + blanks;
+}
+
+std::string TextOf(const Finding& finding) {
+    std::string text = Label(finding.level) + Painted(Colour::Bold, finding.id) + "\n";
+    text += kIndent + finding.what + "\n";
+    text += kIndent + Painted(Colour::Dim, finding.file) + "\n";
+    text += kIndent + ("Why:  " + finding.why) + "\n";
+    text += kIndent + ("Do:   " + finding.action) + "\n\n";
+    return text;
+}
+
+// Notes take one line: most media have some, and mean it.
+std::string NoteText(const Finding& finding) {
+    return Label(finding.level) + Painted(Colour::Bold, finding.id) + ": " + finding.what + "\n";
+}
+
+std::string VolumesText(const LauncherView& view) {
+    const std::string count = view.count ? std::to_string(view.count->count) : "";
+    switch (view.layout) {
+        case Layout::OneFolder:
+            return count + " volumes in one folder";
+        case Layout::Siblings:
+            return count + " volumes side by side";
+        case Layout::Outer:
+            return count + " volumes in outer volumes";
+        case Layout::Incomplete:
+            return "volumes are missing or cannot be put together";
+        case Layout::NotSplit:
+            break;
+    }
+    return "one volume";
+}
+
+std::string Summary(const Findings& findings) {
+    const std::size_t errors = findings.Count(Level::Error);
+    const std::size_t warnings = findings.Count(Level::Warning);
+    const std::size_t notes = findings.Count(Level::Note);
+    std::string text = errors == 0 ? Painted(Colour::Green, "clean")
+                                   : Painted(Colour::Red, Counted(errors, "error"));
+    if (warnings > 0) text += ", " + Painted(Colour::Yellow, Counted(warnings, "warning"));
+    if (notes > 0) text += ", " + Counted(notes, "note");
+    return text;
+}
+
+Json VolumesJson(const LauncherView& view) {
+    return {{"count", view.count ? Json(view.count->count) : Json()},
+            {"layout", LayoutName(view.layout)},
+            {"folders", view.folders}};
+}
+
+}  // namespace
+
+std::string TextOf(const Validation& validation) {
+    std::string text;
+    for (const std::string& folder : validation.media)
+        text += Painted(Colour::Bold, folder) + "\n";
+    text += "  " + VolumesText(validation.view) + "; " +
+            (validation.view.copies ? "the installer is copied to the temporary folder"
+                                    : "the installer runs from the media") +
+            "\n\n";
+    bool hadNote = false;
+    for (const Finding& finding : validation.findings.Sorted()) {
+        hadNote = finding.level == Level::Note;
+        text += hadNote ? NoteText(finding) : TextOf(finding);
+    }
+    if (hadNote) text += "\n";
+    return text + Summary(validation.findings) + "\n";
+}
+
+Json JsonOf(const Validation& validation) {
+    Json findings = Json::array();
+    for (const Finding& finding : validation.findings.Sorted())
+        findings.push_back({{"severity", LevelName(finding.level)},
+                            {"id", finding.id},
+                            {"file", finding.file},
+                            {"what", finding.what},
+                            {"why", finding.why},
+                            {"action", finding.action}});
+    const Findings& all = validation.findings;
+    return {{"schema", 1},
+            {"command", "validate"},
+            {"media", validation.media},
+            {"clean", all.Count(Level::Error) == 0},
+            {"errors", all.Count(Level::Error)},
+            {"warnings", all.Count(Level::Warning)},
+            {"notes", all.Count(Level::Note)},
+            {"volumes", VolumesJson(validation.view)},
+            {"copiesInstaller", validation.view.copies},
+            {"findings", findings}};
+}
+
+}  // namespace launcher::mediatool

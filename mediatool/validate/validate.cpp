@@ -1,0 +1,81 @@
+#include "mediatool/validate/validate.h"
+
+#include <windows.h>
+
+#include "fs/encoding.h"
+#include "mediatool/base/failures.h"
+#include "mediatool/base/files.h"
+#include "mediatool/validate/checks.h"
+
+namespace launcher::mediatool {
+namespace {
+
+// So that no media that the launcher cannot put together ever passes as clean.
+void CheckVerdict(const Subject& subject, Findings& out) {
+    if (subject.view.layout != Layout::Incomplete || out.Count(Level::Error) > 0 ||
+        out.Has("volumes-elsewhere") || out.Has("volumes-on-other-drives"))
+        return;
+    out.Error("volumes-not-found", subject.Media().Text(),
+              "The launcher does not find all volumes of this media.",
+              "It copies the installer to the temporary folder and leaves the rest to it.",
+              "Compare the folders with one of the layouts.");
+}
+
+// A path that means the same from everywhere.
+std::string CheckedTemp(const std::string& text) {
+    const Path path(text);
+    const bool hasDrive =
+        path.RootEnd() == 1 && (path.Text().size() == 2 || path.Text()[2] == '\\');
+    if (!hasDrive && path.RootEnd() < 2)
+        throw BadInput("--temp takes the full path of a folder, such as C:\\Temp, not \"" + text +
+                       "\".");
+    return path.Text();
+}
+
+// The root of the drive as the current folder, while the object lives. The launcher looks for the
+// volumes beside one that is a drive's root in the root of the current drive: what is said of the
+// media must not depend on where mediatool was started.
+class CurrentRoot {
+  public:
+    explicit CurrentRoot(const Path& media) : before_(32768, L'\0') {
+        before_.resize(GetCurrentDirectoryW(static_cast<DWORD>(before_.size()), before_.data()));
+        SetCurrentDirectoryW(ToWide(media.Text() + kBackslash).c_str());
+    }
+    CurrentRoot(const CurrentRoot&) = delete;
+    CurrentRoot& operator=(const CurrentRoot&) = delete;
+    ~CurrentRoot() { SetCurrentDirectoryW(before_.c_str()); }
+
+  private:
+    std::wstring before_;
+};
+
+LauncherView ViewFromEverywhere(const Path& media) {
+    if (!IsEmpty(Parent(media))) return ViewOf(media);
+    const CurrentRoot root(media);
+    LauncherView view = ViewOf(media);
+    for (std::string& folder : view.folders)
+        folder = FullPath(folder).Text();
+    return view;
+}
+
+}  // namespace
+
+Validation Validate(const ValidateRequest& request) {
+    Subject subject;
+    if (request.temp) subject.temp = CheckedTemp(*request.temp);
+    subject.set = OpenUnfinishedSet(request.folders);
+    subject.view = ViewFromEverywhere(subject.Media());
+    subject.progress = request.progress;
+
+    Validation result;
+    for (const auto check : {CheckLauncher, CheckRootEntries, CheckInstallerPlaces, CheckInstallers,
+                             CheckFlavourMarkers, CheckCountFile, CheckVolumeNumbers, CheckVolumes,
+                             CheckTree, CheckVerdict})
+        check(subject, result.findings);
+    for (const Path& folder : subject.set.given)
+        result.media.push_back(folder.Text());
+    result.view = subject.view;
+    return result;
+}
+
+}  // namespace launcher::mediatool

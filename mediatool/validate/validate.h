@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "mediatool/media/launcher_view.h"
+#include "mediatool/validate/findings.h"
+
+namespace launcher::mediatool {
+
+struct ValidateRequest {
+    std::vector<std::string> folders;
+    // The temporary folder of the users that the media is for, a full path; nothing for the longest
+    // usual one.
+    std::optional<std::string> temp;
+    std::function<void(std::size_t entries)> progress;
+};
+
+struct Validation {
+    std::vector<std::string> media;  // the folders, absolute
+    LauncherView view;
+    Findings findings;
+};
+
+// Looks for mistakes in a media. Throws BadInput.
+Validation Validate(const ValidateRequest& request);
+
+}  // namespace launcher::mediatool
