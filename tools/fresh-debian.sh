@@ -112,7 +112,7 @@ in_clone() {
     in_system runuser -u "$user" -- sh -euc '
         export HOME="$(getent passwd "$(id -un)" | cut -d: -f6)"
         cd
-        [ -e launcher ] || git clone -q /var/tmp/launcher.bundle launcher
+        [ -e launcher ] || git clone -q -c advice.detachedHead=false /var/tmp/launcher.bundle launcher
         cd launcher
         exec "$@"
     ' sh "$@"
