@@ -48,8 +48,8 @@ TEST(ReadTextLine, FailsAtTheEnd) {
         std::string content;
         int lines;
         std::string left;
-    } const rows[] = {{"", 0, ""},    {"\n", 1, ""},     {"only\n", 1, ""}, {"only", 1, "only"},
-                      {"\r", 1, ""},  {"a\r\r", 1, "a\r"}, {"a\nb", 2, "b"},  {"a\n\n", 2, ""}};
+    } const rows[] = {{"", 0, ""},   {"\n", 1, ""},       {"only\n", 1, ""}, {"only", 1, "only"},
+                      {"\r", 1, ""}, {"a\r\r", 1, "a\r"}, {"a\nb", 2, "b"},  {"a\n\n", 2, ""}};
     for (const auto& [content, lines, left] : rows) {
         SCOPED_TRACE(testing::PrintToString(content));
         InputStream input(content);
