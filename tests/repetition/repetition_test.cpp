@@ -36,7 +36,7 @@
 #include "media/volumes.h"
 #include "platform/administrator.h"
 #include "platform/architecture.h"
-#include "platform/dll_search.h"
+#include "platform/libraries.h"
 #include "platform/web_library.h"
 #include "platform/windows_version.h"
 #include "tests/repetition/repeated.h"

@@ -7,7 +7,7 @@
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
-#include "platform/dll_search.h"
+#include "platform/libraries.h"
 #include "tools/mediatool/commands.h"
 
 // Split as the launcher splits its own command line: the C runtime may expand wildcards and has
