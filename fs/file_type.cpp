@@ -28,6 +28,10 @@ FileType TypeFromAttributes(std::uint32_t attributes) {
     return directory ? FileType::Directory : FileType::File;
 }
 
+bool PathExists(const std::string& path) {
+    return !path.empty() && GetFileAttributesW(ToWide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
 FileType GetType(const std::string& path) {
     if (path.empty()) throw ZEPInsException("GetType - empty path");
     const std::wstring widePath = ToWide(path);

@@ -1,7 +1,7 @@
 #include "media/installer_media.h"
 
+#include "fs/file_type.h"
 #include "fs/path.h"
-#include "fs/path_exists.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
 #include "media/folder_names.h"

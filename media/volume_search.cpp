@@ -4,7 +4,7 @@
 
 #include "fs/directory_enumerator.h"
 #include "fs/environment.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
 #include "media/folder_names.h"

@@ -8,7 +8,7 @@
 
 #include "fs/environment.h"
 #include "fs/exceptions.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/temporary_copy.h"
 #include "tests/support/message_boxes.h"

@@ -8,7 +8,7 @@
 
 #include "fs/encoding.h"
 #include "fs/environment.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "tests/support/hook.h"
 #include "tests/support/isolated_test.h"
 #include "tests/support/options.h"

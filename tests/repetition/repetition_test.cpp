@@ -21,7 +21,6 @@
 #include "fs/exceptions.h"
 #include "fs/file_type.h"
 #include "fs/path.h"
-#include "fs/path_exists.h"
 #include "installer/com.h"
 #include "installer/folder_dialog_events.h"
 #include "installer/installer_environment.h"
