@@ -34,14 +34,14 @@ struct OuterMarker {
     Path folder;
 };
 
-constexpr char kMarkerSuffix[] = ".txt";
+constexpr char kVolumeMarkerSuffix[] = ".txt";
 
 std::string Decimal(VolumeNumber number) {
     return std::to_string(number);
 }
 
 std::string ReadVolumeId(const Path& folder, VolumeNumber number) {
-    return ReadMtbDir(Join(folder, Decimal(number) + kMarkerSuffix).Text());
+    return ReadMtbDir(Join(folder, Decimal(number) + kVolumeMarkerSuffix).Text());
 }
 
 void Trace(const LaunchOptions& options, const std::string& text) {
@@ -55,7 +55,7 @@ void TraceWarning(const LaunchOptions& options, const std::string& text) {
 Pass SingleFolderPass(const SplitMedia& media) {
     const Path& folder = media.options.mediaDir;
     Pass pass;
-    ForEachVolumeNumber(folder, 2, media.count, kMarkerSuffix, [&](VolumeNumber k) {
+    ForEachVolumeNumber(folder, 2, media.count, kVolumeMarkerSuffix, [&](VolumeNumber k) {
         const std::string id = ReadVolumeId(folder, k);
         if (id.empty()) return;
         if (id == media.id) {
@@ -119,7 +119,8 @@ Pass OuterPass(const SplitMedia& media, const OuterSet& set) {
 // The number in the name of an outer volume's marker ("7.txt", "42.txt"); below 1 for any other
 // name.
 int OuterMarkerNumber(const std::string& name) {
-    const bool named = (name.size() == 5 || name.size() == 6) && name.ends_with(kMarkerSuffix);
+    const bool named =
+        (name.size() == 5 || name.size() == 6) && name.ends_with(kVolumeMarkerSuffix);
     return named ? ToIntOr(name.substr(0, name.size() - 4), -1) : -1;
 }
 

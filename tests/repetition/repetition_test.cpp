@@ -257,7 +257,7 @@ TEST_F(RepetitionTest, OfATemporaryCopyWithItsScript) {
             LaunchOptions options = Parse({});
             options.osFolder = "win_b64";
             options.mediaDir = Path(folder_.Text("media"));
-            CopyInstallerToTemporaryDir(options, copy);
+            CopyInstallerToTemporaryFolder(options, copy);
             WriteRemoveScript(copy);
             EXPECT_TRUE(options.temporaryCopyMade);
         },
