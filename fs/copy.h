@@ -14,7 +14,7 @@ void Copy(const std::string& source, const std::string& destination);
 // bytes and the access and modification times of its source, but not its attributes or creation
 // time. One buffer of 64 KiB; a read error counts as the end of the file. Throws, besides what
 // CreateDir throws for the destination's folder (fs/create_dir.h):
-//   ZEPInsExceptionErrno "Cannot stat " + source              it is missing
+//   ZEPInsExceptionErrno "Cannot stat " + source              it cannot be looked at
 //   ZEPInsException      "Cannot copy " + source + " to itself."
 //   ZEPInsExceptionErrno "Cannot read " + source              it cannot be opened
 //   ZEPInsExceptionErrno "Cannot write into " + destination   it cannot be opened or written
@@ -25,6 +25,6 @@ void CopyOneFile(const std::string& source, const std::string& destination);
 // file or empty subfolder; a source that is empty or cannot be listed gives an empty destination.
 // Other files in the destination are left alone. The first failure ends the whole copy. Throws what
 // CopyOneFile and CreateDir throw.
-void CopyDirectory(const std::string& source, const std::string& destination);
+void CopyFolder(const std::string& source, const std::string& destination);
 
 }  // namespace launcher
