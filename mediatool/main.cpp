@@ -7,11 +7,8 @@
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
-<<<<<<< HEAD:mediatool/main.cpp
 #include "mediatool/commands.h"
-=======
 #include "platform/libraries.h"
->>>>>>> wt-p:tools/mediatool/main.cpp
 
 // Split as the launcher splits its own command line: the C runtime may expand wildcards and has
 // other ideas of quotes, and what is meant for the launcher must arrive as it would there.
