@@ -204,7 +204,7 @@ class Tree:
         limits = limit_resources
         if is_fuzzer(program):  # with limits of its own: a sanitizer needs all addresses
             command = [self.build_folder / program, "-runs=0", "-detect_leaks=0",
-                       f"-artifact_prefix={self.folder}/",
+                       "-exact_artifact_path=/dev/null",
                        self.source / "tests/fuzz/corpus" / Path(program).name]
             limits = None
         with open(log, "wb") as output:
