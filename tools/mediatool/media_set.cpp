@@ -14,7 +14,7 @@ std::string Quoted(const Path& path) {
 }
 
 Path CheckedFolder(const std::string& text) {
-    const Path folder = FullPath(text);
+    Path folder = FullPath(text);
     if (IsEmpty(folder)) throw BadInput("\"" + text + "\" is no folder.");
     const std::optional<Entry> entry = Look(folder);
     if (!entry) {
