@@ -3,8 +3,11 @@
 # UndefinedBehaviorSanitizer, against the models in tests/fuzz.
 #
 #   fuzz.sh replay                    every input of the kept corpus once; some seconds
-#   fuzz.sh run [AMOUNT] [TARGET]     new inputs: AMOUNT executions of each target, or seconds with
-#                                     an "s" at the end ("600s"); 1000000 without one
+#   fuzz.sh run [AMOUNT] [TARGET] [SEED]
+#                                     new inputs: AMOUNT executions of each target, or seconds with
+#                                     an "s" at the end ("600s"); 10000000 without one. The seed is
+#                                     shown: with it, the same inputs come again, as long as the
+#                                     kept ones are the same and build/fuzz/found is empty
 #   fuzz.sh minimise                  makes the kept corpus anew, of itself and what runs have found
 #
 # An input that fails is kept in build/fuzz/failed; the target's program run on that file shows the
@@ -19,8 +22,13 @@ all="path relative_path replace_all volume_text command_line uuid_text options"
 # What is freed is kept for a while, to catch its use; much of it costs more than it finds here.
 export ASAN_OPTIONS="quarantine_size_mb=1:thread_local_quarantine_size_kb=16:malloc_context_size=0"
 
-refuse() {
-    echo "fuzz.sh: $*" >&2
+complain() {
+    echo "fuzz.sh: $1" >&2
+    exit 2
+}
+
+usage() {
+    sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2
     exit 2
 }
 
@@ -65,6 +73,17 @@ replay() {
     done
 }
 
+# check_run AMOUNT TARGET SEED
+check_run() {
+    expr "$1" : '[1-9][0-9]*s\{0,1\}$' >/dev/null ||
+        complain "the amount is a number, or one of seconds such as 600s, not \"$1\"."
+    case " $all " in
+        *" $2 "*) ;;
+        *) [ -z "$2" ] || complain "there is no target \"$2\"; there are $all." ;;
+    esac
+    expr "$3" : '[0-9][0-9]*$' >/dev/null || complain "the seed is a number, not \"$3\"."
+}
+
 run() {
     case $1 in
         *s) amount=-max_total_time=${1%s} ;;
@@ -72,9 +91,10 @@ run() {
     esac
     for target in ${2:-$all}; do
         mkdir -p "$build/found/$target" "$corpus/$target"
-        fuzz "$target" "$amount" "$build/found/$target" "$corpus/$target"
-        printf '%-14s %10s executions, %s a second\n' "$target" \
-            "$(stat_of number_of_executed_units)" "$(stat_of average_exec_per_sec)"
+        fuzz "$target" "$amount" -seed="$3" "$build/found/$target" "$corpus/$target"
+        printf '%-14s %10s executions, %s a second, seed %s\n' "$target" \
+            "$(stat_of number_of_executed_units)" "$(stat_of average_exec_per_sec)" \
+            "$(sed -n 's/^INFO: Seed: //p' "$log")"
     done
 }
 
@@ -94,23 +114,15 @@ minimise() {
     done
 }
 
-case $#-${1-} in
-    1-replay | 1-minimise) ;;
-    [123]-run)
-        case ${2-1} in
-            "" | s | 0* | *[!0-9s]* | *s?*) refuse "no number of executions, nor of seconds (\"600s\"): \"$2\"" ;;
-        esac
-        case " $all " in
-            *" ${3-path} "*) ;;
-            *) refuse "no such target: \"$3\"; there are $all" ;;
-        esac
+[ $# -ge 1 ] || usage
+command=$1
+shift
+case $command in
+    replay) build_targets && replay ;;
+    run)
+        check_run "${1:-10000000}" "${2:-}" "${3:-0}"
+        build_targets && run "${1:-10000000}" "${2:-}" "${3:-0}"
         ;;
-    *) refuse "give \"replay\", \"run [AMOUNT] [TARGET]\" or \"minimise\": \"$*\"" ;;
-esac
-
-build_targets
-case $1 in
-    replay) replay ;;
-    run) run "${2:-1000000}" "${3:-}" ;;
-    minimise) minimise ;;
+    minimise) build_targets && minimise ;;
+    *) usage ;;
 esac
