@@ -30,15 +30,16 @@ export_sources() {
         sort -zu | tar -c --null -T - | tar -x -C "$1"
 }
 
-# build FOLDER PRESET: the launcher of this copy of the sources; prints its checksum
+# build FOLDER PRESET: both programs of this copy of the sources; prints one checksum of them
 build() {
     log=$scratch/log
-    if ! (cd "$1" && cmake --preset "$2" -DLAUNCHER_BUILD_TESTS=OFF &&
-        cmake --build "build/$2" --target setup) >"$log" 2>&1; then
+    if ! (cd "$1" && cmake --preset "$2" -DLAUNCHER_BUILD_TESTS=OFF -DLAUNCHER_BUILD_TOOLS=ON &&
+        cmake --build "build/$2" --target setup mediatool) >"$log" 2>&1; then
         cat "$log" >&2
         exit 1
     fi
-    sha256sum <"$1/build/$2/launcher/setup.exe" | cut -d ' ' -f 1
+    cat "$1/build/$2/launcher/setup.exe" "$1/build/$2/mediatool/mediatool.exe" | sha256sum |
+        cut -d ' ' -f 1
 }
 
 export_sources "$first"

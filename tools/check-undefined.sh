@@ -47,7 +47,7 @@ check_heap_of() {
 }
 
 programs=$(for folder in $folders; do find "$build/tests/$folder" -name "*.exe" | sort; done
-    echo $build/tools/mediatool/mediatool.exe)
+    echo $build/mediatool/mediatool.exe)
 samples=$build/samples
 mkdir -p "$samples"
 cp tools/undefined_sample.cpp "$samples/sample.cpp"

@@ -18,7 +18,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 TABLE = ROOT / "docs/windows-calls.md"
 LAUNCHER = ("fs", "platform", "launcher", "media", "installer")
-MEDIATOOL = ("tools/mediatool",)
+MEDIATOOL = ("mediatool",)
 MEDIATOOL_HEADING = "\n## mediatool\n"
 CHANGES = re.compile("Copy|Create(?!FileMapping)|Delete|Move|Remove|Reg|Replace|Set(?!LastError)|"
                      "Shell|Write")

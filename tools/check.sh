@@ -10,7 +10,7 @@ cd "$(dirname "$0")/.."
 
 tools/install-tools.sh clang lld clang-format clang-tidy cppcheck shellcheck git python3-jsonschema
 
-product="fs platform media installer launcher tools/mediatool"
+product="fs platform media installer launcher mediatool"
 # Several files at a time: that each one compiles for itself is clang-tidy's part.
 tools_too="-DLAUNCHER_BUILD_TESTS=OFF -DLAUNCHER_BUILD_TOOLS=ON -DLAUNCHER_JOIN_SOURCES=ON"
 
@@ -61,6 +61,6 @@ step "licence texts and bill of materials" tools/check-third-party.sh \
     "$(ls -td dist/media-launcher-* | head -n 1)"
 step "their check" tests/tools/third_party_test.sh
 step "table of Windows calls" tools/check-windows-calls.py build/package-mingw/launcher/setup.exe \
-    build/package-tools/tools/mediatool/mediatool.exe
+    build/package-mediatool/mediatool.exe
 step "build of the soak run" build_soak_run
 step "demo" ./demo.sh

@@ -52,7 +52,7 @@ fi
 
 # "#" stands for "/": each count belongs beside the notes that the compiler left.
 set -- "$build/fs" "$build/platform" "$build/launcher" "$build/media" "$build/installer" \
-    "$build/tools/mediatool"
+    "$build/mediatool"
 find "$@" -name "*.gcda" -delete
 for file in "$data"/*.gcda; do
     if [ ! -e "$file" ]; then
@@ -65,7 +65,7 @@ done
 mkdir -p "$build/report"
 gcovr --root . --gcov-executable x86_64-w64-mingw32-gcov-posix --object-directory "$build" \
     --filter 'fs/' --filter 'platform/' --filter 'launcher/' --filter 'media/' \
-    --filter 'installer/' --filter 'tools/mediatool/' --exclude launcher/mingw_runtime.cpp \
+    --filter 'installer/' --filter 'mediatool/' --exclude launcher/mingw_runtime.cpp \
     --exclude-throw-branches --exclude-unreachable-branches \
     --html-details "$build/report/index.html" --json "$build/report/coverage.json" \
     -j "$(nproc)" "$@" >/dev/null

@@ -11,7 +11,7 @@ What does not compile is not counted, nor a change that no test notices because 
 is the same with it, byte for byte, or the object code that it is made of.
 
     tools/mutation.py                        a random sample of 500 of the launcher, seed 1
-    tools/mutation.py tools/mediatool        the same of mediatool
+    tools/mutation.py mediatool        the same of mediatool
     tools/mutation.py --seed 2               another sample: a number that was not used before
     tools/mutation.py --sample 0             every place
     tools/mutation.py fs/copy.cpp media      the places of some files or folders

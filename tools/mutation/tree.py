@@ -11,8 +11,8 @@ import time
 from pathlib import Path
 
 LAUNCHER = ("fs", "platform", "launcher", "media", "installer")
-MEDIATOOL = ("tools/mediatool",)
-PROGRAMS = ("launcher/setup.exe", "tools/mediatool/mediatool.exe")
+MEDIATOOL = ("mediatool",)
+PROGRAMS = ("launcher/setup.exe", "mediatool/mediatool.exe")
 FUZZ = "fuzz"  # the fuzzers' folder in the build folder
 MEMORY_LIMIT = 4 << 30  # bytes: a text that grows for ever must not take the machine with it
 FILE_LIMIT = 1 << 30

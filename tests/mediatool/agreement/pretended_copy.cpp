@@ -15,7 +15,7 @@
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
-#include "tools/mediatool/dry_run.h"
+#include "mediatool/dry_run/dry_run.h"
 
 namespace launcher::mediatool {
 namespace {
