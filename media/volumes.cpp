@@ -155,6 +155,8 @@ int AmMarkerNumber(const std::string& name) {
 // The first marker of the nearest ancestor that holds one.
 std::optional<AmMarker> FindAmMarker(const Path& mediaDir) {
     for (Path folder = Parent(mediaDir); !IsEmpty(folder); folder = Parent(folder)) {
+        // A name of two quotes is nothing to a listing, which reads it again: it holds no marker.
+        if (IsEmpty(Path(folder.Text()))) continue;
         const auto files = DirectoryEnumerator::Open(folder.Text(), DirectoryEnumerator::kFiles);
         for (; !files->AtEnd(); files->Next()) {
             const int number = AmMarkerNumber(files->Name());
