@@ -1,13 +1,11 @@
 #include "fs/path_exists.h"
 
-#include <windows.h>
-
-#include "fs/encoding.h"
+#include "fs/file_type.h"
 
 namespace launcher {
 
 bool PathExists(const std::string& path) {
-    return !path.empty() && GetFileAttributesW(ToWide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+    return IsThere(path);
 }
 
 }  // namespace launcher

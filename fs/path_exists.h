@@ -4,8 +4,7 @@
 
 namespace launcher {
 
-// True when `path` names an existing file or folder. False for the empty path and for one that
-// cannot be examined. Throws nothing.
+// What the launcher goes by: IsThere (fs/file_type.h).
 bool PathExists(const std::string& path);
 
 }  // namespace launcher

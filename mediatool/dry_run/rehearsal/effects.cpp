@@ -33,6 +33,12 @@ void WriteConsoleLine(const std::string& text, Severity severity, bool toErrors)
     WriteDown({text, severity, /*box=*/false, toErrors, /*dialog=*/false});
 }
 
+bool TracesInBoxes() {
+    mediatool::Rehearsal* const rehearsal = CurrentRehearsal();
+    return rehearsal != nullptr &&
+           mediatool::FirstAnswer(rehearsal->tracesInBoxes, IsTraceSwitchOn);
+}
+
 void EndProcess(int exitCode) {
     throw mediatool::ProcessEnd{exitCode};
 }
@@ -70,8 +76,6 @@ bool SelectInstallerFolder(LaunchOptions& options) {
     return false;
 }
 
-void WriteRemoveScript(const std::string&) {
-    CurrentRehearsal()->journal.wroteRemoveScript = true;
-}
+void WriteRemoveScript(const std::string&) {}
 
 }  // namespace launcher
