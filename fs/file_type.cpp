@@ -23,10 +23,10 @@ DWORD AttributesFromListing(const std::string& path, const std::wstring& widePat
 }  // namespace
 
 FileType TypeFromAttributes(std::uint32_t attributes) {
-    const bool directory = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const bool folder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
-        return directory ? FileType::DirectoryLink : FileType::FileLink;
-    return directory ? FileType::Directory : FileType::File;
+        return folder ? FileType::DirectoryLink : FileType::FileLink;
+    return folder ? FileType::Directory : FileType::File;
 }
 
 bool IsThere(const std::string& path) {

@@ -20,8 +20,10 @@ constexpr bool IsDirectory(FileType type) {
     return (static_cast<std::uint32_t>(type) & 1) != 0;
 }
 
-// True when `path` names an existing file or folder. False for the empty path and for one that
-// cannot be examined. Throws nothing.
+// Both: true when `path` names an existing file or folder. False for the empty path and for one that
+// cannot be examined. Throw nothing. The second asks the disk; the first is what the launcher goes
+// by.
+bool PathExists(const std::string& path);
 bool IsThere(const std::string& path);
 
 // The type that goes with a file's attributes (FILE_ATTRIBUTE_...).

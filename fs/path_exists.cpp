@@ -1,5 +1,3 @@
-#include "fs/path_exists.h"
-
 #include "fs/file_type.h"
 
 namespace launcher {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "fs/environment.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "installer/folder_dialog.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"

@@ -1,6 +1,5 @@
 #include "launcher/driver.h"
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -18,12 +17,6 @@
 
 namespace launcher {
 namespace {
-
-// Tells the installer where the volumes from the second on are.
-void ExportVolumePaths(const std::vector<std::string>& volumes) {
-    for (std::size_t i = 0; i < volumes.size(); ++i)
-        SetEnvVar("ZEPAdmInstVolumePath_" + std::to_string(i + 2), volumes[i]);
-}
 
 // On the console only. Deliberate: despite the wording, shown for every copied media when waiting.
 void WarnOfRemovableMedia(const LaunchOptions& options) {
@@ -47,8 +40,8 @@ int RunLauncher(LaunchOptions& options) {
     if (!GetEnvVar("ZEPAdmODTMultiVolumes").empty()) return volumeCount;
     if (volumeCount > 1) ExportVolumePaths(volumes);
 
-    const std::string temporaryDir = NewTemporaryDirName();
-    CopyInstallerToTemporaryDir(options, temporaryDir);
+    const std::string temporaryDir = NewTemporaryFolderName();
+    CopyInstallerToTemporaryFolder(options, temporaryDir);
     PrepareInstallerEnvironment(options);
     const std::string commandLine = BuildInstallerCommandLine(options);
     if (options.temporaryCopyMade) {

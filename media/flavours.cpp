@@ -24,15 +24,15 @@ constexpr KnownFlavour kKnownFlavours[] = {
 
 std::vector<Flavour> MediaFlavours(const LaunchOptions& options) {
     const Path& media = options.mediaDir;
-    const std::string commonMarker = GetEnvVar("ZEPAdmInstODTinstallOSpath");
+    const std::string givenMarker = GetEnvVar("ZEPAdmInstODTinstallOSpath");
     std::vector<Flavour> flavours;
     for (const auto& [osFolder, needs64BitWindows] : kKnownFlavours) {
         const std::string markerName = std::string(osFolder) + ".installos";
         flavours.push_back({osFolder, needs64BitWindows,
                             InstallerExecutable(media, osFolder, options.installerExeName).Text(),
-                            commonMarker.empty()
+                            givenMarker.empty()
                                 ? Join(media, {kInstFolder, kCommonFolder, markerName}).Text()
-                                : commonMarker});
+                                : givenMarker});
     }
     return flavours;
 }

@@ -8,7 +8,7 @@ namespace launcher {
 class LaunchOptions;
 
 // One operating-system flavour of a media: a per-OS folder below "inst" with the installer for it,
-// and a marker. The marker's existence says that the media, or the separate installer media it
+// and a flavour marker, whose existence says that the media, or the separate installer media it
 // needs, is made for that flavour.
 struct Flavour {
     std::string osFolder;  // "win_b64", for instance
@@ -23,7 +23,7 @@ constexpr bool Suits(const Flavour& flavour, bool is64BitWindows) {
 }
 
 // The flavours of the media in `mediaDir`, the preferred one first. While
-// "ZEPAdmInstODTinstallOSpath" is set, its value, as it is given, is the marker of all of them.
+// "ZEPAdmInstODTinstallOSpath" is set, its value, as it is given, is the flavour marker of all.
 std::vector<Flavour> MediaFlavours(const LaunchOptions& options);
 
 }  // namespace launcher

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "fs/environment.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "installer/folder_dialog.h"
 #include "media/installer_media.h"
 #include "platform/architecture.h"
