@@ -124,8 +124,8 @@ std::string CopyText(const DryRun& run) {
     const PretendedCopy& copy = run.journal.copy;
     std::string text = Heading("Temporary copy");
     text += Line((run.copy.made ? "made: " : "none: ") + run.copy.reason);
-    if (copy.files.empty()) return text;
-    text += Line(Counted(copy.files.size(), "file") + ", " + Grouped(copy.bytes) + " bytes, to " +
+    if (copy.contents.empty()) return text;
+    text += Line(Counted(copy.contents.size(), "file") + ", " + Grouped(copy.bytes) + " bytes, to " +
                  run.temp + "\\" + kPretendedUuid);
     if (copy.room)
         text += Line(Grouped(*copy.room) + " bytes are free there" +

@@ -42,8 +42,8 @@ bool CopiedFile::Fill(const SourceFile& source) {
     GetFileSizeEx(source.handle.Get(), &size);
     // A file that is copied over another takes the room of one.
     const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
-    mediatool::PretendedFile& copied = copy.files[mediatool::CopyKey(path)];
-    copied.source = source.path;
+    mediatool::PretendedFile& copied = copy.contents[mediatool::CopyKey(path)];
+    copied.source = ToNarrow(source.path.c_str());
     copy.bytes += bytes - std::exchange(copied.bytes, bytes);
     const bool fits = !copy.room || copy.bytes <= *copy.room;
     SetLastError(fits ? ERROR_SUCCESS : ERROR_DISK_FULL);

@@ -76,6 +76,8 @@ bool SelectInstallerFolder(LaunchOptions& options) {
     return false;
 }
 
-void WriteRemoveScript(const std::string&) {}
+void WriteRemoveScript(const std::string&) {
+    CurrentRehearsal()->journal.wroteRemoveScript = true;
+}
 
 }  // namespace launcher

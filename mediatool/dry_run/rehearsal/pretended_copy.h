@@ -11,14 +11,14 @@
 namespace launcher::mediatool {
 
 struct PretendedFile {
-    std::wstring source;
+    std::string source;
     std::uint64_t bytes = 0;
 };
 
 // What the copy into the temporary folder would have made, by CopyKey.
 struct PretendedCopy {
     std::set<std::string> folders;
-    std::map<std::string, PretendedFile> files;
+    std::map<std::string, PretendedFile> contents;
     std::uint64_t bytes = 0;
     std::optional<std::uint64_t> room;  // bytes free at the target; unknown without it
 

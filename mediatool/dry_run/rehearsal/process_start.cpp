@@ -85,8 +85,8 @@ struct Verdict {
 // For what is in the copy, or would be.
 Verdict JudgeInCopy(const Path& program) {
     const PretendedCopy& copy = CurrentRehearsal()->journal.copy;
-    const auto file = copy.files.find(CopyKey(program));
-    if (file != copy.files.end()) return {true, ImageError(file->second.source)};
+    const auto file = copy.contents.find(CopyKey(program));
+    if (file != copy.contents.end()) return {true, ImageError(ToWide(file->second.source))};
     if (copy.HasFolder(program)) return {false, ERROR_ACCESS_DENIED};
     if (copy.HasFolder(Parent(program))) return {false, ERROR_FILE_NOT_FOUND};
     return {false, ERROR_PATH_NOT_FOUND};

@@ -46,6 +46,7 @@ struct Journal {
     std::vector<Message> messages;
     std::vector<Lookup> lookups;
     PretendedCopy copy;
+    bool wroteRemoveScript = false;
     std::optional<std::string> commandLine;  // of the process that would have been started
     bool waited = false;                     // for its end
 };
