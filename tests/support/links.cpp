@@ -27,7 +27,7 @@ std::wstring OnHost(const stdfs::path& path) {
     if (name == nullptr) throw std::runtime_error("no host name for " + path.string());
     const std::string text = name;
     HeapFree(GetProcessHeap(), 0, name);
-    return std::wstring(text.begin(), text.end());
+    return ToWide(text);
 }
 
 // Wine's folder of drive letters and servers, on the host, with a slash at the end.
