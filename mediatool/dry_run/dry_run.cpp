@@ -34,6 +34,7 @@ int Rehearse(const DryRunRequest& request, Rehearsal& rehearsal, Options& option
     for (const std::string& argument : request.arguments)
         texts.push_back(ToWide(argument));
     std::vector<const wchar_t*> argv;
+    argv.reserve(texts.size());
     for (const std::wstring& text : texts)
         argv.push_back(text.c_str());
     const RehearsalScope scope(rehearsal);

@@ -12,7 +12,7 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kCountFileLimit = 64 * 1024;
+constexpr std::size_t kCountFileLimit = std::size_t{64} * 1024;
 constexpr int kMostVolumes = 99;
 
 constexpr char kUnread[] =
@@ -158,7 +158,7 @@ void CheckMisspelt(const Path& inst, Findings& out) {
 void CheckLaterVolumes(const Subject& subject, Findings& out) {
     std::vector<Path> folders = subject.set.given;
     for (const std::string& folder : subject.view.folders)
-        folders.push_back(Path(folder));
+        folders.emplace_back(folder);
     std::vector<std::string> seen = {subject.Media().Text()};
     for (const Path& folder : folders) {
         const auto isSame = [&folder](const std::string& other) {

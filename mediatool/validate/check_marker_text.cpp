@@ -11,7 +11,7 @@ namespace launcher::mediatool {
 namespace {
 
 constexpr char kKey[] = "MTBDIR=";
-constexpr std::size_t kMarkerLimit = 1024 * 1024;
+constexpr std::size_t kMarkerLimit = std::size_t{1024} * 1024;
 
 constexpr char kNotThere[] = "The launcher reads no identifier, as if the volume were not there.";
 constexpr char kRewrite[] =
