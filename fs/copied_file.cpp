@@ -2,13 +2,10 @@
 
 #include <array>
 #include <cstddef>
-#include <utility>
 
 #include "fs/open_file.h"
 
 namespace launcher {
-
-CopiedFile::CopiedFile(std::wstring path) : path_(std::move(path)) {}
 
 bool CopiedFile::Open(DWORD disposition) {
     file_ = OpenSharedFile(path_, GENERIC_WRITE, disposition);

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <string>
+#include <utility>
 
 #include "fs/owners.h"
 
@@ -20,7 +21,9 @@ struct SourceFile {
 // What returns false leaves the reason in GetLastError().
 class CopiedFile {
   public:
-    explicit CopiedFile(std::wstring path);
+    explicit CopiedFile(std::wstring path) : path_(std::move(path)) {}
+
+    const std::wstring& Name() const { return path_; }
 
     // `disposition` as for CreateFileW. Before anything else.
     bool Open(DWORD disposition);

@@ -65,11 +65,10 @@ bool IsSource(const std::wstring& path, const SourceFile& source) {
 // Most destinations do not exist yet: one call then creates the file, which cannot be the source.
 CopiedFile OpenDestination(const std::string& destination, const std::string& sourcePath,
                            const SourceFile& source) {
-    const std::wstring widePath = ToWide(destination);
-    CopiedFile file(widePath);
+    CopiedFile file(ToWide(destination));
     if (file.Open(CREATE_NEW)) return file;
     CreateParent(destination);  // a folder that has disappeared meanwhile is created again
-    if (IsSource(widePath, source))
+    if (IsSource(file.Name(), source))
         throw ZEPInsException("Cannot copy " + sourcePath + " to itself.");
     if (!file.Open(CREATE_ALWAYS)) ThrowLastErrorAsErrno(kCannotWrite, destination);
     return file;

@@ -27,8 +27,6 @@ DWORD ErrorOfOpening(const std::wstring& name) {
 
 }  // namespace
 
-CopiedFile::CopiedFile(std::wstring path) : path_(std::move(path)) {}
-
 bool CopiedFile::Open(DWORD) {
     const DWORD error = ErrorOfOpening(path_);
     SetLastError(error);

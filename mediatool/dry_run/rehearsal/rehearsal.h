@@ -49,6 +49,7 @@ struct Journal {
     bool wroteRemoveScript = false;
     std::optional<std::string> commandLine;  // of the process that would have been started
     bool waited = false;                     // for its end
+    bool crashed = false;
 };
 
 struct Rehearsal {
