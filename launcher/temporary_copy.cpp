@@ -58,8 +58,12 @@ std::string NewTemporaryFolderName() {
     return GetEnvVar("TEMP") + kBackslash + NewUuidText(/*upperCase=*/true) + kBackslash;
 }
 
+bool IsCopyForbidden() {
+    return !GetEnvVar("ZEPAdmInstDontCopyInstaller").empty();
+}
+
 void CopyInstallerToTemporaryFolder(LaunchOptions& options, const std::string& temporaryDir) {
-    if (!GetEnvVar("ZEPAdmInstDontCopyInstaller").empty() || options.skipTemporaryCopy) {
+    if (IsCopyForbidden() || options.skipTemporaryCopy) {
         SetEnvVar(kOriginalMediaDirVar, "");
         return;
     }

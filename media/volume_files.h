@@ -10,10 +10,11 @@ namespace launcher {
 // The small files that tie the volumes of a split media together. They are only read, shared with
 // every other reader and writer, and nothing is reported about them.
 
-// The value of the first line of a volume's marker file that begins with "MTBDIR=": it names the
-// media that the volume belongs to. Empty when the file cannot be opened, has no such line, or the
-// value is empty.
+// Both: the value of the first line of a volume's marker file that begins with "MTBDIR=": it names
+// the media that the volume belongs to. Empty when the file cannot be opened, has no such line, or
+// the value is empty. The second asks the file; the first is what the launcher goes by.
 std::string ReadMtbDir(const std::string& path);
+std::string MtbDirInFile(const std::string& path);
 
 // The count in "volumes.txt"; nothing when the file cannot be opened or read, or its first line is
 // no number.

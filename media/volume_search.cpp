@@ -180,10 +180,12 @@ void SearchLayouts(const SplitMedia& media, FoundVolumes& found) {
     if (found.outer) Settles(OuterPass(media, *found.outer), VolumeLayout::Outer, media, found);
 }
 
-bool IsToBeSearched(const LaunchOptions& options, const std::string& countFile) {
+CopySkipped WhyNotSearched(const LaunchOptions& options) {
+    if (options.softMgt) return CopySkipped::BySoftMgt;
     // The misspelt name is part of the interface.
-    return PathExists(countFile) && !options.softMgt &&
-           GetEnvVar("ZEP_Online_Installation_Caf_Repositiory").empty();
+    if (!GetEnvVar("ZEP_Online_Installation_Caf_Repositiory").empty())
+        return CopySkipped::ByRepository;
+    return CopySkipped::No;
 }
 
 }  // namespace
@@ -191,7 +193,8 @@ bool IsToBeSearched(const LaunchOptions& options, const std::string& countFile) 
 FoundVolumes FindVolumes(const LaunchOptions& options) {
     FoundVolumes found;
     const std::string countFile = Join(options.mediaDir, {kInstFolder, kCountFile}).Text();
-    const bool isSearched = IsToBeSearched(options, countFile);
+    found.notSearched = WhyNotSearched(options);
+    const bool isSearched = PathExists(countFile) && found.notSearched == CopySkipped::No;
     if (isSearched) found.count = ReadVolumeCount(countFile);
     if (!isSearched || (found.count && found.count->count < 2)) {
         found.layout = VolumeLayout::NotSplit;

@@ -10,6 +10,7 @@
 
 namespace launcher {
 
+enum class CopySkipped : int;
 class LaunchOptions;
 
 // How the volumes of a media lie.
@@ -31,6 +32,7 @@ struct OuterSet {
 
 // What a search for the volumes of a media found, as far as it came.
 struct FoundVolumes {
+    CopySkipped notSearched{};  // what forbids the search, when something does
     VolumeLayout layout = VolumeLayout::Incomplete;
     std::optional<VolumeCount> count;  // nothing when "volumes.txt" was not read
     std::string id;                    // of a split media, from the marker of volume 1

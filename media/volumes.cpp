@@ -48,6 +48,11 @@ int ResultOf(const FoundVolumes& found) {
     return 0;
 }
 
+CopySkipped WhyNotCopied(const FoundVolumes& found) {
+    if (found.notSearched != CopySkipped::No) return found.notSearched;
+    return found.layout == VolumeLayout::NotSplit ? CopySkipped::NotSplit : CopySkipped::Complete;
+}
+
 }  // namespace
 
 int ResolveVolumes(LaunchOptions& options, std::vector<std::string>& volumes) {
@@ -55,7 +60,10 @@ int ResolveVolumes(LaunchOptions& options, std::vector<std::string>& volumes) {
     FoundVolumes found = FindVolumes(options);
     SetVolumeVariables(found);
     const int result = ResultOf(found);
-    if (result != 0) options.skipTemporaryCopy = true;
+    if (result != 0) {
+        options.skipTemporaryCopy = true;
+        options.copySkipped = WhyNotCopied(found);
+    }
     volumes = std::move(found.folders);
     return result;
 }

@@ -10,6 +10,15 @@ namespace launcher {
 // The lookup that found the installer.
 enum class InstallerOrigin { None, CurrentMedia, Option, Variable, Dialog };
 
+// Why the search for volumes set `skipTemporaryCopy`.
+enum class CopySkipped : int {
+    No,            // it did not; an option may have
+    BySoftMgt,     // "-SoftMgt": nothing is searched for
+    ByRepository,  // nor is it with "ZEP_Online_Installation_Caf_Repositiory"
+    NotSplit,
+    Complete,  // all volumes were found
+};
+
 // The options of the command line and the state of the one launch they start. Owned by the entry
 // point for the whole run. A function that takes it by mutable reference changes the launch; all
 // others take it const. Narrow strings are UTF-8.
@@ -44,7 +53,11 @@ class LaunchOptions {
     std::string installerExeName;  // file name of the installer
     std::string installerExePath;  // its full path once found; empty before
     std::string osFolder;          // "win_b64", "win_csa64" or "intel_a" once chosen
-    InstallerOrigin installerOrigin = InstallerOrigin::None;  // recorded only
+
+    // How this was decided; recorded only.
+    InstallerOrigin installerOrigin = InstallerOrigin::None;
+    std::string installerFoundAt;  // `installerExePath` before it moves onto the copy
+    CopySkipped copySkipped = CopySkipped::No;
 };
 
 }  // namespace launcher
