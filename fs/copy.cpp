@@ -11,6 +11,7 @@
 #include "fs/create_dir.h"
 #include "fs/directory_enumerator.h"
 #include "fs/encoding.h"
+#include "fs/errno_code.h"
 #include "fs/exceptions.h"
 #include "fs/file_type.h"
 #include "fs/open_file.h"
@@ -35,12 +36,11 @@ struct SourceFile {
     FILETIME modified{};
 };
 
-// For a source that could not be opened; one that cannot even be looked at has a message of its
-// own. The last error is why it could not be opened.
+// For a source that could not be opened. The last error is why. One that cannot even be looked at
+// counts as missing, whatever the reason, as it does to the C runtime's status functions.
 [[noreturn]] void ThrowUnreadable(const std::string& source, const std::wstring& widePath) {
     const DWORD error = GetLastError();
-    if (GetFileAttributesW(widePath.c_str()) == INVALID_FILE_ATTRIBUTES)
-        ThrowLastErrorAsErrno("Cannot stat ", source);
+    if (!OpenForAttributes(widePath)) throw ZEPInsExceptionErrno("Cannot stat " + source, ENOENT);
     SetLastError(error);
     ThrowLastErrorAsErrno("Cannot read ", source);
 }
@@ -85,6 +85,13 @@ FileHandle OpenDestination(const std::string& destination, const std::string& so
     return file;
 }
 
+// As the C runtime's write: access denied means to it that the file is not open for writing.
+[[noreturn]] void ThrowWriteError(const std::string& destination) {
+    const DWORD error = GetLastError();
+    const int value = error == ERROR_ACCESS_DENIED ? EBADF : ErrnoFromWindowsError(error);
+    throw ZEPInsExceptionErrno(kCannotWrite + destination, value);
+}
+
 void CopyBytes(const FileHandle& from, const FileHandle& to, const std::string& destination) {
     std::array<std::byte, kBufferSize> buffer;
     DWORD count = 0;
@@ -92,7 +99,7 @@ void CopyBytes(const FileHandle& from, const FileHandle& to, const std::string& 
     while (ReadFile(from.Get(), buffer.data(), kBufferSize, &count, nullptr) && count > 0) {
         DWORD written = 0;
         if (!WriteFile(to.Get(), buffer.data(), count, &written, nullptr))
-            ThrowLastErrorAsErrno(kCannotWrite, destination);
+            ThrowWriteError(destination);
         // Some systems report a full disk as a successful write of nothing.
         if (written == 0) throw ZEPInsExceptionErrno(kCannotWrite + destination, ENOSPC);
     }
@@ -113,8 +120,9 @@ void SetTime(const FileHandle& file, const SourceFile& source, const std::string
     // File systems without access times (discs) give zero: use the modification time.
     const FILETIME& accessed = Ticks(source.accessed) == 0 ? source.modified : source.accessed;
     if (IsUnknownTime(accessed)) return;
+    // The C runtime's time function has this one errno value for every failure.
     if (!SetFileTime(file.Get(), nullptr, &accessed, &source.modified))
-        ThrowLastErrorAsErrno("SetTime - ", destination);
+        throw ZEPInsExceptionErrno("SetTime - " + destination, EINVAL);
 }
 
 // CopyOneFile into a folder that was there a moment ago.

@@ -14,7 +14,7 @@ void Copy(const std::string& source, const std::string& destination);
 // bytes and the access and modification times of its source, but not its attributes or creation
 // time. One buffer of 64 KiB; a read error counts as the end of the file. Throws, besides what
 // CreateDir throws for the destination's folder (fs/create_dir.h):
-//   ZEPInsExceptionErrno "Cannot stat " + source              it is missing
+//   ZEPInsExceptionErrno "Cannot stat " + source              it cannot be looked at
 //   ZEPInsException      "Cannot copy " + source + " to itself."
 //   ZEPInsExceptionErrno "Cannot read " + source              it cannot be opened
 //   ZEPInsExceptionErrno "Cannot write into " + destination   it cannot be opened or written

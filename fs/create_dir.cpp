@@ -6,6 +6,7 @@
 
 #include "fs/encoding.h"
 #include "fs/exceptions.h"
+#include "fs/open_file.h"
 #include "fs/path.h"
 
 namespace launcher {
@@ -19,6 +20,12 @@ void CreateParentIgnoringFailure(const std::string& parent) {
     }
 }
 
+// What the C runtime's status functions find, which follow links.
+bool IsThere(const std::wstring& path, DWORD attributes) {
+    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+    return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 || OpenForAttributes(path);
+}
+
 }  // namespace
 
 void CreateDir(const std::string& path) {
@@ -27,7 +34,7 @@ void CreateDir(const std::string& path) {
     if (text.empty()) throw ZEPInsException("CreateDir - empty path");
     const std::wstring wideText = ToWide(text);
     const DWORD attributes = GetFileAttributesW(wideText.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES) {
+    if (IsThere(wideText, attributes)) {
         if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return;
         throw ZEPInsException("CreateDir - " + text + " is not a directory.");
     }

@@ -15,4 +15,8 @@ namespace launcher {
 // https://learn.microsoft.com/windows/win32/api/fileapi/nf-fileapi-createfilew
 FileHandle OpenSharedFile(const std::wstring& path, DWORD access, DWORD disposition);
 
+// Opens a file or folder only to look at it, as the C runtime's status functions do: behind links,
+// and also while other programs keep it for themselves. Empty when that cannot be done.
+FileHandle OpenForAttributes(const std::wstring& path);
+
 }  // namespace launcher

@@ -1,6 +1,5 @@
 #include "launcher/driver.h"
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -18,12 +17,6 @@
 
 namespace launcher {
 namespace {
-
-// Tells the installer where the volumes from the second on are.
-void ExportVolumePaths(const std::vector<std::string>& volumes) {
-    for (std::size_t i = 0; i < volumes.size(); ++i)
-        SetEnvVar("ZEPAdmInstVolumePath_" + std::to_string(i + 2), volumes[i]);
-}
 
 // On the console only. Deliberate: despite the wording, shown for every copied media when waiting.
 void WarnOfRemovableMedia(const LaunchOptions& options) {

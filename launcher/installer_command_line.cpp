@@ -35,22 +35,33 @@ std::string DebugPrefix() {
     return value == "1" ? "cmd.exe /k echo" : value;
 }
 
-}  // namespace
-
-std::string BuildInstallerCommandLine(LaunchOptions& options) {
-    const std::string& exePath = options.installerExePath;
-    std::string commandLine = exePath.starts_with('"') ? exePath : Quoted(exePath);
+// Adds what the launcher tells the installer; for software management also in the environment. A
+// backslash at the end of an argument is doubled, so that it does not escape the closing quote.
+void CompleteInstallerArgs(LaunchOptions& options) {
     if (options.softMgt)
         AddSoftMgtArguments(options);
     else
         AddMediaArguments(options);
+    for (std::string& argument : options.installerArgs)
+        if (argument.ends_with('\\')) argument += '\\';
+}
+
+// The debug prefix, the installer and its arguments.
+std::string CommandLine(const LaunchOptions& options) {
+    const std::string& exePath = options.installerExePath;
+    std::string commandLine = exePath.starts_with('"') ? exePath : Quoted(exePath);
     const std::string prefix = DebugPrefix();
     if (!prefix.empty()) commandLine = prefix + " " + commandLine;
-    for (std::string& argument : options.installerArgs) {
-        if (argument.ends_with('\\')) argument += '\\';
+    for (const std::string& argument : options.installerArgs)
         commandLine += " " + Quoted(argument);
-    }
     return commandLine;
+}
+
+}  // namespace
+
+std::string BuildInstallerCommandLine(LaunchOptions& options) {
+    CompleteInstallerArgs(options);
+    return CommandLine(options);
 }
 
 }  // namespace launcher

@@ -6,11 +6,13 @@ namespace launcher {
 
 class LaunchOptions;
 
-// The installer's command line (UTF-8): its quoted path, "-CDpath" and the media folder (or, for
-// software management, further arguments that ask for it, after the others), and the arguments
-// given to the launcher, each in quotes. A backslash at the end of an argument is doubled, so that
-// it does not escape the closing quote; nothing else is escaped. Completes `installerArgs` and, for
-// software management, sets the two variables that the installer then reads.
+// Completes `installerArgs` and returns the installer's command line; for software management, also
+// sets the two variables that the installer then reads. Call it once.
+//
+// The line (UTF-8) is the installer's quoted path, "-CDpath" and the media folder (or, for software
+// management, further arguments that ask for it, after the others), and the arguments given to the
+// launcher, each in quotes. A backslash at the end of an argument is doubled, so that it does not
+// escape the closing quote; nothing else is escaped.
 //
 // With "DEBUGCMD_INSTALLK7" set to "1" the line is only echoed in a console window; any other
 // value is a program, with its arguments, to run in front of the line.

@@ -12,6 +12,9 @@ inline constexpr char kCommonFolder[] = "common";  // in "inst", beside the per-
 inline constexpr char kCodeFolder[] = "code";      // in a per-OS folder
 inline constexpr char kBinFolder[] = "bin";        // in "code"; holds the installer
 
+// In "inst" of volume 1: the number of volumes of a split media.
+inline constexpr char kCountFile[] = "volumes.txt";
+
 // The installer `exeName` in the media `mediaDir`, in its per-OS folder.
 inline Path InstallerExecutable(const Path& mediaDir, const std::string& osFolder,
                                 const std::string& exeName) {

@@ -2,30 +2,26 @@
 
 #include <windows.h>
 
-#include <istream>
-#include <streambuf>
+#include <string_view>
 
 #include "fs/encoding.h"
 #include "fs/open_file.h"
+#include "media/input_stream.h"
 
 namespace launcher {
 namespace {
 
-// The bytes of a file; none when it cannot be opened. Not std::filebuf, which opens files with
-// inheritable handles and pulls in code for writing and conversion, a twentieth of the whole
-// program.
-class FileBuffer : public std::streambuf {
+// The bytes of a file; none when it cannot be opened.
+class FileStream : public InputStream {
   public:
-    explicit FileBuffer(const std::string& path)
+    explicit FileStream(const std::string& path)
         : file_(OpenSharedFile(ToWide(path), GENERIC_READ, OPEN_EXISTING)) {}
 
   private:
-    int_type underflow() override {
+    std::string_view NextBlock() override {
         DWORD count = 0;
-        if (!file_ || !ReadFile(file_.Get(), bytes_, sizeof bytes_, &count, nullptr) || count == 0)
-            return traits_type::eof();
-        setg(bytes_, bytes_, bytes_ + count);
-        return traits_type::to_int_type(*bytes_);
+        if (!file_ || !ReadFile(file_.Get(), bytes_, sizeof bytes_, &count, nullptr)) return {};
+        return {bytes_, count};
     }
 
     FileHandle file_;
@@ -35,14 +31,12 @@ class FileBuffer : public std::streambuf {
 }  // namespace
 
 std::string ReadMtbDir(const std::string& path) {
-    FileBuffer file(path);
-    std::istream input(&file);
+    FileStream input(path);
     return FindMtbDir(input);
 }
 
 std::optional<VolumeCount> ReadVolumeCount(const std::string& path) {
-    FileBuffer file(path);
-    std::istream input(&file);
+    FileStream input(path);
     return ParseVolumeCount(input);
 }
 

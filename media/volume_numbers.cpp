@@ -35,10 +35,12 @@ VolumeNumber NumberOfEntry(std::string_view name, std::string_view suffix) {
     return number;
 }
 
-// The folder that Join puts entries into: joined onto the empty path they are in the root of the
-// current drive.
+// The folder that Join puts entries into, for a listing, which reads the text again. The dot saves
+// what is nothing then: the empty path, onto which entries join into the root of the current drive,
+// and a name of two quotes.
 std::string ListableText(const Path& folder) {
-    return IsEmpty(folder) ? "\\." : folder.Text();
+    const std::string& text = folder.Text();
+    return IsEmpty(Path(text)) ? text + "\\." : text;
 }
 
 // The numbers from `first` to `last` among the folder's entries, in order; nothing when it cannot

@@ -1,7 +1,8 @@
 #include "media/volume_text.h"
 
-#include <istream>
 #include <stdexcept>
+
+#include "media/input_stream.h"
 
 namespace launcher {
 namespace {
@@ -18,8 +19,8 @@ std::optional<int> ToInt(const std::string& text) {
 
 }  // namespace
 
-std::istream& ReadTextLine(std::istream& input, std::string& line) {
-    if (std::getline(input, line) && line.ends_with('\r')) line.pop_back();
+InputStream& ReadTextLine(InputStream& input, std::string& line) {
+    if (input.ReadLine(line) && line.ends_with('\r')) line.pop_back();
     return input;
 }
 
@@ -27,14 +28,14 @@ int ToIntOr(const std::string& text, int fallback) {
     return ToInt(text).value_or(fallback);
 }
 
-std::string FindMtbDir(std::istream& input) {
+std::string FindMtbDir(InputStream& input) {
     std::string line;
     while (ReadTextLine(input, line))
         if (line.starts_with(kMtbDirPrefix)) return line.substr(sizeof kMtbDirPrefix - 1);
     return {};
 }
 
-std::optional<VolumeCount> ParseVolumeCount(std::istream& input) {
+std::optional<VolumeCount> ParseVolumeCount(InputStream& input) {
     std::string line;
     if (!ReadTextLine(input, line)) return std::nullopt;
     const std::optional<int> count = ToInt(line);

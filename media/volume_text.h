@@ -1,17 +1,18 @@
 #pragma once
 
-#include <iosfwd>
 #include <optional>
 #include <string>
 
 namespace launcher {
+
+class InputStream;
 
 // The text of the small files that tie the volumes of a split media together: plain 8-bit text,
 // lines ended by LF or CR LF.
 
 // Reads one line, without its LF and without one CR before it. The stream is in the failed state
 // when there was no line.
-std::istream& ReadTextLine(std::istream& input, std::string& line);
+InputStream& ReadTextLine(InputStream& input, std::string& line);
 
 // The decimal number at the start of `text`: blanks and a sign may come before it and anything
 // after it. `fallback` when there is none or when it does not fit.
@@ -19,7 +20,7 @@ int ToIntOr(const std::string& text, int fallback);
 
 // What follows "MTBDIR=" in the first line that begins with it, blanks included; empty when there
 // is no such line.
-std::string FindMtbDir(std::istream& input);
+std::string FindMtbDir(InputStream& input);
 
 // The first line of "volumes.txt", as text and as a number.
 struct VolumeCount {
@@ -28,6 +29,6 @@ struct VolumeCount {
 };
 
 // Nothing when there is no line, or when it does not begin with a number that fits.
-std::optional<VolumeCount> ParseVolumeCount(std::istream& input);
+std::optional<VolumeCount> ParseVolumeCount(InputStream& input);
 
 }  // namespace launcher

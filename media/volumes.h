@@ -7,11 +7,11 @@ namespace launcher {
 
 class LaunchOptions;
 
-// Finds the volumes of a split media, given the folder of volume 1 in `mediaDir`, and tells the
-// installer about them in environment variables:
+// Finds the volumes of a split media (media/volume_search.h) and tells the installer about them in
+// environment variables:
 //   "ZEPAdmInstVolumesCount"     the first line of "volumes.txt"; removed when all volumes lie in
 //                                one folder, so that the installer sees an ordinary media
-//   "ZEPAdmInstMTBDIR"           the id of the media, or of the outer (AM) set it is nested in
+//   "ZEPAdmInstMTBDIR"           the id of the media, or of the outer set it is nested in
 //   "ZEPAdmInstFirstAMVolume", "ZEPAdmInstFirstAMPath", "ZEPAdmInstAMRelativePath"
 //                                where volume 1 lies in a media nested in numbered outer volumes
 //
@@ -20,5 +20,9 @@ class LaunchOptions;
 // order, in `volumes` (empty before); and 0, after messages, when something is missing or belongs
 // to another media. Sets `skipTemporaryCopy` with every result but 0. Throws nothing.
 int ResolveVolumes(LaunchOptions& options, std::vector<std::string>& volumes);
+
+// Tells the installer the folders of the volumes from the second on, in "ZEPAdmInstVolumePath_2"
+// and so on.
+void ExportVolumePaths(const std::vector<std::string>& volumes);
 
 }  // namespace launcher

@@ -3,8 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <sstream>
 
+#include "media/input_stream.h"
 #include "media/volume_files.h"
 
 namespace launcher::mediatool {
@@ -28,7 +28,7 @@ bool IsUtf16(const std::string& bytes) {
 }
 
 std::vector<std::string> LinesOf(const std::string& bytes) {
-    std::istringstream input(bytes);
+    InputStream input(bytes);
     std::vector<std::string> lines;
     for (std::string line; ReadTextLine(input, line);)
         lines.push_back(line);

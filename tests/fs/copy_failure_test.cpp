@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "fs/copy.h"
 #include "fs/encoding.h"
@@ -45,13 +46,13 @@ class CopyFailureTest : public test::FileTest {
     const std::string copy_ = folder_.Text("copy");
 };
 
-// A stand-in for CreateFileW that fails on one file.
-Hook<decltype(&CreateFileW)> RefuseToOpen(const std::string& path, DWORD error) {
+// A stand-in for CreateFileW that fails on one file, for one kind of access or for all.
+Hook<decltype(&CreateFileW)> RefuseToOpen(const std::string& path, DWORD error, DWORD refused = 0) {
     return {"CreateFileW",
-            [widePath = ToWide(path), error](auto real, LPCWSTR name, DWORD access, DWORD share,
-                                             LPSECURITY_ATTRIBUTES security, DWORD disposition,
-                                             DWORD flags, HANDLE like) {
-                if (name != widePath)
+            [widePath = ToWide(path), error, refused](auto real, LPCWSTR name, DWORD access,
+                                                      DWORD share, LPSECURITY_ATTRIBUTES security,
+                                                      DWORD disposition, DWORD flags, HANDLE like) {
+                if (name != widePath || (refused != 0 && access != refused))
                     return real(name, access, share, security, disposition, flags, like);
                 SetLastError(error);
                 return INVALID_HANDLE_VALUE;
@@ -95,8 +96,22 @@ TEST_F(CopyFailureTest, OfASourceThatCannotBeOpened) {
         const FileHandle user = Keep(source_);
         EXPECT_THAT(Copying(), ThrowsErrno("Cannot read " + source_, EACCES));
     }
-    const auto refused = RefuseToOpen(source_, ERROR_TOO_MANY_OPEN_FILES);
+    const auto refused = RefuseToOpen(source_, ERROR_TOO_MANY_OPEN_FILES, GENERIC_READ);
     EXPECT_THAT(Copying(), ThrowsErrno("Cannot read " + source_, EMFILE));
+    EXPECT_FALSE(PathExists(copy_));
+}
+
+// A lost disc or share, rights, a link that leads nowhere, a name that cannot be: the runtime's
+// status function has one errno value for all of them.
+TEST_F(CopyFailureTest, OfASourceThatCannotBeLookedAtIsThatOfAMissingOne) {
+    for (const DWORD error :
+         std::initializer_list<DWORD>{ERROR_NOT_READY, ERROR_ACCESS_DENIED, ERROR_BAD_NETPATH,
+                                      ERROR_INVALID_PARAMETER, ERROR_FILE_NOT_FOUND}) {
+        const auto refused = RefuseToOpen(source_, error);
+        EXPECT_THAT(Copying(), ThrowsErrno("Cannot stat " + source_, ENOENT)) << error;
+    }
+    const std::string name = folder_.Text() + "\\a<b";
+    EXPECT_THAT([&] { CopyOneFile(name, copy_); }, ThrowsErrno("Cannot stat " + name, ENOENT));
     EXPECT_FALSE(PathExists(copy_));
 }
 
@@ -170,16 +185,23 @@ TEST_F(CopyFailureTest, OfADiskThatTakesNothing) {
     EXPECT_THAT(Copying(), ThrowsErrno("Cannot write into " + copy_, ENOSPC));
 }
 
+// The runtime's write takes a refused access for that of a file opened for reading.
 TEST_F(CopyFailureTest, OfAWriteGivesTheRuntimesText) {
-    const Hook<decltype(&WriteFile)> locked("WriteFile", FailsWith(ERROR_LOCK_VIOLATION, FALSE));
-    EXPECT_THAT(Copying(), ThrowsErrno("Cannot write into " + copy_, EACCES));
+    for (const auto& [error, value] :
+         {std::pair{ERROR_LOCK_VIOLATION, EACCES}, std::pair{ERROR_WRITE_PROTECT, EACCES},
+          std::pair{ERROR_ACCESS_DENIED, EBADF}}) {
+        const Hook<decltype(&WriteFile)> failing("WriteFile",
+                                                 FailsWith(static_cast<DWORD>(error), FALSE));
+        EXPECT_THAT(Copying(), ThrowsErrno("Cannot write into " + copy_, value)) << error;
+    }
 }
 
+// The runtime's time function has one errno value for every failure.
 TEST_F(CopyFailureTest, OfTheTimesLeavesTheCopy) {
-    {
-        const Hook<decltype(&SetFileTime)> refused("SetFileTime",
-                                                   FailsWith(ERROR_ACCESS_DENIED, FALSE));
-        EXPECT_THAT(Copying(), ThrowsErrno("SetTime - " + copy_, EACCES));
+    for (const DWORD error :
+         std::initializer_list<DWORD>{ERROR_ACCESS_DENIED, ERROR_DISK_FULL, ERROR_INVALID_HANDLE}) {
+        const Hook<decltype(&SetFileTime)> refused("SetFileTime", FailsWith(error, FALSE));
+        EXPECT_THAT(Copying(), ThrowsErrno("SetTime - " + copy_, EINVAL)) << error;
     }
     EXPECT_EQ(Read(copy_), "content");
 }

@@ -126,5 +126,21 @@ TEST(CreateDir, TakesALinkToAFolderForOne) {
     EXPECT_TRUE(PathExists(folder.Text("folder\\below")));
 }
 
+// The link is there, but no folder: Windows then refuses to make one of that name.
+TEST_F(CreateDirTest, DoesNotTakeALinkThatLeadsNowhereForAFolder) {
+    const std::string link = folder_.MakeDir("link");
+    const Hook<decltype(&GetFileAttributesW)> isLink(
+        "GetFileAttributesW", [](auto real, LPCWSTR path) {
+            const DWORD attributes = real(path);
+            const bool isThere = attributes != INVALID_FILE_ATTRIBUTES;
+            return isThere ? attributes | FILE_ATTRIBUTE_REPARSE_POINT : attributes;
+        });
+    EXPECT_NO_THROW(CreateDir(link));
+    const Hook<decltype(&CreateFileW)> leadsNowhere(
+        "CreateFileW", FailsWith(ERROR_PATH_NOT_FOUND, INVALID_HANDLE_VALUE));
+    EXPECT_THAT([&] { CreateDir(link); },
+                ThrowsSystemError("CreateDirectory - " + link, ERROR_ALREADY_EXISTS));
+}
+
 }  // namespace
 }  // namespace launcher

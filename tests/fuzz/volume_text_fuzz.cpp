@@ -1,9 +1,9 @@
 // The small files of split media: lines, numbers, the identifier of a set and the volume count,
 // against the file cut into lines beforehand.
 
-#include <sstream>
 #include <string>
 
+#include "media/input_stream.h"
 #include "media/volume_text.h"
 #include "tests/fuzz/models/volume_model.h"
 #include "tests/fuzz/support/check.h"
@@ -51,18 +51,18 @@ std::string FileText(Input& input) {
 }
 
 void CheckLines(const std::string& bytes, const TextFile& file) {
-    std::istringstream stream(bytes);
+    InputStream stream(bytes);
     std::string line = "from before";
     for (const std::string& expected : file.lines) {
         ReadTextLine(stream, line);
-        CheckEqual<std::int64_t>("ReadTextLine fails", bytes, stream.fail(), false);
+        CheckEqual<std::int64_t>("ReadTextLine fails", bytes, !stream, false);
         CheckEqual("ReadTextLine", bytes, line, expected);
     }
     // A stream that is at its end already is not read at all, which leaves the line alone.
     const std::string last = "\r\r";
     line = last;
     ReadTextLine(stream, line);
-    CheckEqual<std::int64_t>("ReadTextLine at the end", bytes, stream.fail(), true);
+    CheckEqual<std::int64_t>("ReadTextLine at the end", bytes, !stream, true);
     CheckEqual("ReadTextLine at the end", bytes, line, file.lastIsOpen ? last : std::string());
 }
 
@@ -76,10 +76,10 @@ void TestOneInput(Input input) {
 
     CheckEqual<std::int64_t>("ToIntOr", bytes, ToIntOr(bytes, fallback),
                              LeadingNumber(bytes).value_or(fallback));
-    std::istringstream marker(bytes);
+    InputStream marker(bytes);
     CheckEqual("FindMtbDir", bytes, FindMtbDir(marker), MtbDirOf(file));
 
-    std::istringstream stream(bytes);
+    InputStream stream(bytes);
     const std::optional<VolumeCount> actual = ParseVolumeCount(stream);
     const std::string first = file.lines.empty() ? std::string() : file.lines.front();
     const std::optional<int> expected = LeadingNumber(first);

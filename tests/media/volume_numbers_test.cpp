@@ -6,6 +6,7 @@
 #include <climits>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "fs/environment.h"
@@ -76,17 +77,21 @@ TEST_F(VolumeNumbersTest, AreAllVisitedWhereTheFolderCannotBeListed) {
     EXPECT_THAT(Visited(Path(folder_.Text("missing")), 2, 1001), SizeIs(1000));
 }
 
-// Joined onto the empty path, an entry is in the root of the current drive.
-TEST_F(VolumeNumbersTest, BelowTheEmptyPathAreThoseInTheRootOfTheDrive) {
-    std::string pattern;
-    const test::Hook<decltype(&FindFirstFileW)> hook(
-        "FindFirstFileW", [&](auto real, LPCWSTR name, WIN32_FIND_DATAW* data) {
-            pattern = name == std::wstring(L"\\.\\*") ? "root" : "elsewhere";
-            return real((folder_.Dir() / "*").c_str(), data);
-        });
+// Joined onto the empty path, an entry is in the root of the current drive. A path of two quotes is
+// a folder of that name, but nothing when it is read again.
+TEST_F(VolumeNumbersTest, AreListedWhereTheFolderReadsAsNothing) {
     Write("7.txt");
-    EXPECT_THAT(Visited(Path(), 2, INT_MAX), ElementsAre(7));
-    EXPECT_EQ(pattern, "root");
+    for (const auto& [folder, pattern] : {std::pair{Path(), std::wstring(L"\\.\\*")},
+                                          std::pair{Path("''''"), std::wstring(L"''\\.\\*")}}) {
+        std::wstring listed;
+        const test::Hook<decltype(&FindFirstFileW)> hook(
+            "FindFirstFileW", [&](auto real, LPCWSTR name, WIN32_FIND_DATAW* data) {
+                listed = name;
+                return real((folder_.Dir() / "*").c_str(), data);
+            });
+        EXPECT_THAT(Visited(folder, 2, INT_MAX), ElementsAre(7));
+        EXPECT_EQ(listed, pattern);
+    }
 }
 
 TEST_F(VolumeNumbersTest, MissNothingThatIsThere) {

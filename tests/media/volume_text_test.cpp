@@ -3,9 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
+
+#include "media/input_stream.h"
 
 namespace launcher {
 namespace {
@@ -13,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 
 std::vector<std::string> LinesOf(const std::string& text) {
-    std::istringstream input(text);
+    InputStream input(text);
     std::vector<std::string> lines;
     for (std::string line; ReadTextLine(input, line);)
         lines.push_back(line);
@@ -33,12 +34,34 @@ TEST(ReadTextLine, ReadsEmptyLinesAndALastLineWithoutLf) {
     EXPECT_THAT(LinesOf("\n\r\n\rx\r"), ElementsAre("", "", "\rx"));
 }
 
-TEST(ReadTextLine, FailsAtTheEnd) {
-    std::istringstream input("only\n");
+TEST(ReadTextLine, ReturnsTheStream) {
+    InputStream input("only\n");
     std::string line;
-    EXPECT_TRUE(ReadTextLine(input, line));
     EXPECT_EQ(&ReadTextLine(input, line), &input);
-    EXPECT_TRUE(input.fail());
+    EXPECT_EQ(&ReadTextLine(input, line), &input);
+}
+
+// What is left in the line when there is none to read, and after another attempt: as the standard
+// library's line reading leaves it.
+TEST(ReadTextLine, FailsAtTheEnd) {
+    struct {
+        std::string content;
+        int lines;
+        std::string left;
+    } const rows[] = {{"", 0, ""},   {"\n", 1, ""},       {"only\n", 1, ""}, {"only", 1, "only"},
+                      {"\r", 1, ""}, {"a\r\r", 1, "a\r"}, {"a\nb", 2, "b"},  {"a\n\n", 2, ""}};
+    for (const auto& [content, lines, left] : rows) {
+        SCOPED_TRACE(testing::PrintToString(content));
+        InputStream input(content);
+        std::string line = "from before";
+        for (int i = 0; i < lines; ++i)
+            EXPECT_TRUE(ReadTextLine(input, line));
+        EXPECT_FALSE(ReadTextLine(input, line));
+        EXPECT_EQ(line, left);
+        line = "changed\r";
+        EXPECT_FALSE(ReadTextLine(input, line));
+        EXPECT_EQ(line, "changed\r");
+    }
 }
 
 // What a marker holds and the id that is read from it: the rest of the first line that begins with
@@ -73,13 +96,13 @@ TEST(FindMtbDir, GivesTheRestOfTheFirstLineThatBeginsWithIt) {
         {"MTBDIR=" + std::string(1 << 20, 'v') + "\r\n", std::string(1 << 20, 'v')},
     };
     for (const auto& [content, id] : rows) {
-        std::istringstream input(content);
+        InputStream input(content);
         EXPECT_EQ(FindMtbDir(input), id) << content.substr(0, 100);
     }
 }
 
 std::optional<VolumeCount> Parse(const std::string& content) {
-    std::istringstream input(content);
+    InputStream input(content);
     return ParseVolumeCount(input);
 }
 

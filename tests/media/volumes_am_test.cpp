@@ -1,6 +1,11 @@
+#include <windows.h>
+
 #include <utility>
 
+#include "fs/encoding.h"
+#include "fs/path.h"
 #include "tests/media/volumes_fixture.h"
+#include "tests/support/hook.h"
 
 namespace launcher::test {
 namespace {
@@ -186,6 +191,25 @@ TEST_F(AmVolumesTest, MarkersInVolumeOneAreItsOwn) {
     VolumeOne("Q/A/V", 2);
     Marker("Q/A/V", 7, "Y");
     EXPECT_EQ(Resolve(At("Q/A/V")), Failed(2, {Found(1, "Q/A/V")}));
+}
+
+// Such a path is relative; the test's folder stands in for the current one.
+TEST_F(AmVolumesTest, AreNotInAFolderThatReadsAsNothing) {
+    const std::string media = "''''\\folder\\V";  // its parent's parent is two quotes
+    VolumeOne("V", 2);
+    const auto inFolder = [&](std::wstring path) {
+        const std::wstring prefix = ToWide(Parent(Path(media)).Text());
+        if (path.starts_with(prefix)) path.replace(0, prefix.size(), folder_.Dir().wstring());
+        return path;
+    };
+    const Hook<decltype(&GetFileAttributesW)> attributes(
+        "GetFileAttributesW",
+        [&](auto real, LPCWSTR path) { return real(inFolder(path).c_str()); });
+    const Hook<decltype(&CreateFileW)> open("CreateFileW",
+                                            [&](auto real, LPCWSTR path, auto... rest) {
+                                                return real(inFolder(path).c_str(), rest...);
+                                            });
+    EXPECT_EQ(Resolve(media), Failed(2, {Plain("Volume 1 found in: " + media)}));
 }
 
 }  // namespace

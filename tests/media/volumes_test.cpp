@@ -2,6 +2,7 @@
 
 #include "fs/environment.h"
 #include "tests/media/volumes_fixture.h"
+#include "tests/support/isolated_test.h"
 
 namespace launcher::test {
 namespace {
@@ -193,6 +194,16 @@ TEST_F(SiblingTest, MissesVolumesThatLieElsewhere) {
     const FileHandle lock = Lock("P/2/2.txt");
     folder_.MakeDir("P/4/4.txt");
     EXPECT_EQ(Resolve(At("P/V")), Failed(4, {Found(1, "P/V"), Found(3, "P/3"), Missing()}));
+}
+
+class ExportedVolumesTest : public IsolatedTest {};
+
+TEST_F(ExportedVolumesTest, AreNumberedFromTheSecondOn) {
+    ExportVolumePaths({"V:\\2", "W:\\3"});
+    EXPECT_EQ(GetEnvVar("ZEPAdmInstVolumePath_1"), "");
+    EXPECT_EQ(GetEnvVar("ZEPAdmInstVolumePath_2"), "V:\\2");
+    EXPECT_EQ(GetEnvVar("ZEPAdmInstVolumePath_3"), "W:\\3");
+    EXPECT_EQ(GetEnvVar("ZEPAdmInstVolumePath_4"), "");
 }
 
 }  // namespace

@@ -104,8 +104,8 @@ std::optional<std::uint64_t> RoomAt(const std::string& path) {
 }
 
 void ThrowUnreadable(const std::string& source, DWORD error) {
-    const bool isThere = GetFileAttributesW(ToWide(source).c_str()) != INVALID_FILE_ATTRIBUTES;
-    if (!isThere) ThrowLastErrorAsErrno("Cannot stat ", source);
+    if (!OpenForAttributes(ToWide(source)))
+        throw ZEPInsExceptionErrno("Cannot stat " + source, ENOENT);
     SetLastError(error);
     ThrowLastErrorAsErrno("Cannot read ", source);
 }

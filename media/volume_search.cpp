@@ -1,0 +1,213 @@
+#include "media/volume_search.h"
+
+#include <utility>
+
+#include "fs/directory_enumerator.h"
+#include "fs/environment.h"
+#include "fs/path_exists.h"
+#include "launcher/base/launch_options.h"
+#include "launcher/base/message.h"
+#include "media/folder_names.h"
+#include "media/volume_files.h"
+
+namespace launcher {
+namespace {
+
+// What one pass over volumes 2 to N found.
+struct Pass {
+    VolumeNumber found = 1;            // volume 1 is always there
+    bool mismatch = false;             // a volume of another media was found
+    std::vector<std::string> folders;  // of the volumes found, in layouts of several folders
+};
+
+// A split media whose volume 1 was found and identified.
+struct SplitMedia {
+    const LaunchOptions& options;  // of which `mediaDir` is the folder of volume 1
+    VolumeNumber count;
+    std::string id;
+};
+
+// The marker of an outer volume, in an ancestor of volume 1's folder.
+struct OuterMarker {
+    VolumeNumber number;
+    std::string fileName;
+    Path folder;
+};
+
+constexpr char kMarkerSuffix[] = ".txt";
+
+std::string Decimal(VolumeNumber number) {
+    return std::to_string(number);
+}
+
+std::string ReadVolumeId(const Path& folder, VolumeNumber number) {
+    return ReadMtbDir(Join(folder, Decimal(number) + kMarkerSuffix).Text());
+}
+
+void Trace(const LaunchOptions& options, const std::string& text) {
+    TraceMessage(options, text, Severity::Plain);
+}
+
+void TraceWarning(const LaunchOptions& options, const std::string& text) {
+    TraceMessage(options, text, Severity::Warning);
+}
+
+Pass SingleFolderPass(const SplitMedia& media) {
+    const Path& folder = media.options.mediaDir;
+    Pass pass;
+    ForEachVolumeNumber(folder, 2, media.count, kMarkerSuffix, [&](VolumeNumber k) {
+        const std::string id = ReadVolumeId(folder, k);
+        if (id.empty()) return;
+        if (id == media.id) {
+            ++pass.found;
+            return;
+        }
+        TraceWarning(media.options, "Volume " + Decimal(k) + " of " + id +
+                                        " found in the directory of " + media.id);
+        pass.mismatch = true;
+    });
+    return pass;
+}
+
+// Looks at one folder that should hold volume `k`.
+void CheckVolumeFolder(const SplitMedia& media, VolumeNumber k, const Path& folder, Pass& pass) {
+    const std::string id = ReadVolumeId(folder, k);
+    if (id.empty()) return;
+    if (id == media.id) {
+        ++pass.found;
+        Trace(media.options, "Volume " + Decimal(k) + " found in: " + folder.Text());
+        pass.folders.push_back(folder.Text());
+        return;
+    }
+    TraceWarning(media.options, "Volume " + Decimal(k) + " of " + id + " found in " +
+                                    folder.Text() + " instead of " + media.id);
+    pass.mismatch = true;
+}
+
+Pass SiblingPass(const SplitMedia& media) {
+    const Path parent = Parent(media.options.mediaDir);
+    Pass pass;
+    ForEachVolumeNumber(parent, 2, media.count, "", [&](VolumeNumber k) {
+        CheckVolumeFolder(media, k, Join(parent, Decimal(k)), pass);
+    });
+    return pass;
+}
+
+// Looks for the outer volume `m`, and in it for volume `j`.
+void CheckOuterVolume(const SplitMedia& media, const OuterSet& set, VolumeNumber m, Pass& pass) {
+    const Path outer = Join(Parent(set.folder), Decimal(m));
+    const std::string id = ReadVolumeId(outer, m);
+    if (id.empty()) return;
+    if (id != set.id) {
+        TraceWarning(media.options, "AM volume " + Decimal(m) + " of " + id + " found in " +
+                                        outer.Text() + " instead of " + set.id);
+        pass.mismatch = true;
+        return;
+    }
+    Trace(media.options, "AM volume " + Decimal(m) + " found in: " + outer.Text());
+    const VolumeNumber j = m - set.first + 1;
+    CheckVolumeFolder(media, j, Join(outer, {set.relativePath.Text(), Decimal(j)}), pass);
+}
+
+Pass OuterPass(const SplitMedia& media, const OuterSet& set) {
+    Pass pass;
+    ForEachVolumeNumber(Parent(set.folder), set.first + 1, set.first + media.count - 1, "",
+                        [&](VolumeNumber m) { CheckOuterVolume(media, set, m, pass); });
+    return pass;
+}
+
+// The number in the name of an outer volume's marker ("7.txt", "42.txt"); below 1 for any other
+// name.
+int OuterMarkerNumber(const std::string& name) {
+    const bool named = (name.size() == 5 || name.size() == 6) && name.ends_with(kMarkerSuffix);
+    return named ? ToIntOr(name.substr(0, name.size() - 4), -1) : -1;
+}
+
+// The first marker of the nearest ancestor that holds one.
+std::optional<OuterMarker> FindOuterMarker(const Path& mediaDir) {
+    for (Path folder = Parent(mediaDir); !IsEmpty(folder); folder = Parent(folder)) {
+        // A name of two quotes is nothing to a listing, which reads it again: it holds no marker.
+        if (IsEmpty(Path(folder.Text()))) continue;
+        const auto files = DirectoryEnumerator::Open(folder.Text(), DirectoryEnumerator::kFiles);
+        for (; !files->AtEnd(); files->Next()) {
+            const int number = OuterMarkerNumber(files->Name());
+            if (number > 0) return OuterMarker{number, files->Name(), folder};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<OuterSet> FindOuterSet(const LaunchOptions& options) {
+    const std::optional<OuterMarker> marker = FindOuterMarker(options.mediaDir);
+    if (!marker) return std::nullopt;
+    const std::string id = ReadMtbDir(Join(marker->folder, marker->fileName).Text());
+    if (id.empty()) {
+        TraceWarning(options, "Cannot open " + marker->fileName + " in " + marker->folder.Text());
+        Trace(options, "Please make sure you copied and/or extracted everything properly.");
+        return std::nullopt;
+    }
+    Trace(options, "AM volume " + Decimal(marker->number) + " found in: " + marker->folder.Text());
+    return OuterSet{marker->number, id, marker->folder,
+                    RelativePath(Parent(options.mediaDir), marker->folder)};
+}
+
+// True when a pass settles the whole search: complete, as `layout`, or incomplete. False when only
+// volume 1 was found and the next layout must be tried.
+bool Settles(Pass pass, VolumeLayout layout, const SplitMedia& media, FoundVolumes& found) {
+    if (pass.found == media.count && !pass.mismatch) {
+        found.layout = layout;
+        found.folders = std::move(pass.folders);
+        return true;
+    }
+    if (!pass.mismatch && pass.found > 1)
+        TraceWarning(media.options,
+                     "Missing volumes. Please make sure you copied everything correctly.");
+    return pass.mismatch || pass.found > 1;
+}
+
+// The three layouts, one after the other.
+void SearchLayouts(const SplitMedia& media, FoundVolumes& found) {
+    const LaunchOptions& options = media.options;
+    if (Settles(SingleFolderPass(media), VolumeLayout::OneFolder, media, found)) {
+        if (found.layout == VolumeLayout::OneFolder)
+            Trace(options, "All volumes found in: " + options.mediaDir.Text());
+        return;
+    }
+    Trace(options, "Volume 1 found in: " + options.mediaDir.Text());
+    if (Settles(SiblingPass(media), VolumeLayout::Siblings, media, found)) return;
+    found.outer = FindOuterSet(options);
+    if (found.outer) Settles(OuterPass(media, *found.outer), VolumeLayout::Outer, media, found);
+}
+
+bool IsToBeSearched(const LaunchOptions& options, const std::string& countFile) {
+    // The misspelt name is part of the interface.
+    return PathExists(countFile) && !options.softMgt &&
+           GetEnvVar("ZEP_Online_Installation_Caf_Repositiory").empty();
+}
+
+}  // namespace
+
+FoundVolumes FindVolumes(const LaunchOptions& options) {
+    FoundVolumes found;
+    const std::string countFile = Join(options.mediaDir, {kInstFolder, kCountFile}).Text();
+    const bool isSearched = IsToBeSearched(options, countFile);
+    if (isSearched) found.count = ReadVolumeCount(countFile);
+    if (!isSearched || (found.count && found.count->count < 2)) {
+        found.layout = VolumeLayout::NotSplit;
+        return found;
+    }
+    if (!found.count) return found;
+    // The line as it was read, whatever follows the number in it.
+    TraceMessage(options, "This media is composed of " + found.count->line + " volumes.",
+                 Severity::Info);
+    found.id = ReadVolumeId(options.mediaDir, 1);
+    if (found.id.empty()) {
+        TraceWarning(options, "1.txt not found or not accessible in: " + options.mediaDir.Text());
+        Trace(options, "Please make sure you copied the whole volume.");
+        return found;
+    }
+    SearchLayouts(SplitMedia{options, found.count->count, found.id}, found);
+    return found;
+}
+
+}  // namespace launcher
