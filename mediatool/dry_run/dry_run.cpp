@@ -103,7 +103,7 @@ bool IsSet(const char* name) {
 // The volumes are searched for after the installer: the first lookup is the count file's.
 bool CameToVolumes(const Journal& journal) {
     return std::ranges::any_of(journal.lookups, [](const Lookup& lookup) {
-        return SameName(FileName(Path(lookup.path)), kCountFileName);
+        return SameName(FileName(Path(lookup.path)), kCountFile);
     });
 }
 

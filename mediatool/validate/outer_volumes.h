@@ -1,27 +1,17 @@
 #pragma once
 
-#include <string>
-
-#include "fs/path.h"
+#include "mediatool/validate/disc_set.h"
 #include "mediatool/validate/findings.h"
 
 namespace launcher::mediatool {
 
-// A media that may be nested in numbered outer volumes.
-struct NestedMedia {
-    Path folder;     // of volume 1
-    std::string id;  // of the media
-    int count;       // of its volumes
-};
+// The numbered outer volumes that a disc set may be nested in.
 
-// The launcher takes a file of this name for the marker of an outer volume.
-bool IsOuterMarkerName(const std::string& name);
+// Why the launcher does not find the volumes of the set there. False when nothing there was meant
+// to be an outer volume.
+bool ExplainOuterVolumes(const DiscSet& set, Findings& out);
 
-// The mistakes in the outer volumes of a media whose volumes the launcher does not find. False when
-// nothing there was meant to be one.
-bool CheckIncompleteOuterVolumes(const NestedMedia& media, Findings& out);
-
-// What may be wrong with those of a media whose volumes it finds.
-void CheckCompleteOuterVolumes(const NestedMedia& media, Findings& out);
+// What may be wrong with those of a set whose volumes it finds.
+void CheckOuterVolumes(const DiscSet& set, Findings& out);
 
 }  // namespace launcher::mediatool

@@ -42,6 +42,11 @@ inline std::string MistakeName(const testing::TestParamInfo<Mistake>& info) {
     return name;
 }
 
+inline bool Has(const Validation& validation, const std::string& id) {
+    const std::vector<Finding> findings = validation.findings.Sorted();
+    return std::ranges::find(findings, id, &Finding::id) != findings.end();
+}
+
 inline std::string Ids(const Validation& validation) {
     std::string ids;
     for (const Finding& finding : validation.findings.Sorted())
@@ -63,7 +68,7 @@ class MistakeTest : public testing::TestWithParam<Mistake> {
     // Makes the mistake in a media that did not have it. It is found by its name, and all is said
     // about it.
     static void ExpectToBeFound(const Mistake& mistake) {
-        ASSERT_FALSE(WithoutMistakes(mistake.layout).findings.Has(mistake.id))
+        ASSERT_FALSE(Has(WithoutMistakes(mistake.layout), mistake.id))
             << "before the mistake was made";
         SampleMedia media(mistake.layout);
         mistake.make(media);
