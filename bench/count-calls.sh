@@ -8,9 +8,10 @@
 set -eu
 . "$(dirname "$0")/common.sh"
 
+[ $# = 0 ] || fail 2 "takes no arguments"
+need_programs
 trees=$ram/calls
 keep_warm
-trap 'stop_keeping; rm -rf "$ram"' EXIT
 
 # make FILES FOLDERS
 make() {

@@ -1,14 +1,16 @@
 #!/bin/sh
 # Compares what the launcher costs to start, wait and end with the least that a launcher can do:
-# system calls, time, and the libraries loaded.
+# system calls, time, and the libraries loaded. Then the time of a start from a media with a damaged
+# count of volumes.
 #
 #   count-start.sh            after run.sh has built the programs
 set -eu
 . "$(dirname "$0")/common.sh"
 
+[ $# = 0 ] || fail 2 "takes no arguments"
+need_programs
 media=$ram/start
 keep_warm
-trap 'stop_keeping; rm -rf "$ram"' EXIT
 
 child=$media/inst/win_b64/code/bin/ZEPInsAppliGUI.exe
 mkdir -p "$(dirname "$child")"
@@ -40,3 +42,19 @@ libraries "$media/setup.exe" -wait >"$build/libraries-launcher.txt"
 echo "Libraries loaded by the minimal launcher only (<) and by setup.exe only (>)"
 diff "$build/libraries-minimal.txt" "$build/libraries-launcher.txt" | grep '^[<>]' ||
     echo "  none: both load the same $(wc -l <"$build/libraries-launcher.txt")"
+
+# crowd FOLDER: the media again, there, among 10,000 files
+crowd() {
+    cp -r "$media" "$1"
+    echo MTBDIR=SET >"$1/1.txt"
+    (cd "$1" && seq -f 'file%.0f.txt' 10000 | xargs touch)
+}
+crowd "$ram/plain"
+crowd "$ram/damaged"
+echo 2147483647 >"$ram/damaged/inst/volumes.txt"
+# Nothing is copied: the launcher would show a box, and wait for it.
+stay="-wait -env ZEPAdmInstDontCopyInstaller=1"
+echo "Time of a start beside 10,000 files, with and without a count of 2,147,483,647 volumes, median of 5"
+run "$programs/start_bench.exe" 5 \
+    "no count" "$(windows "$ram/plain/setup.exe") $stay" \
+    "damaged count" "$(windows "$ram/damaged/setup.exe") $stay"

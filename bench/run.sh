@@ -1,7 +1,7 @@
 #!/bin/sh
 # Builds the benchmarks, runs them all under Wine and prints their tables.
 #
-#   bench/run.sh              about four minutes on a machine with nothing else to do
+#   bench/run.sh              ten minutes or more, the builds included
 #   bench/run.sh --quick      fewer rounds, and files of 16 MiB instead of 128 MiB
 #
 # Needs 2.1 GB in /dev/shm and 1.1 GB on the disk; both are freed at the end. Set BUILD for another
@@ -22,21 +22,49 @@ set -eu
 large_file=134217728
 ram_rounds=5
 disk_rounds=3
-if [ "${1:-}" = --quick ]; then
+case $#-${1-} in
+0-) ;;
+1---quick)
     large_file=16777216
     ram_rounds=3
     disk_rounds=2
-fi
+    ;;
+*) fail 2 "knows --quick and nothing else: $*" ;;
+esac
 
-command -v strace >/dev/null || apt-get install -y strace >/dev/null
+# need_space FOLDER MEGABYTES
+need_space() {
+    free=$(df -Pk "$1" | awk 'NR == 2 { print int($4 / 1000) }')
+    [ "$free" -ge "$2" ] || fail 1 "$1 has $free MB free; $2 are needed"
+}
 mkdir -p "$build"
-(
-    cd "$root"
-    cmake --preset mingw -B "$build" -DLAUNCHER_BUILD_TESTS=OFF -DLAUNCHER_BUILD_BENCH=ON
-    cmake --build "$build"
-) >"$build/build.log" 2>&1 || { cat "$build/build.log"; exit 1; }
-trap 'rm -rf "$ram" "$disk"' EXIT
-rm -rf "$ram" "$disk"
+need_space "$ram" 2100
+need_space "$build" 1100
+
+"$root/tools/install-tools.sh" strace
+# build PRESET FOLDER CMAKE_OPTION...
+build() {
+    preset=$1
+    folder=$2
+    shift 2
+    (cd "$root" && cmake --preset "$preset" -B "$folder" -DLAUNCHER_BUILD_TESTS=OFF "$@" &&
+        cmake --build "$folder") >"$build/build.log" 2>&1 ||
+        { cat "$build/build.log" >&2 && fail 1 "cannot build $folder"; }
+}
+build mingw "$build" -DLAUNCHER_BUILD_BENCH=ON
+build mingw32 "$build/launcher32"
+build mingw "$build/mediatool" -DLAUNCHER_BUILD_TOOLS=ON
+need_programs
+trap 'clean_up; rm -rf "$disk"' EXIT
+rm -rf "$disk"
+
+# size_of NAME FILE
+size_of() { printf '  %-28s %9d bytes\n' "$1" "$(stat -c %s "$2")"; }
+echo "Sizes"
+size_of "setup.exe, 64-bit" "$build/launcher/setup.exe"
+size_of "setup.exe, 32-bit" "$build/launcher32/launcher/setup.exe"
+size_of mediatool.exe "$build/mediatool/mediatool/mediatool.exe"
+size_of "the icon in setup.exe" "$root/launcher/resources/setup.ico"
 
 copy_bench() { run "$programs/copy_bench.exe" "$@"; }
 
@@ -45,7 +73,7 @@ compare() {
     source=$(windows "$1/source")
     copy_bench make "$source" "$3" "$4" "$5" "$6"
     copy_bench compare "$source" "$(windows "$1/copy")" "$2"
-    rm -rf "$1"
+    rm -rf "$1/source" "$1/copy"
 }
 
 # compare_all PLACE FOLDER ROUNDS
@@ -62,7 +90,7 @@ compare_all disk "$disk" $disk_rounds
 memory() {
     copy_bench make "$(windows "$ram/source")" "$1" 1 "$2" "$2"
     copy_bench memory "$(windows "$ram/source")" "$(windows "$ram/copy")"
-    rm -rf "$ram"
+    rm -rf "$ram/source" "$ram/copy"
 }
 echo "Memory, that of a process that copies nothing first"
 memory 1 0

@@ -19,7 +19,8 @@ void WriteFile(const std::filesystem::path& path, std::uint32_t size, Random& ra
     for (std::uint32_t left = size; left > 0;) {
         std::generate(block.begin(), block.end(), std::ref(random));
         const std::uint32_t count = std::min<std::uint32_t>(left, sizeof block);
-        file.write(reinterpret_cast<const char*>(block.data()), count);
+        file.write(reinterpret_cast<const char*>(block.data()),
+                   static_cast<std::streamsize>(count));
         left -= count;
     }
     file.close();

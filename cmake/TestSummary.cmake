@@ -1,8 +1,11 @@
-# What the suites that CTest ran last say of their single tests: how many passed, and which were
-# skipped, with their reasons. Run in a build folder: cmake -P TestSummary.cmake
+# What the suites that CTest ran last say of their single tests: how many passed, which were skipped,
+# with their reasons, which were not built or not run at all, and how many starts were repeated
+# because Wine stumbled (tests/support/repeats.h). Run in a build folder: cmake -P TestSummary.cmake
 file(STRINGS Testing/Temporary/LastTest.log lines)
 set(passed 0)
 set(skipped 0)
+set(repeated 0)
+set(missing 0)
 set(list "")
 set(reason "")
 foreach(line IN LISTS lines)
@@ -11,8 +14,23 @@ foreach(line IN LISTS lines)
   elseif(line MATCHES "^\\[  SKIPPED \\] (.+) \\(")
     math(EXPR skipped "${skipped} + 1")
     string(APPEND list "  ${CMAKE_MATCH_1}: ${reason}\n")
+  elseif(line MATCHES "^\\[ REPEATED \\]")
+    math(EXPR repeated "${repeated} + 1")
+  elseif(line MATCHES "^[0-9]+/[0-9]+ Test: (.+)")
+    set(test "${CMAKE_MATCH_1}")
+  elseif(line STREQUAL "Command: \"\"")
+    math(EXPR missing "${missing} + 1")
+    string(APPEND list "  not run: ${test}\n")
   else()
     set(reason "${line}")
   endif()
 endforeach()
-message("${passed} single tests passed, ${skipped} skipped\n${list}")
+if(EXISTS not_built.txt)
+  file(STRINGS not_built.txt lines)
+  foreach(line IN LISTS lines)
+    math(EXPR missing "${missing} + 1")
+    string(APPEND list "  not built: ${line}\n")
+  endforeach()
+endif()
+message("${passed} single tests passed, ${skipped} skipped, ${missing} not built or not run, "
+  "${repeated} repeated starts\n${list}")

@@ -139,7 +139,7 @@ void Copy(const std::string& source, const std::string& destination) {
     if (source.empty()) throw ZEPInsException("Copy - empty source path");
     if (destination.empty()) throw ZEPInsException("Copy - empty destination path");
     if (IsDirectory(GetType(source)))
-        CopyDirectory(source, destination);
+        CopyFolder(source, destination);
     else
         CopyOneFile(source, destination);
 }
@@ -149,7 +149,7 @@ void CopyOneFile(const std::string& source, const std::string& destination) {
     CopyIntoExistingFolder(source, destination);
 }
 
-void CopyDirectory(const std::string& source, const std::string& destination) {
+void CopyFolder(const std::string& source, const std::string& destination) {
     const auto entries = DirectoryEnumerator::Open(source, DirectoryEnumerator::kEverything);
     if (entries->AtEnd()) {
         CreateDir(destination);
@@ -159,7 +159,7 @@ void CopyDirectory(const std::string& source, const std::string& destination) {
     for (; !entries->AtEnd(); entries->Next()) {
         const std::string target = destination + kBackslash + entries->Name();
         if (IsDirectory(entries->Type())) {
-            CopyDirectory(entries->FullPath(), target);
+            CopyFolder(entries->FullPath(), target);
             continue;
         }
         if (!std::exchange(folderMade, true)) CreateParent(target);

@@ -22,10 +22,14 @@ DWORD AttributesFromListing(const std::string& path, const std::wstring& widePat
 }  // namespace
 
 FileType TypeFromAttributes(std::uint32_t attributes) {
-    const bool directory = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const bool folder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
-        return directory ? FileType::DirectoryLink : FileType::FileLink;
-    return directory ? FileType::Directory : FileType::File;
+        return folder ? FileType::DirectoryLink : FileType::FileLink;
+    return folder ? FileType::Directory : FileType::File;
+}
+
+bool PathExists(const std::string& path) {
+    return !path.empty() && GetFileAttributesW(ToWide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 FileType GetType(const std::string& path) {

@@ -22,6 +22,10 @@ constexpr bool IsDirectory(FileType type) {
 // The type that goes with a file's attributes (FILE_ATTRIBUTE_...).
 FileType TypeFromAttributes(std::uint32_t attributes);
 
+// True when `path` names an existing file or folder. False for the empty path and for one that
+// cannot be examined. Throws nothing.
+bool PathExists(const std::string& path);
+
 // What `path` names. Throws ZEPInsException: "GetType - empty path", or "GetType - " + path + the
 // system's text when the object is missing or cannot be examined.
 FileType GetType(const std::string& path);

@@ -1,6 +1,6 @@
 #include "installer/com.h"
 
-#include "platform/module_function.h"
+#include "platform/libraries.h"
 
 namespace launcher {
 namespace {

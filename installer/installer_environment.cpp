@@ -2,7 +2,6 @@
 
 #include "fs/environment.h"
 #include "fs/path.h"
-#include "installer/environment_backup.h"
 #include "launcher/base/launch_options.h"
 #include "media/folder_names.h"
 #include "platform/administrator.h"
@@ -82,6 +81,10 @@ void SetSearchPathVariable(const LaunchOptions& options, const std::string& name
         AppendEntries(list, installerInst + options.osFolder + kBackslash,
                       installerInst + kCommonFolder + kBackslash, folders);
     SetEnvVar(name, list);
+}
+
+void BackupEnvVar(const std::string& name) {
+    SetEnvVar("ZEP_BAK_" + name, "ZEP_BAK=" + GetEnvVar(name));
 }
 
 }  // namespace launcher

@@ -10,8 +10,8 @@ class LaunchOptions;
 // Writes what the installer reads from its environment into this process's own, which the installer
 // inherits: where the media and its runtime folders lie, the operating system's folder, whether the
 // user is an administrator and whether the session is interactive, and a handful of fixed switches.
-// Whatever these variables held is overwritten; the path variables are backed up first
-// (installer/environment_backup.h). Reports nothing; throws what IsAdministrator throws.
+// Whatever these variables held is overwritten; the path variables are backed up first. Reports
+// nothing; throws what IsAdministrator throws.
 void PrepareInstallerEnvironment(const LaunchOptions& options);
 
 // Backs up `name` and sets it to the search path of the relative `folders`: each in the media's
@@ -19,5 +19,10 @@ void PrepareInstallerEnvironment(const LaunchOptions& options);
 // the same again in that one. Entries are joined with ";" and not tested for existence.
 void SetSearchPathVariable(const LaunchOptions& options, const std::string& name,
                            std::initializer_list<std::string> folders);
+
+// Saves the value of the variable `name` for the installer and the programs it starts, in
+// "ZEP_BAK_" + name, as "ZEP_BAK=" + value. The prefix makes sure that the backup exists even when
+// the variable is unset or empty. A later backup overwrites an earlier one.
+void BackupEnvVar(const std::string& name);
 
 }  // namespace launcher

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "fs/environment.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "installer/folder_dialog.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
@@ -95,16 +95,18 @@ bool LocateByDialog(LaunchOptions& options) {
     return SelectInstallerFolder(options) && !options.installerExePath.empty();
 }
 
-void TakeFromInstallerMedia(LaunchOptions& options) {
+InstallerOrigin TakeFromInstallerMedia(LaunchOptions& options) {
     constexpr char kNotFound[] =
         "The installer is not found, please read the file \"ReadMe_Windows.txt\".";
-    if (LocateByOption(options) || LocateByVariable(options)) return;
+    if (LocateByOption(options)) return InstallerOrigin::Option;
+    if (LocateByVariable(options)) return InstallerOrigin::Variable;
     if (!options.useGui)
         ReportErrorAndExit(options, std::string(kNotFound) +
                                         "\nYou can also launch this executable again with the "
                                         "'-UI' argument to open a directory browse dialog box to "
                                         "select the installer directory.");
     if (!LocateByDialog(options)) ReportErrorAndExit(options, kNotFound);
+    return InstallerOrigin::Dialog;
 }
 
 }  // namespace
@@ -115,10 +117,13 @@ void ChooseInstaller(LaunchOptions& options) {
     Trace(options, is64Bit ? "64-bit OS" : "32-bit OS");
     TakeFromCurrentMedia(options, flavours, is64Bit);
     if (!is64Bit && options.installerExePath.empty()) RefuseOn32BitWindows(options, flavours);
-    if (UsesCurrentMedia(options)) return;
+    if (UsesCurrentMedia(options)) {
+        options.installerOrigin = InstallerOrigin::CurrentMedia;
+        return;
+    }
     options.installerExePath.clear();
     ChooseFlavourByMarker(options, flavours, is64Bit);
-    TakeFromInstallerMedia(options);
+    options.installerOrigin = TakeFromInstallerMedia(options);
 }
 
 }  // namespace launcher

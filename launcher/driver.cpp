@@ -40,8 +40,8 @@ int RunLauncher(LaunchOptions& options) {
     if (!GetEnvVar("ZEPAdmODTMultiVolumes").empty()) return volumeCount;
     if (volumeCount > 1) ExportVolumePaths(volumes);
 
-    const std::string temporaryDir = NewTemporaryDirName();
-    CopyInstallerToTemporaryDir(options, temporaryDir);
+    const std::string temporaryDir = NewTemporaryFolderName();
+    CopyInstallerToTemporaryFolder(options, temporaryDir);
     PrepareInstallerEnvironment(options);
     const std::string commandLine = BuildInstallerCommandLine(options);
     if (options.temporaryCopyMade) {

@@ -5,7 +5,7 @@
 #include "fs/owners.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/driver.h"
-#include "platform/dll_search.h"
+#include "platform/libraries.h"
 
 namespace {
 

@@ -50,11 +50,11 @@ void MoveOntoCopy(LaunchOptions& options, const std::string& temporaryDir) {
 
 }  // namespace
 
-std::string NewTemporaryDirName() {
+std::string NewTemporaryFolderName() {
     return GetEnvVar("TEMP") + kBackslash + NewUuidText(/*upperCase=*/true) + kBackslash;
 }
 
-void CopyInstallerToTemporaryDir(LaunchOptions& options, const std::string& temporaryDir) {
+void CopyInstallerToTemporaryFolder(LaunchOptions& options, const std::string& temporaryDir) {
     if (!GetEnvVar("ZEPAdmInstDontCopyInstaller").empty() || options.skipTemporaryCopy) {
         SetEnvVar(kOriginalMediaDirVar, "");
         return;

@@ -8,7 +8,7 @@ class LaunchOptions;
 
 // The name of a new private folder below the user's temporary folder, "TEMP" + "\" + a UUID + "\".
 // Nothing is created.
-std::string NewTemporaryDirName();
+std::string NewTemporaryFolderName();
 
 // Copies the installer's part of the media into `temporaryDir`, so that the media may be removed
 // during the installation, and moves `mediaDir` and `installerExePath` onto the copy; or leaves
@@ -19,6 +19,6 @@ std::string NewTemporaryDirName();
 // A failed copy is reported, "Cannot copy the installer to a temporary directory: " and then the
 // failure's own text, and ends the process with exit code 1; what was copied stays. Only the copies
 // from a separate installer media may fail silently.
-void CopyInstallerToTemporaryDir(LaunchOptions& options, const std::string& temporaryDir);
+void CopyInstallerToTemporaryFolder(LaunchOptions& options, const std::string& temporaryDir);
 
 }  // namespace launcher

@@ -35,10 +35,10 @@ std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName
 
 std::vector<Flavour> MediaFlavours(const LaunchOptions& options) {
     std::vector<Flavour> flavours = FlavoursIn(options.mediaDir, options.installerExeName);
-    const std::string commonMarker = GetEnvVar("ZEPAdmInstODTinstallOSpath");
-    if (commonMarker.empty()) return flavours;
+    const std::string givenMarker = GetEnvVar("ZEPAdmInstODTinstallOSpath");
+    if (givenMarker.empty()) return flavours;
     for (Flavour& flavour : flavours)
-        flavour.marker = commonMarker;
+        flavour.marker = givenMarker;
     return flavours;
 }
 

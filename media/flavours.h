@@ -13,7 +13,7 @@ class LaunchOptions;
 inline constexpr char kFlavourMarkerExtension[] = ".installos";
 
 // One operating-system flavour of a media: a per-OS folder below "inst" with the installer for it,
-// and a marker. The marker's existence says that the media, or the separate installer media it
+// and a flavour marker, whose existence says that the media, or the separate installer media it
 // needs, is made for that flavour.
 struct Flavour {
     std::string osFolder;  // "win_b64", for instance
@@ -32,7 +32,7 @@ constexpr bool Suits(const Flavour& flavour, bool is64BitWindows) {
 std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName);
 
 // Those of this run. While "ZEPAdmInstODTinstallOSpath" is set, its value, as it is given, is the
-// marker of all of them.
+// flavour marker of all of them.
 std::vector<Flavour> MediaFlavours(const LaunchOptions& options);
 
 }  // namespace launcher

@@ -1,7 +1,7 @@
 #include "media/installer_media.h"
 
+#include "fs/file_type.h"
 #include "fs/path.h"
-#include "fs/path_exists.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
 #include "media/folder_names.h"
@@ -13,11 +13,11 @@ namespace {
 // text: these paths are shown and passed on as given.
 struct InstallerPlace {
     InstallerPlace(const LaunchOptions& options, const std::string& root)
-        : instDir(root + kInstFolder + kBackslash),
-          exePath(instDir + options.osFolder + kBackslash + kCodeFolder + kBackslash + kBinFolder +
-                  kBackslash + options.installerExeName) {}
+        : instFolder(root + kInstFolder + kBackslash),
+          exePath(instFolder + options.osFolder + kBackslash + kCodeFolder + kBackslash +
+                  kBinFolder + kBackslash + options.installerExeName) {}
 
-    std::string instDir;
+    std::string instFolder;
     std::string exePath;
 };
 
@@ -41,7 +41,7 @@ bool LocateInstaller(LaunchOptions& options, const std::string& folder, bool qui
             return false;
         }
     }
-    options.mediaInstDir = place.instDir;
+    options.mediaInstDir = place.instFolder;
     options.installerExePath = place.exePath;
     TraceMessage(options, "Installer Media: \"" + options.installerExePath + "\"", Severity::Info);
     return true;

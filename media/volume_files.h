@@ -19,9 +19,9 @@ inline Path CountFileIn(const Path& volumeOne) {
 }
 
 // "7.txt", at the root of volume 7.
-inline constexpr char kMarkerExtension[] = ".txt";
+inline constexpr char kVolumeMarkerSuffix[] = ".txt";
 inline std::string MarkerName(VolumeNumber number) {
-    return std::to_string(number) + kMarkerExtension;
+    return std::to_string(number) + kVolumeMarkerSuffix;
 }
 inline Path MarkerIn(const Path& volume, VolumeNumber number) {
     return Join(volume, MarkerName(number));

@@ -4,7 +4,7 @@
 
 #include "fs/directory_enumerator.h"
 #include "fs/environment.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
 #include "media/folder_names.h"
@@ -46,7 +46,7 @@ void TraceWarning(const LaunchOptions& options, const std::string& text) {
 Pass SingleFolderPass(const SplitMedia& media) {
     const Path& folder = media.options.mediaDir;
     Pass pass;
-    ForEachVolumeNumber(folder, 2, media.count, kMarkerExtension, [&](VolumeNumber k) {
+    ForEachVolumeNumber(folder, 2, media.count, kVolumeMarkerSuffix, [&](VolumeNumber k) {
         const std::string id = ReadVolumeId(folder, k);
         if (id.empty()) return;
         if (id == media.id) {

@@ -48,9 +48,10 @@ struct ValidateCommand {
 
     int Run() {
         Progress progress("Entries looked at:");
-        request.progress = [&progress](std::size_t count) { progress.Show(count); };
-        if (command->count("--temp") > 0) request.temp = temp;
-        const Validation validation = Validate(request);
+        ValidateRequest watched = request;
+        watched.progress = [&progress](std::size_t count) { progress.Show(count); };
+        if (command->count("--temp") > 0) watched.temp = temp;
+        const Validation validation = Validate(watched);
         PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
         return validation.findings.Count(Level::Error) == 0 ? kSuccess : kFailure;
     }
@@ -99,8 +100,9 @@ struct CreateCommand {
         if (ofOuter.front()->count() > 0 && request.outerId.empty())
             throw BadInput("--outer-id is empty.");
         Progress progress("Files copied:");
-        request.progress = [&progress](std::size_t count) { progress.Show(count); };
-        const Creation creation = Create(request);
+        CreateRequest watched = request;
+        watched.progress = [&progress](std::size_t count) { progress.Show(count); };
+        const Creation creation = Create(watched);
         PrintOut(json ? Printed(JsonOf(creation, request)) : TextOf(creation) + NextStep(creation));
         return kSuccess;
     }
@@ -205,12 +207,12 @@ class Mediatool {
         app_.set_version_flag("--version", "mediatool " LAUNCHER_VERSION);
     }
 
-    int Run(std::vector<std::string> arguments) {
+    int Run(const std::vector<std::string>& all) {
         // What follows -- is the launcher's, to the letter: nothing of it is an option or a list.
-        const auto end = std::ranges::find(arguments, "--");
-        const bool hasEnd = end != arguments.end();
-        std::vector<std::string> launcherArguments(hasEnd ? end + 1 : end, arguments.end());
-        arguments.erase(end, arguments.end());
+        const auto end = std::ranges::find(all, "--");
+        const bool hasEnd = end != all.end();
+        std::vector<std::string> arguments(all.begin(), end);
+        std::vector<std::string> launcherArguments(hasEnd ? end + 1 : end, all.end());
         CheckCommand(arguments);
         isDryRun_ = !arguments.empty() && arguments.front() == dryRun_.command->get_name();
         std::ranges::reverse(arguments);  // as CLI11 wants them

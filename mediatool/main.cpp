@@ -8,7 +8,7 @@
 #include "fs/encoding.h"
 #include "fs/owners.h"
 #include "mediatool/commands.h"
-#include "platform/dll_search.h"
+#include "platform/libraries.h"
 
 // Split as the launcher splits its own command line: the C runtime may expand wildcards and has
 // other ideas of quotes, and what is meant for the launcher must arrive as it would there.

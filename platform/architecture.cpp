@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "platform/module_function.h"
+#include "platform/libraries.h"
 
 namespace launcher {
 

@@ -1,26 +1,41 @@
 #!/bin/sh
-# Runs the tests of the layers with everything that this toolchain can check at run time: traps for
-# undefined behaviour, the standard library's assertions, and Wine's checks of the heap (overruns,
-# use after release, double release).
+# Runs the tests of the layers and of mediatool with everything that this toolchain can check at run
+# time: traps for undefined behaviour, the standard library's assertions, and Wine's checks of the
+# heap (overruns, use after release, double release).
 #
 #   check-undefined.sh [PROGRAM...]      names of test programs, "fs_test"; all without
 #
 # First, three small programs with such faults show that each check works.
 set -eu
 cd "$(dirname "$0")/.."
-build=$PWD/build/undefined
-prefix=$build/wine-prefix
+# Relative, so that lists of files can be divided at blanks, wherever this folder is.
+build=build/undefined
+prefix=$PWD/$build/wine-prefix
+folders="fs platform launcher media installer mediatool"
 flags="-fsanitize=undefined -fsanitize-undefined-trap-on-error -D_GLIBCXX_ASSERTIONS"
 
 # Warnings are for the ordinary builds: the checks make the compiler see faults in its own library.
 # They also make it emit more of that library into each object, and the linker takes whole objects:
 # where a test has its own version of a product function, its own counts.
-cmake --preset mingw-debug -B "$build" -DLAUNCHER_JOIN_SOURCES=ON -DCMAKE_CXX_FLAGS="$flags -w" \
+cmake --preset mingw-debug -B $build -DLAUNCHER_JOIN_SOURCES=ON -DCMAKE_CXX_FLAGS="$flags -w" \
     -DCMAKE_EXE_LINKER_FLAGS=-Wl,--allow-multiple-definition >/dev/null
-tests=$(ninja -C "$build" -t targets all | sed -n \
-    's,^\(tests/\(fs\|platform\|launcher\|media\|installer\)/.*_test\.exe\):.*,\1,p')
+built=$(ninja -C $build -t targets all)
+tests=$(for folder in $folders; do
+    echo "$built" | sed -n "s,^\(tests/$folder/.*_test\.exe\):.*,\1,p"
+done)
+if [ $# -gt 0 ]; then
+    chosen=""
+    for name; do
+        test=$(echo "$tests" | grep "/$name\.exe\$") || {
+            echo "check-undefined.sh: there is no test program \"$name\"." >&2
+            exit 2
+        }
+        chosen="$chosen $test"
+    done
+    tests=$chosen
+fi
 # shellcheck disable=SC2086  # a list of targets
-cmake --build "$build" --target $tests
+cmake --build $build --target $tests
 
 # The heap is checked for the programs that the registry names.
 check_heap_of() {
@@ -31,8 +46,8 @@ check_heap_of() {
     done
 }
 
-programs=$(find "$build"/tests/fs "$build"/tests/platform "$build"/tests/launcher \
-    "$build"/tests/media "$build"/tests/installer -name "*.exe" | sort)
+programs=$(for folder in $folders; do find "$build/tests/$folder" -name "*.exe" | sort; done
+    echo $build/mediatool/mediatool.exe)
 samples=$build/samples
 mkdir -p "$samples"
 cp tools/undefined_sample.cpp "$samples/sample.cpp"
@@ -42,7 +57,7 @@ x86_64-w64-mingw32-g++-posix -std=c++20 $flags -static -o "$samples/sample.exe" 
 # shellcheck disable=SC2086
 check_heap_of "$samples/sample.exe" $programs >"$build/heap.reg"
 export WINEDEBUG="-all,err+heap,warn+heap"
-tools/wine-run.sh "$prefix" regedit "$(printf 'Z:%s' "$build/heap.reg" | tr / '\\')"
+tools/wine-run.sh "$prefix" regedit "$(printf 'Z:%s' "$PWD/$build/heap.reg" | tr / '\\')"
 
 # Passes when the program ends well and the heap has nothing to say.
 passes() {
@@ -61,11 +76,9 @@ for fault in none overflow index heap; do
 done
 
 failed=""
-for program in $programs; do
-    name=$(basename "$program" .exe)
-    case $name in *_test) ;; *) continue ;; esac
-    case " $* " in "  " | *" $name "*) ;; *) continue ;; esac
-    if passes "$build/$name.log" "$program" --gtest_brief=1; then
+for test in $tests; do
+    name=$(basename "$test" .exe)
+    if passes "$build/$name.log" "$build/$test" --gtest_brief=1; then
         echo "$name: $(tail -n 1 "$build/$name.log")"
     else
         grep -E ':heap:|FAILED|Failure' "$build/$name.log" | head -n 20

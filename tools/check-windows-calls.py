@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""Compares docs/windows-calls.md with the product's sources, its executable and the tests.
+"""Compares docs/windows-calls.md with the product's sources, its executables and the tests.
 
-    check-windows-calls.py SETUP-EXE [OBJDUMP]
+    check-windows-calls.py SETUP-EXE MEDIATOOL-EXE [OBJDUMP]
 
-Fails when the executable imports a Windows function, or the sources look one up, that the tables do
+Fails when an executable imports a Windows function, or the sources look one up, that its tables do
 not have; when a table has one that is no longer there, or names other sources than those with the
-call; and when a test named there does not exist.
+call; and when a test named there does not exist. Of mediatool the functions that change something
+count: what it calls itself has a row in its own table, and the rest of them is either in the
+launcher's tables, as part of its layers, or in the list of what the libraries import.
 """
 
 import re
@@ -15,8 +17,11 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 TABLE = ROOT / "docs/windows-calls.md"
-PRODUCT = ("fs", "platform", "launcher", "media", "installer")
-RUNTIME_HEADING = "## Imports of the runtime alone"
+LAUNCHER = ("fs", "platform", "launcher", "media", "installer")
+MEDIATOOL = ("mediatool",)
+MEDIATOOL_HEADING = "\n## mediatool\n"
+CHANGES = re.compile("Copy|Create(?!FileMapping)|Delete|Move|Remove|Reg|Replace|Set(?!LastError)|"
+                     "Shell|Write")
 C_RUNTIME = re.compile(r"msvcrt|ucrt|vcruntime|api-ms-win-crt", re.IGNORECASE)
 BY_NUMBER = {("shlwapi.dll", 219): "QISearch"}
 COMMENT_OR_TEXT = re.compile(r'//[^\n]*|/\*.*?\*/|L?"(?:[^"\\\n]|\\.)*"', re.DOTALL)
@@ -40,33 +45,66 @@ def imports(executable, objdump):
     return names
 
 
-def sources():
-    """The text of each product source, and the same without comments and texts."""
-    for folder in PRODUCT:
-        for path in sorted((ROOT / folder).rglob("*")):
-            if path.suffix in (".cpp", ".h"):
-                text = path.read_text()
-                yield path.relative_to(ROOT).as_posix(), text, COMMENT_OR_TEXT.sub(" ", text)
+class Sources:
+    """The product's sources in some folders."""
+
+    def __init__(self, folders):
+        files = [path for folder in folders for path in sorted((ROOT / folder).rglob("*"))
+                 if path.suffix in (".cpp", ".h")]
+        self.text = {path.relative_to(ROOT).as_posix(): path.read_text() for path in files}
+        self.code = {file: COMMENT_OR_TEXT.sub(" ", text) for file, text in self.text.items()}
+
+    def looked_up(self):
+        """The names that GetProcAddress is asked for."""
+        names = set()
+        for text in self.text.values():
+            names |= set(re.findall(r'(?:GetProcAddress|ComFunction<[^;]*?>|ModuleFunction<[^;]*?>)'
+                                    r'\s*\([^;"]*(?:L"\w+",\s*)?"(\w+)"\)', text))
+        return names
+
+    def callers(self, name):
+        call = re.compile(rf"\b{name}\b(?!\s*>)\s*[(\"]")
+        by_name = re.compile(rf'"{name}"')
+        return {file for file in self.code
+                if call.search(self.code[file]) or by_name.search(self.text[file])}
 
 
-def looked_up():
-    """The names that the sources ask GetProcAddress for."""
-    names = set()
-    for _, text, _ in sources():
-        names |= set(re.findall(r'(?:GetProcAddress|ComFunction<[^;]*?>|ModuleFunction<[^;]*?>)'
-                                r'\s*\([^;"]*(?:L"\w+",\s*)?"(\w+)"\)', text))
-    return names
+class Table:
+    """A part of the document: `called`, the sources with the calls of each function of its tables,
+    and `runtime`, the functions that its list says are imported by others alone."""
 
+    def __init__(self, text):
+        self.called = {}
+        tables, listed, _ = text.split("```")
+        self.runtime = set(listed.split())
+        for line in tables.splitlines():
+            cells = [cell.strip() for cell in line.split("|")[1:-1]]
+            if len(cells) > 1 and re.fullmatch(r"`\w+`", cells[0]):
+                files = self.called.setdefault(cells[0].strip("`"), set())
+                files.update(name.strip() for name in cells[1].split(","))
 
-def table_rows():
-    """(function, the sources with its calls) of each row; none for the runtime's imports."""
-    tables, runtime = TABLE.read_text().split(RUNTIME_HEADING)
-    for name in runtime.split("```")[1].split():
-        yield name, None
-    for line in tables.splitlines():
-        cells = [cell.strip() for cell in line.split("|")[1:-1]]
-        if len(cells) > 1 and re.fullmatch(r"`\w+`", cells[0]):
-            yield cells[0].strip("`"), {name.strip() for name in cells[1].split(",")}
+    def faults(self, names, sources, elsewhere):
+        """What differs between the table, the `names` that are imported or looked up, and their
+        calls in the sources. Those in `elsewhere` may also be called from there only."""
+        called, runtime = self.called, self.runtime
+        for name in sorted(names):
+            files = sources.callers(name)
+            if files and name not in called:
+                yield f"{name}: called in {', '.join(sorted(files))}, but not in a table"
+            elif not files and name not in runtime | elsewhere:
+                yield f"{name}: imported, but in no table"
+        for name, files in sorted(called.items()):
+            callers = sources.callers(name)
+            if name not in names:
+                yield f"{name}: in a table, but neither imported nor looked up"
+            elif files != callers:
+                yield (f"{name}: the table says {', '.join(sorted(files))}, the sources "
+                       f"{', '.join(sorted(callers)) or 'nothing'}")
+        for name in sorted(runtime):
+            if name not in names:
+                yield f"{name}: listed for the runtime, but not imported"
+            elif sources.callers(name):
+                yield f"{name}: listed for the runtime, but called"
 
 
 def tests():
@@ -79,48 +117,30 @@ def tests():
 
 
 def main():
-    executable = sys.argv[1]
-    objdump = sys.argv[2] if len(sys.argv) > 2 else "x86_64-w64-mingw32-objdump"
-    faults = []
-    imported, found_by_name = imports(executable, objdump), looked_up()
-    code = {file: stripped for file, _, stripped in sources()}
-    quoted = {file: text for file, text, _ in sources()}
-    called, runtime = {}, set()
-    for name, files in table_rows():
-        if files is None:
-            runtime.add(name)
-        else:
-            called.setdefault(name, set()).update(files)
+    if len(sys.argv) not in (3, 4):
+        sys.exit("usage: check-windows-calls.py SETUP-EXE MEDIATOOL-EXE [OBJDUMP]")
+    objdump = sys.argv[3] if len(sys.argv) > 3 else "x86_64-w64-mingw32-objdump"
+    text = TABLE.read_text()
+    launcher, mediatool = (Table(part) for part in text.split(MEDIATOOL_HEADING))
 
-    def callers(name):
-        call = re.compile(rf"\b{name}\b(?!\s*>)\s*[(\"]")
-        by_name = re.compile(rf'"{name}"')
-        return {file for file in code if call.search(code[file]) or by_name.search(quoted[file])}
+    sources = Sources(LAUNCHER)
+    faults = list(launcher.faults(imports(sys.argv[1], objdump) | sources.looked_up(), sources, set()))
 
-    for name in sorted(imported | found_by_name):
-        files = callers(name)
-        if files and name not in called:
-            faults.append(f"{name}: called in {', '.join(sorted(files))}, but not in a table")
-        elif not files and name not in runtime:
-            faults.append(f"{name}: imported, but in no table")
-    for name, files in sorted(called.items()):
-        if name not in imported | found_by_name:
-            faults.append(f"{name}: in a table, but neither imported nor looked up")
-        elif files != callers(name):
-            faults.append(f"{name}: the table says {', '.join(sorted(files))}, the sources "
-                          f"{', '.join(sorted(callers(name))) or 'nothing'}")
-    faults += [f"{name}: listed for the runtime, but not imported"
-               for name in sorted(runtime - imported)]
-    faults += [f"{name}: listed for the runtime, but called"
-               for name in sorted(runtime) if callers(name)]
-    named = set(re.findall(r"`(\w+\.\w+)`", TABLE.read_text()))
+    sources = Sources(MEDIATOOL)
+    names = {name for name in imports(sys.argv[2], objdump) | sources.looked_up()
+             if CHANGES.match(name)}
+    faults += [f"mediatool: {fault}" for fault in
+               mediatool.faults(names, sources, set(launcher.called) | launcher.runtime)]
+
+    named = set(re.findall(r"`(\w+\.\w+)`", text))
     faults += [f"{name}: no such test" for name in sorted(named - tests())
                if not name.endswith((".h", ".cpp"))]
     for fault in faults:
         print(fault)
     if not faults:
-        print(f"docs/windows-calls.md: {len(called)} functions, {len(named)} tests, "
-              f"{len(runtime)} imports of the runtime")
+        print(f"docs/windows-calls.md: {len(launcher.called)} functions of the launcher, "
+              f"{len(mediatool.called)} of mediatool, {len(named)} tests, "
+              f"{len(launcher.runtime | mediatool.runtime)} imports of the runtime")
     return 1 if faults else 0
 
 

@@ -1,9 +1,10 @@
-# Read by tools/coverage.sh right after project(): the product's libraries and the launcher count
+# Read by tools/coverage.sh right after project(): the product's libraries and its two programs count
 # their lines and branches; tests and their helpers stay as they are. The counts go to COVERAGE_DATA
 # on the drive where Wine shows the machine's files: a launcher may run on any other drive, and
 # nothing may appear on its media.
 function(count_product)
-  foreach(target fs platform launcher_base media installer launcher setup)
+  foreach(target fs platform launcher_base media installer launcher setup
+      mediatool_markers mediatool_this_machine mediatool_lib mediatool)
     target_compile_options(${target} PRIVATE
       "$<$<COMPILE_LANGUAGE:CXX>:--coverage;-O0;-fprofile-dir=Z:${COVERAGE_DATA}>")
   endforeach()

@@ -1,11 +1,13 @@
 #!/bin/sh
 # Lines and branches of the product that the tests reach, under Wine.
 #
-#   coverage.sh [--no-tests] [CTEST-ARGUMENT...]
+#   coverage.sh [--no-tests] [--lines PERCENT] [--branches PERCENT] [CTEST-ARGUMENT...]
 #
 # Builds everything in build/coverage with counting product code, runs all tests (or those that
 # ctest's arguments choose), prints a table by folder and what was not reached, and writes an HTML
 # report, build/coverage/report/index.html. With --no-tests it reports what earlier runs counted.
+# Fails when a test fails, or when less than 100 % of the lines or 90 % of the branches of the
+# launcher or of mediatool were reached, unless other shares are given.
 #
 # Branches that only an exception from a call would take, and those that the compiler adds for
 # clean-up, are left out. A process that ends by abort or a crash loses its counts.
@@ -15,11 +17,25 @@ build=$PWD/build/coverage
 data=$build/counts
 
 run_tests=yes
-if [ "${1-}" = --no-tests ]; then
-    run_tests=no
-    shift
-fi
+lines=100
+branches=90
+while [ $# -gt 0 ]; do
+    case $1 in
+        --no-tests) run_tests=no ;;
+        --lines) lines=${2-}; shift ;;
+        --branches) branches=${2-}; shift ;;
+        *) break ;;
+    esac
+    [ $# = 0 ] || shift
+done
+for share in "$lines" "$branches"; do
+    if ! expr "$share" : '[0-9][0-9]*\(\.[0-9][0-9]*\)\{0,1\}$' >/dev/null; then
+        echo "coverage.sh: --lines and --branches take a number of percent, not \"$share\"." >&2
+        exit 2
+    fi
+done
 
+status=0
 if [ $run_tests = yes ]; then
     command -v gcovr >/dev/null || tools/install-tools.sh gcovr
     cmake --preset mingw-debug -B "$build" -DLAUNCHER_JOIN_SOURCES=ON \
@@ -28,23 +44,30 @@ if [ $run_tests = yes ]; then
     cmake --build "$build" -j "${JOBS:-$(nproc)}"
     rm -rf "$data"
     mkdir -p "$data"
-    ctest --test-dir "$build" -j "$(nproc)" --output-on-failure "$@" || echo "some tests failed" >&2
+    if ! ctest --test-dir "$build" -j "$(nproc)" --output-on-failure "$@"; then
+        echo "some tests failed" >&2
+        status=1
+    fi
 fi
 
 # "#" stands for "/": each count belongs beside the notes that the compiler left.
-layers="$build/fs $build/platform $build/launcher $build/media $build/installer"
-# shellcheck disable=SC2086  # a list of folders
-find $layers -name "*.gcda" -delete
+set -- "$build/fs" "$build/platform" "$build/launcher" "$build/media" "$build/installer" \
+    "$build/mediatool"
+find "$@" -name "*.gcda" -delete
 for file in "$data"/*.gcda; do
+    if [ ! -e "$file" ]; then
+        echo "coverage.sh: no run has counted anything yet." >&2
+        exit 1
+    fi
     cp "$file" "$(basename "$file" | tr '#' /)"
 done
 
 mkdir -p "$build/report"
-# shellcheck disable=SC2086
 gcovr --root . --gcov-executable x86_64-w64-mingw32-gcov-posix --object-directory "$build" \
     --filter 'fs/' --filter 'platform/' --filter 'launcher/' --filter 'media/' \
-    --filter 'installer/' --exclude launcher/mingw_runtime.cpp \
+    --filter 'installer/' --filter 'mediatool/' --exclude launcher/mingw_runtime.cpp \
     --exclude-throw-branches --exclude-unreachable-branches \
     --html-details "$build/report/index.html" --json "$build/report/coverage.json" \
-    -j "$(nproc)" $layers >/dev/null
-python3 tools/coverage_table.py "$build/report/coverage.json"
+    -j "$(nproc)" "$@" >/dev/null
+python3 tools/coverage_table.py "$build/report/coverage.json" "$lines" "$branches" || status=1
+exit $status

@@ -1,5 +1,10 @@
 #!/usr/bin/env python3
-"""Prints a table by folder of gcovr's JSON report, and each line and branch without a hit."""
+"""Prints a table by folder of gcovr's JSON report, and each line and branch without a hit.
+
+    coverage_table.py REPORT LINES BRANCHES
+
+The exit code is 1 when less than LINES or BRANCHES, in percent, of a program were reached.
+"""
 
 import collections
 import json
@@ -7,13 +12,22 @@ import sys
 from pathlib import Path
 
 
+def percent(hit, total):
+    return 100 * hit / total if total else 100
+
+
 def share(hit, total):
-    return f"{hit:6} of {total:<6}{100 * hit / total if total else 100:6.1f} %"
+    return f"{hit:6} of {total:<6}{percent(hit, total):6.1f} %"
+
+
+def program_of(file):
+    return "all of mediatool" if "mediatool" in Path(file).parts else "all of the launcher"
 
 
 def main():
     report = json.loads(Path(sys.argv[1]).read_text())
     rows = collections.defaultdict(lambda: [0, 0, 0, 0])
+    totals = collections.defaultdict(lambda: [0, 0, 0, 0])
     missing = []
     for file in sorted(report["files"], key=lambda f: f["file"]):
         folder = str(Path(file["file"]).parent)
@@ -23,7 +37,7 @@ def main():
                 continue
             branches = [b["count"] for b in line["branches"]]
             never = branches.count(0)
-            for row in (rows[folder], rows["all"]):
+            for row in (rows[folder], totals[program_of(file["file"])]):
                 row[0] += line["count"] > 0
                 row[1] += 1
                 row[2] += len(branches) - never
@@ -35,14 +49,22 @@ def main():
             elif never:
                 missing.append(f"{place}: {never} of {len(branches)} branches: {code}")
 
-    print(f"{'':16}{'lines':24}{'branches':24}")
-    for folder in sorted(rows, key=lambda name: (name == "all", name)):
-        lines, all_lines, branches, all_branches = rows[folder]
-        print(f"{folder:14}{share(lines, all_lines):24}  {share(branches, all_branches)}")
+    print(f"{'':28}{'lines':24}{'branches':24}")
+    for folder, row in sorted(rows.items()) + sorted(totals.items()):
+        print(f"{folder:26}{share(*row[:2]):24}  {share(*row[2:])}")
     print(f"\nNot reached: {len(missing)}")
     for text in missing:
         print("  " + text)
 
+    failed = not totals
+    for program, row in sorted(totals.items()):
+        for what, reached, least in (("lines", percent(*row[:2]), float(sys.argv[2])),
+                                     ("branches", percent(*row[2:]), float(sys.argv[3]))):
+            if reached < least:
+                print(f"Too little: {reached:.2f} % of the {what}, {program}; {least:g} % is asked.")
+                failed = True
+    return 1 if failed else 0
+
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

@@ -3,8 +3,11 @@
 # UndefinedBehaviorSanitizer, against the models in tests/fuzz.
 #
 #   fuzz.sh replay                    every input of the kept corpus once; some seconds
-#   fuzz.sh run [AMOUNT] [TARGET]     new inputs: AMOUNT executions of each target, or seconds with
-#                                     an "s" at the end ("600s"); 1000000 without one
+#   fuzz.sh run [AMOUNT] [TARGET] [SEED]
+#                                     new inputs: AMOUNT executions of each target, or seconds with
+#                                     an "s" at the end ("600s"); 10000000 without one. The seed is
+#                                     shown: with it, the same inputs come again, as long as the
+#                                     kept ones are the same and build/fuzz/found is empty
 #   fuzz.sh minimise                  makes the kept corpus anew, of itself and what runs have found
 #
 # An input that fails is kept in build/fuzz/failed; the target's program run on that file shows the
@@ -18,6 +21,11 @@ all="path relative_path replace_all volume_text command_line uuid_text options"
 
 # What is freed is kept for a while, to catch its use; much of it costs more than it finds here.
 export ASAN_OPTIONS="quarantine_size_mb=1:thread_local_quarantine_size_kb=16:malloc_context_size=0"
+
+complain() {
+    echo "fuzz.sh: $1" >&2
+    exit 2
+}
 
 usage() {
     sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2
@@ -65,6 +73,17 @@ replay() {
     done
 }
 
+# check_run AMOUNT TARGET SEED
+check_run() {
+    expr "$1" : '[1-9][0-9]*s\{0,1\}$' >/dev/null ||
+        complain "the amount is a number, or one of seconds such as 600s, not \"$1\"."
+    case " $all " in
+        *" $2 "*) ;;
+        *) [ -z "$2" ] || complain "there is no target \"$2\"; there are $all." ;;
+    esac
+    expr "$3" : '[0-9][0-9]*$' >/dev/null || complain "the seed is a number, not \"$3\"."
+}
+
 run() {
     case $1 in
         *s) amount=-max_total_time=${1%s} ;;
@@ -72,9 +91,10 @@ run() {
     esac
     for target in ${2:-$all}; do
         mkdir -p "$build/found/$target" "$corpus/$target"
-        fuzz "$target" "$amount" "$build/found/$target" "$corpus/$target"
-        printf '%-14s %10s executions, %s a second\n' "$target" \
-            "$(stat_of number_of_executed_units)" "$(stat_of average_exec_per_sec)"
+        fuzz "$target" "$amount" -seed="$3" "$build/found/$target" "$corpus/$target"
+        printf '%-14s %10s executions, %s a second, seed %s\n' "$target" \
+            "$(stat_of number_of_executed_units)" "$(stat_of average_exec_per_sec)" \
+            "$(sed -n 's/^INFO: Seed: //p' "$log")"
     done
 }
 
@@ -85,8 +105,11 @@ minimise() {
         rm -rf "$new"
         mkdir -p "$new" "$build/found/$target" "$corpus/$target"
         fuzz "$target" -merge=1 -use_counters=0 "$new" "$corpus/$target" "$build/found/$target"
-        rm -rf "${corpus:?}/$target"
-        cp -r "$new" "$corpus/$target"
+        # Never without a corpus, whenever this is interrupted.
+        for input in "$new"/*; do cp "$input" "$corpus/$target"; done
+        for input in "$corpus/$target"/*; do
+            [ -e "$new/$(basename "$input")" ] || rm "$input"
+        done
         printf '%-14s %5s inputs\n' "$target" "$(find "$new" -type f | wc -l)"
     done
 }
@@ -96,7 +119,10 @@ command=$1
 shift
 case $command in
     replay) build_targets && replay ;;
-    run) build_targets && run "${1:-1000000}" "${2:-}" ;;
+    run)
+        check_run "${1:-10000000}" "${2:-}" "${3:-0}"
+        build_targets && run "${1:-10000000}" "${2:-}" "${3:-0}"
+        ;;
     minimise) build_targets && minimise ;;
     *) usage ;;
 esac

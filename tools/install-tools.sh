@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what building and testing the launcher needs on Debian 12. With everything there it asks
-# nothing of apt and needs no rights.
+# nothing of apt and needs no rights. On a system without Debian's packages it looks for the programs.
 #
 #   install-tools.sh [PACKAGE...]      further packages that the caller needs
 set -eu
@@ -8,7 +8,33 @@ set -eu
 packages="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix cmake ninja-build
     wine wine64 googletest libcli11-dev nlohmann-json3-dev libvalijson-dev $*"
 
+# The program that a package is wanted for; none for a library, which CMake fetches or does without.
+program_of() {
+    case $1 in
+    g++-mingw-w64-x86-64-posix) echo x86_64-w64-mingw32-g++-posix ;;
+    g++-mingw-w64-i686-posix) echo i686-w64-mingw32-g++-posix ;;
+    ninja-build) echo ninja ;;
+    wine64) echo wineserver ;;
+    nsis) echo makensis ;;
+    librsvg2-bin) echo rsvg-convert ;;
+    imagemagick) echo convert ;;
+    lib* | nlohmann-json3-dev | googletest | fonts-*) ;;
+    *) echo "$1" ;;
+    esac
+}
+
 missing=""
+if ! command -v dpkg-query >/dev/null; then
+    for package in $packages; do
+        program=$(program_of "$package")
+        [ -z "$program" ] || command -v "$program" >/dev/null || missing="$missing $program"
+    done
+    [ -n "$missing" ] || exit 0
+    echo "Missing:$missing" >&2
+    echo "Install these programs: this system has no dpkg, and this script knows no other way." >&2
+    exit 1
+fi
+
 for package in $packages; do
     state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
     [ "$state" = installed ] || missing="$missing $package"

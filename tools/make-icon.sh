@@ -17,11 +17,13 @@ fail() {
 }
 
 [ $# = 0 ] || fail "takes no arguments"
+[ -f "$resources/setup.svg" ] || fail "no such file: $resources/setup.svg"
 command -v rsvg-convert >/dev/null || fail "rsvg-convert is missing: apt-get install librsvg2-bin"
 command -v icotool >/dev/null || fail "icotool is missing: apt-get install icoutils"
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+trap 'exit 1' INT TERM HUP
 
 # draw PIXELS: prints the file's name
 draw() {

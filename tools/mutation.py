@@ -2,16 +2,20 @@
 """Changes the product in one place at a time and looks whether a test notices.
 
 Each mutant is built in a private copy of the sources, and tested by the test programs of its own
-layer, then by those of the other layers, and last by those that run the launcher from outside, up
-to the first that fails. Results are kept, one JSON object a line; a second call goes on where the
-first one ended. `--until unit` leaves out the slow last stage, which a later call makes up for.
+layer, by those of the other layers, by the inputs that the fuzzers keep, and last by the programs
+that run the launcher or mediatool from outside, up to the first that fails: twice, as a time limit
+that was passed once may be the machine's mood. Results are kept, one JSON object a line; a second
+call goes on where the first one ended.
 
 What does not compile is not counted, nor a change that no test notices because the released program
-is the same with it, byte for byte.
+is the same with it, byte for byte, or the object code that it is made of.
 
-    tools/mutation.py                        a random sample of 500, seed 1
+    tools/mutation.py                        a random sample of 500 of the launcher, seed 1
+    tools/mutation.py mediatool        the same of mediatool
+    tools/mutation.py --seed 2               another sample: a number that was not used before
     tools/mutation.py --sample 0             every place
     tools/mutation.py fs/copy.cpp media      the places of some files or folders
+    tools/mutation.py --stages fuzz FILE...  by the kept inputs alone
     tools/mutation.py --list fs/path.cpp     show the places, change nothing
     tools/mutation.py --report               what is known so far
 
@@ -19,10 +23,10 @@ The exit code is 0 when at least 97 % of the judged mutants were killed.
 """
 
 import argparse
-import collections
 import hashlib
 import json
 import queue
+import subprocess
 import sys
 import threading
 import time
@@ -30,41 +34,59 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
 from mutation.mutants import find  # noqa: E402
-from mutation.tree import PRODUCT, Failure, Tree  # noqa: E402
+from mutation.report import describe, show  # noqa: E402
+from mutation.tree import LAUNCHER, MEDIATOOL, Failure, Tree, is_fuzzer  # noqa: E402
 
 REPOSITORY = Path(__file__).resolve().parent.parent
 # The pieces of the compiler's runtime: no other compiler uses them, and no test can see the seed of
 # the stack's canary.
 LEFT_OUT = {"launcher/mingw_runtime.cpp"}
-STAGES = ("layer", "unit", "all")
-NOT_COUNTED = ("not compiled", "same program")
+STAGES = ("layer", "unit", "fuzz", "all")
+NOT_COUNTED = ("not compiled", "same code")
 GOAL = 0.97
 
 
 def product_files(names):
-    for folder in PRODUCT:
+    for folder in LAUNCHER + MEDIATOOL:
         for path in sorted((REPOSITORY / folder).rglob("*")):
             file = path.relative_to(REPOSITORY).as_posix()
             if path.suffix not in (".cpp", ".h") or file in LEFT_OUT:
                 continue
-            if not names or any(file == name or file.startswith(name.rstrip("/") + "/")
-                                for name in names):
+            if any(file == name or file.startswith(name.rstrip("/") + "/") for name in names):
                 yield file
 
 
+def is_in(path, folders):
+    return any(path.startswith(folder + "/") for folder in folders)
+
+
 def stage_of(program, file):
-    """When a program's turn comes for a mutant of `file`: 0, 1 or 2 (STAGES)."""
-    folder = program.split("/", 1)[1].rsplit("/", 1)[0]  # without "tests/"
-    if folder.split("/")[0] not in PRODUCT:
-        return 2
-    layer = str(Path(file).parent)
-    return 0 if folder == layer or folder.startswith(layer + "/") else 1
+    """When a program's turn comes for a mutant of `file`: one of STAGES; None when it neither has
+    the changed code in it nor starts a program that has."""
+    if is_fuzzer(program):
+        return "fuzz"
+    folder = program.split("/", 1)[1]  # without "tests/"
+    of_mediatool = is_in(folder, [Path(name).name for name in MEDIATOOL])
+    if is_in(file, MEDIATOOL):
+        return "layer" if of_mediatool else None
+    if not is_in(folder, LAUNCHER):
+        return "all"
+    return "layer" if is_in(folder, [str(Path(file).parent)]) else "unit"
+
+
+def commit():
+    """What is checked out, as a text for a report."""
+    return subprocess.run(["git", "describe", "--always", "--dirty", "--exclude=*"],
+                          cwd=REPOSITORY, check=True, capture_output=True, text=True).stdout.strip()
 
 
 class Runner:
     def __init__(self, arguments):
         self.arguments = arguments
-        self.sources = {file: (REPOSITORY / file).read_text() for file in product_files([])}
+        self.sources = {file: (REPOSITORY / file).read_text()
+                        for file in product_files(LAUNCHER + MEDIATOOL)}
+        self.commit = commit()
+        self.files = list(product_files(arguments.files))
         self.results = {}
         self.lock = threading.Lock()
         self.file = Path(arguments.results)
@@ -77,7 +99,7 @@ class Runner:
         """The chosen ones, in the order in which they are judged: the seed's, by each one's own
         name, so that a change of the sources replaces few of a sample."""
         arguments = self.arguments
-        found = [mutant for file in product_files(arguments.files)
+        found = [mutant for file in self.files
                  for mutant in find(file, self.sources[file], arguments.seed)]
         found.sort(key=lambda mutant: hashlib.sha1(f"{arguments.seed} {mutant.id}".encode()).digest())
         if arguments.again:
@@ -90,10 +112,15 @@ class Runner:
 
     # --- before the first mutant
 
-    def measure(self, tree):
+    def needed(self, tree):
+        """The test programs for the chosen files and stages."""
+        stages = set(self.arguments.stages) | ({"layer"} if "all" in self.arguments.stages else set())
+        return [program for program in tree.test_programs()
+                if {stage_of(program, file) for file in self.files} & stages]
+
+    def measure(self, tree, programs):
         """How long each program takes, and which tests fail without any change."""
         self.seconds, self.skipped = {}, {}
-        programs = tree.all_programs() if self.arguments.until == "all" else tree.programs()
         for program in programs:
             self.skipped[program] = []
             while True:
@@ -114,11 +141,9 @@ class Runner:
     # --- one mutant
 
     def judge(self, tree, mutant):
-        known = self.results.get(mutant.id, {})
-        first = STAGES.index(known["stage"]) + 1 if known.get("result") == "survived" else 0
-        last = STAGES.index(self.arguments.until)
+        tested = self.results.get(mutant.id, {}).get("tested", [])
         result = {"id": mutant.id, "file": mutant.file, "line": mutant.line, "kind": mutant.kind,
-                  "before": mutant.before, "after": mutant.after}
+                  "before": mutant.before, "after": mutant.after, "commit": self.commit}
         start = time.monotonic()
         tree.apply(mutant, self.sources[mutant.file])
         try:
@@ -126,27 +151,37 @@ class Runner:
             if objects and not tree.build(objects):
                 result["result"] = "not compiled"
             else:
-                result.update(self.test(tree, mutant, first, last))
-                if result["result"] == "survived" and tree.is_same_program():
-                    result["result"] = "same program"
+                result.update(self.test(tree, mutant, tested))
+                if result["result"] == "survived" and tree.is_same_code():
+                    result["result"] = "same code"
         finally:
             tree.restore()
         result["seconds"] = round(time.monotonic() - start, 1)
         return result
 
-    def test(self, tree, mutant, first, last):
-        for stage in range(first, last + 1):
-            programs = [p for p in self.seconds if stage_of(p, mutant.file) == stage]
-            programs.sort(key=self.seconds.get)
-            if programs and not tree.build(programs if stage < 2 else []):
+    def test(self, tree, mutant, tested):
+        tested = list(tested)
+        for stage in self.arguments.stages:
+            if stage in tested:
+                continue
+            programs, own = ([p for p in self.seconds if stage_of(p, mutant.file) == name]
+                             for name in (stage, "layer"))
+            if not tree.build(programs + own):
                 return {"result": "not compiled"}
-            for program in programs:
-                if stage < 2 and not tree.was_rebuilt(program):
-                    continue
+            # What the fuzzers' compiler alone refuses is no mutant for them.
+            if not tree.build_fuzzers(programs):
+                programs = []
+            if stage == "all":
+                # Of its own layer, those without the change in them: they may start what has it.
+                programs += [p for p in own if not tree.was_rebuilt(p)]
+            else:
+                programs = [p for p in programs if tree.was_rebuilt(p)]
+            for program in sorted(programs, key=self.seconds.get):
                 failed = self.first_failure(tree, program)
                 if failed:
-                    return {"result": "killed", "stage": STAGES[stage], "by": failed}
-        return {"result": "survived", "stage": STAGES[last]}
+                    return {"result": "killed", "stage": stage, "by": failed}
+            tested.append(stage)
+        return {"result": "survived", "tested": tested}
 
     def first_failure(self, tree, program):
         """The test that failed, twice: once may be the machine's mood."""
@@ -154,12 +189,12 @@ class Runner:
         failed = tree.run(program, self.filter_of(program), timeout)
         if failed == "passed":
             return None
-        if failed in ("timeout", "?"):
-            return f"{Path(program).stem}: {failed}"
-        if tree.run(program, [f"--gtest_filter={failed}"], timeout) == "passed" and \
-                tree.run(program, self.filter_of(program), timeout) == "passed":
+        is_test = failed not in ("timeout", "?")
+        if is_test and tree.run(program, [f"--gtest_filter={failed}"], timeout) != "passed":
+            return failed
+        if tree.run(program, self.filter_of(program), 2 * timeout) == "passed":
             return None
-        return failed
+        return failed if is_test else f"{Path(program).stem}: {failed}, twice"
 
     # --- all of them
 
@@ -170,8 +205,10 @@ class Runner:
         trees = [Tree(REPOSITORY, Path(self.arguments.folder) / f"worker{i + 1}")
                  for i in range(self.arguments.workers)]
         for tree in trees:
-            tree.prepare(layers_only=self.arguments.until != "all")
-        self.measure(trees[0])
+            tree.prepare(self.arguments.stages)
+            programs = self.needed(tree)
+            tree.build_pristine(programs)
+        self.measure(trees[0], programs)
         self.judged = 0
         threads = [threading.Thread(target=self.work, args=(tree, waiting)) for tree in trees]
         for thread in threads:
@@ -189,9 +226,8 @@ class Runner:
                 if known.get("result") in NOT_COUNTED:
                     continue
                 self.judged += 1
-                done = known.get("result") == "killed" or known.get("result") == "survived" and \
-                    STAGES.index(known["stage"]) >= STAGES.index(self.arguments.until)
-                if not done:
+                if known.get("result") != "killed" and \
+                        not set(self.arguments.stages) <= set(known.get("tested", [])):
                     return mutant
         return None
 
@@ -213,45 +249,31 @@ class Runner:
         sample, results, same = self.arguments.sample, [], 0
         for mutant in self.mutants():
             result = self.results.get(mutant.id)
-            same += bool(result) and result["result"] == "same program"
+            same += bool(result) and result["result"] == "same code"
             if result and result["result"] not in NOT_COUNTED:
                 results.append(dict(result, line=mutant.line))
             if sample and len(results) == sample:
                 break
-        rows = collections.defaultdict(collections.Counter)
-        for result in results:
-            for row in (result["kind"], "all"):
-                rows[row][result["result"]] += 1
-        print(f"\nseed {self.arguments.seed}, {len(results)} mutants judged, {same} more give the "
-              "same program")
-        print(f"{'':12}{'killed':>8}{'survived':>10}{'share':>9}")
-        for row in sorted(rows, key=lambda name: (name == "all", name)):
-            count = rows[row]
-            print(f"{row:12}{count['killed']:8}{count['survived']:10}"
-                  f"{100 * count['killed'] / count.total():8.1f} %")
-        print("\nSurvivors:")
-        for result in sorted(results, key=lambda r: (r["file"], r["line"])):
-            if result["result"] == "survived":
-                note = "" if result["stage"] == "all" else f"  (tested as far as {result['stage']})"
-                print(f"  {result['id']} {describe(result)}{note}")
-        killed = rows["all"]["killed"]
+        show(self.arguments.seed, STAGES, results, same)
+        killed = sum(result["result"] == "killed" for result in results)
         return bool(results) and killed >= GOAL * len(results)
 
 
-def describe(result):
-    def short(text):
-        text = " ".join(text.split())
-        return text if len(text) < 60 else text[:57] + "..."
-    return (f"{result['file']}:{result['line']} {result['kind']}: "
-            f"{short(result['before'])} -> {short(result['after']) or 'nothing'}")
+def stages(text):
+    names = text.split(",")
+    if not set(names) <= set(STAGES):
+        raise argparse.ArgumentTypeError(f"the stages are {', '.join(STAGES)}, not {text}")
+    return [stage for stage in STAGES if stage in names]
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("files", nargs="*", help="files or folders of the product; all without")
+    parser.add_argument("files", nargs="*", default=LAUNCHER,
+                        help="files or folders of the product; those of the launcher without")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--sample", type=int, default=500, help="0: every place")
-    parser.add_argument("--until", choices=STAGES, default="all", help="the last stage of tests")
+    parser.add_argument("--stages", type=stages, default=STAGES,
+                        help="of the tests, with commas: " + ",".join(STAGES))
     parser.add_argument("--workers", type=int, default=1)
     parser.add_argument("--folder", default=REPOSITORY / "build/mutation", help="for the copies")
     parser.add_argument("--results", default=REPOSITORY / "build/mutation/results.jsonl")
@@ -261,6 +283,9 @@ def main():
     arguments = parser.parse_args()
     Path(arguments.folder).mkdir(parents=True, exist_ok=True)
     runner = Runner(arguments)
+    for name in arguments.files:
+        if not list(product_files([name])):
+            parser.error(f"no source of the product: {name}")
     if arguments.list:
         for mutant in sorted(runner.mutants(), key=lambda m: (m.file, m.start)):
             print(mutant.id, describe(vars(mutant)))

@@ -35,7 +35,7 @@ systems=""
 while [ $# -gt 0 ]; do
     case $1 in
     --folder | --preset)
-        [ $# -ge 2 ] || fail 2 "$1 needs a value"
+        { [ $# -ge 2 ] && [ -n "$2" ]; } || fail 2 "$1 needs a value"
         if [ "$1" = --folder ]; then folder=$(realpath -m "$2"); else preset=$2; fi
         shift
         ;;
@@ -44,12 +44,24 @@ while [ $# -gt 0 ]; do
     esac
     shift
 done
+grep -qF "\"name\": \"$preset\"" "$here/CMakePresets.json" ||
+    fail 2 "no such preset: $preset (cmake --list-presets)"
 [ -n "$systems" ] || systems="wine10 wow64 win32"
 [ "$(id -u)" = 0 ] || fail 1 "needs root, for chroot and mounts"
 command -v debootstrap >/dev/null || fail 1 "debootstrap is missing: apt-get install debootstrap"
 
 logs=$folder/logs
 mkdir -p "$folder/debs" "$folder/prefixes" "$logs"
+
+# The Debian that is not complete yet ends with the script, and what debootstrap mounted in it.
+unfinished=""
+clean_up() {
+    [ -n "$unfinished" ] || return 0
+    umount -l "$unfinished/proc" "$unfinished/sys" 2>/dev/null || true
+    rm -rf --one-file-system "$unfinished"
+}
+trap clean_up EXIT
+trap 'exit 1' INT TERM HUP
 
 # make_debian RELEASE PACKAGE...: the folder of that name, with these packages. With "i386" among
 # them it takes 32-bit programs too.
@@ -59,10 +71,12 @@ make_debian() {
     root=$folder/$release
     [ ! -e "$root/.complete" ] || return 0
     echo "Making $root"
-    rm -rf "$root"
+    unfinished=$root
+    rm -rf --one-file-system "$root"
     fill_debian "$@" >"$logs/$release.log" 2>&1 ||
         fail 1 "cannot make a Debian $release: is there a network? See $logs/$release.log"
     touch "$root/.complete"
+    unfinished=""
 }
 fill_debian() {
     debootstrap --variant=minbase --cache-dir="$folder/debs" "$release" "$root" ||

@@ -97,8 +97,12 @@ sign_to() {
         set -- -pkcs11engine "$engine" -pkcs11module "$module" -key "$key" -certs "$certificate"
     fi
     [ -z "$server" ] || set -- "$@" -ts "$server"
-    osslsigncode sign "$@" -readpass "$work/password" -h sha256 -in "$program" -out "$signed" \
-        >"$work/log" 2>&1 || fail 1 "cannot sign $program: $(reason)"
+    # By a pipe: no file has the password, and nothing can leave one behind.
+    printf %s "$password" |
+        osslsigncode sign "$@" -readpass /dev/stdin -h sha256 -in "$program" -out "$signed" \
+            >"$work/log" 2>&1 && return
+    ! grep -q 'timestamping failed' "$work/log" || fail_without_time_stamp "$(reason)"
+    fail 1 "cannot sign $program: $(reason)"
 }
 
 # verify_as PROGRAM SIGNED
@@ -111,12 +115,17 @@ verify_as() {
         fail 1 "the signature of $program cannot be verified with the root certificates of ${root:-this machine}: $(reason)"
     # A server that gives no time stamp must not go unnoticed.
     [ -z "$server" ] || ! grep -q 'Timestamp is not available' "$work/log" ||
-        fail 1 "$program got no time stamp from $server"
+        fail_without_time_stamp "the signature has none"
 }
 
-# What the tool says of its failure, in one line.
+fail_without_time_stamp() { fail 1 "$program got no time stamp from $server: $*"; }
+
+# What the tool says of its failure, in one line. Its last line is no more than "Failed", and its
+# versions have different words for the same.
 reason() {
-    grep -oE '(Failed to|Error:) .*' "$work/log" | head -n 1 | grep . || tail -n 1 "$work/log"
+    grep -oE '(Failed to|Error:|failure:) .*' "$work/log" | head -n 1 | sed 's/^failure: //' | grep . ||
+        grep -vE '^(Failed|Connecting to .*|)$' "$work/log" | head -n 1 | grep . ||
+        echo "osslsigncode does not say why"
 }
 
 check_options
@@ -127,15 +136,16 @@ fi
 [ $# -gt 0 ] || fail 2 "no program to sign"
 for program; do need "$program" "the program"; done
 
-umask 077
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
 if [ -n "$password_file" ]; then
-    head -n 1 "$password_file" | tr -d '\r\n' >"$work/password"
+    password=$(head -n 1 "$password_file" | tr -d '\r')
 else
-    printf %s "$SIGN_PASSWORD" >"$work/password"
+    password=$SIGN_PASSWORD
 fi
 unset SIGN_PASSWORD
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM
 
 number=0
 for program; do
@@ -143,6 +153,7 @@ for program; do
     sign_to "$program" "$work/$number"
     verify_as "$program" "$work/$number"
 done
+trap '' HUP INT TERM # all or none
 number=0
 for program; do
     number=$((number + 1))

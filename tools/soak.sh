@@ -9,8 +9,22 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-tools/install-tools.sh
+fail() {
+    echo "soak.sh: $*" >&2
+    exit 2
+}
+[ $# -le 2 ] || fail "takes a number of runs and a seed: $*"
+for number; do
+    case $number in
+    "" | *[!0-9]* | ??????????*) fail "no number of up to nine digits: \"$number\"" ;;
+    esac
+done
+[ "${1-1}" != 0 ] || fail "at least one run"
 preset=${PRESET:-mingw}
+grep -qF "\"name\": \"$preset\"" CMakePresets.json ||
+    fail "no such preset: $preset (cmake --list-presets)"
+
+tools/install-tools.sh
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" --target soak
 exec tools/wine-run.sh "$PWD/build/$preset/soak-prefix" "build/$preset/tests/soak/soak.exe" "$@"

@@ -46,12 +46,26 @@ mkdir -p "$prefix"
     if wineserver -p90 9>&-; then "$WINE" rundll32 user32.dll,GetDesktopWindow 9>&-; fi
 )
 
-# The desktop that the first window needs is such a service too, and is started again and again: a
-# pipe gets the output at the end, by way of a file.
-[ -p /dev/stdout ] || exec "$WINE" "$@"
-output=$(mktemp)
-trap 'rm -f "$output"' EXIT
+# Wine that is killed itself ends with 0: the program is a child, and a signal's end is not its own.
+# Its input is named, because a child in the background has none otherwise.
+trap 'kill -KILL "$program" 2>/dev/null; wait; exit 1' HUP INT TERM
+exec 7<&0
 status=0
-"$WINE" "$@" >"$output" 2>&1 || status=$?
-cat "$output"
+
+# The desktop that the first window needs is such a service too, and is started again and again: a
+# pipe gets the output by way of a file. It is read while it grows, and its name is gone by then:
+# whoever kills all of this for taking too long has seen what the program said, and nothing is left.
+if [ -p /dev/stdout ]; then
+    output=$(mktemp)
+    exec 8>"$output" 9<"$output"
+    rm "$output"
+    "$WINE" "$@" <&7 7<&- >&8 2>&1 8>&- 9<&- &
+    program=$!
+    tail -c +1 -s 0.05 --pid="$program" -f <&9 8>&- 7<&- &
+else
+    "$WINE" "$@" <&7 7<&- &
+    program=$!
+fi
+wait "$program" || status=$?
+wait # for what is still to be read
 exit $status

@@ -12,6 +12,9 @@ inline constexpr char kInstallerName[] = "ZEPInsAppliGUI.exe";
 inline constexpr char kPipeServerName[] = "ZEPInsPipeServer.exe";
 inline constexpr char kOdtName[] = "ZEPInsAppliODT.exe";
 
+// The lookup that found the installer.
+enum class InstallerOrigin { None, CurrentMedia, Option, Variable, Dialog };
+
 // The options of the command line and the state of the one launch they start. Owned by the entry
 // point for the whole run. A function that takes it by mutable reference changes the launch; all
 // others take it const. Narrow strings are UTF-8.
@@ -46,6 +49,7 @@ class LaunchOptions {
     std::string installerExeName;  // file name of the installer
     std::string installerExePath;  // its full path once found; empty before
     std::string osFolder;          // "win_b64", "win_csa64" or "intel_a" once chosen
+    InstallerOrigin installerOrigin = InstallerOrigin::None;  // recorded only
 };
 
 }  // namespace launcher

@@ -47,7 +47,7 @@ Path FullPath(const std::string& text) {
 }
 
 std::wstring Extended(const std::string& path) {
-    const std::wstring wide = ToWide(path);
+    std::wstring wide = ToWide(path);
     if (wide.starts_with(L"\\\\?\\")) return wide;
     if (wide.starts_with(L"\\\\")) return L"\\\\?\\UNC\\" + wide.substr(2);
     return L"\\\\?\\" + wide + (wide.ends_with(L':') ? L"\\" : L"");

@@ -49,6 +49,7 @@ bool CanBeOverwritten(const std::string& path);
 struct FileIdentity {
     std::uint32_t volume = 0;
     std::uint64_t index = 0;
+    // NOLINTNEXTLINE(modernize-use-nullptr): takes the 0 of the comparison for a pointer.
     auto operator<=>(const FileIdentity&) const = default;
 };
 std::optional<FileIdentity> IdentityOf(const std::string& path);

@@ -59,7 +59,7 @@ void CheckRequest(const CreateRequest& request) {
 
 // The folder to write into. Throws BadInput when there can be no such folder.
 Path CheckedOut(const std::string& text) {
-    const Path out = FullPath(text);
+    Path out = FullPath(text);
     const std::string quoted = "\"" + (IsEmpty(out) ? text : out.Text()) + "\"";
     if (IsEmpty(out) || out.Text().starts_with("\\\\.\\"))
         throw BadInput(quoted + " is no folder.");

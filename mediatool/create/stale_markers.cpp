@@ -63,7 +63,7 @@ class StaleMarkers {
     }
 
     void CheckBeside(const Path& folder) const {
-        const Path marker = Join(folder, FileName(folder) + kMarkerExtension);
+        const Path marker = Join(folder, FileName(folder) + kVolumeMarkerSuffix);
         if (IsFile(marker)) Check(marker, marker);
     }
 

@@ -34,6 +34,7 @@ int Rehearse(const DryRunRequest& request, Rehearsal& rehearsal, Options& option
     for (const std::string& argument : request.arguments)
         texts.push_back(ToWide(argument));
     std::vector<const wchar_t*> argv;
+    argv.reserve(texts.size());
     for (const std::wstring& text : texts)
         argv.push_back(text.c_str());
     const RehearsalScope scope(rehearsal);
@@ -79,20 +80,26 @@ std::string FoundAt(const Journal& journal, const LaunchOptions& options) {
     return {};
 }
 
-std::string FoundBy(const Journal& journal, const LaunchOptions& options,
-                    const std::string& foundAt) {
-    if (options.mediaInstDir.empty()) return "current-media";
-    if (std::ranges::any_of(journal.messages, &Message::dialog)) return "folder-dialog";
-    return !options.installerPath.empty() && foundAt.starts_with(options.installerPath)
-               ? "-installerPath"
-               : "ZEP_TALVOR_Installer";
+std::string OriginName(InstallerOrigin origin) {
+    switch (origin) {
+        case InstallerOrigin::Option:
+            return "-installerPath";
+        case InstallerOrigin::Variable:
+            return "ZEP_TALVOR_Installer";
+        case InstallerOrigin::Dialog:
+            return "folder-dialog";
+        case InstallerOrigin::CurrentMedia:
+        case InstallerOrigin::None:
+            break;
+    }
+    return "current-media";
 }
 
 std::optional<ChosenInstaller> InstallerOf(const Journal& journal, const Options& options) {
-    if (!options || options->installerExePath.empty()) return std::nullopt;
+    if (!options || options->installerOrigin == InstallerOrigin::None) return std::nullopt;
     const std::string foundAt = FoundAt(journal, *options);
     return ChosenInstaller{options->installerExePath, foundAt, options->osFolder,
-                           FoundBy(journal, *options, foundAt), KindOf(foundAt)};
+                           OriginName(options->installerOrigin), KindOf(foundAt)};
 }
 
 // What the launcher read of its environment during the run, as it is at its end.

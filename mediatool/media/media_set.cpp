@@ -11,7 +11,7 @@ namespace launcher::mediatool {
 namespace {
 
 Path CheckedFolder(const std::string& text) {
-    const Path folder = FullPath(text);
+    Path folder = FullPath(text);
     if (IsEmpty(folder)) throw BadInput("\"" + text + "\" is no folder.");
     const std::optional<Entry> entry = Look(folder);
     if (!entry) {

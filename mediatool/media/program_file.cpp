@@ -14,7 +14,7 @@ namespace launcher::mediatool {
 namespace {
 
 // The headers of any program end well before this.
-constexpr std::size_t kHeaderBytes = 64 * 1024;
+constexpr std::size_t kHeaderBytes = std::size_t{64} * 1024;
 
 // The structure at `offset`; nothing when the bytes end before it does.
 template <class T>

@@ -12,7 +12,7 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kCountFileLimit = 64 * 1024;
+constexpr std::size_t kCountFileLimit = std::size_t{64} * 1024;
 constexpr int kMostVolumes = 99;
 
 std::string WithoutSign(const std::string& text) {

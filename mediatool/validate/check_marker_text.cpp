@@ -11,7 +11,7 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kMarkerLimit = 1024 * 1024;
+constexpr std::size_t kMarkerLimit = std::size_t{1024} * 1024;
 
 bool Contains(const std::string& text, char c) {
     return text.find(c) != std::string::npos;

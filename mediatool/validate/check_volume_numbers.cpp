@@ -84,7 +84,7 @@ class VolumeNumbers {
     void CheckFoldersBeyond() {
         for (const Entry& entry : EntriesOf(parent_)) {
             const Path folder = Join(parent_, entry.name);
-            const Path marker = Join(folder, entry.name + kMarkerExtension);
+            const Path marker = Join(folder, entry.name + kVolumeMarkerSuffix);
             if (entry.isFolder && NumberIn(marker) > count_ && !SameName(folder, media_) &&
                 IsOurs(marker))
                 ReportBeyond(marker);

@@ -43,9 +43,9 @@ bool ReportOverlooked(const DiscSet& set, Findings& out) {
     for (Path folder = Parent(set.first); !IsEmpty(folder); folder = Parent(folder))
         for (const Entry& entry : EntriesOf(folder)) {
             const std::string lower = InLowerCase(entry.name);
-            const std::string stem = lower.substr(0, lower.find(kMarkerExtension));
+            const std::string stem = lower.substr(0, lower.find(kVolumeMarkerSuffix));
             const Path file = Join(folder, entry.name);
-            if (entry.isFolder || lower != stem + kMarkerExtension || !IsNumber(stem) ||
+            if (entry.isFolder || lower != stem + kVolumeMarkerSuffix || !IsNumber(stem) ||
                 ReadMtbDir(file.Text()).empty())
                 continue;
             return out.AddFirst({{OuterMarkerNumber(lower) > 0, "outer-marker-upper-case"},

@@ -12,8 +12,8 @@ namespace launcher::mediatool {
 
 struct ValidateRequest {
     std::vector<std::string> folders;
-    // The temporary folder of the users that the medium is for, a full path; nothing for the longest
-    // usual one.
+    // The temporary folder of the users that the medium is for, a full path; nothing for the
+    // longest usual one.
     std::optional<std::string> temp;
     std::function<void(std::size_t entries)> progress;
 };

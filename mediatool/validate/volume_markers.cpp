@@ -7,7 +7,7 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kExtensionLength = sizeof kMarkerExtension - 1;
+constexpr std::size_t kExtensionLength = sizeof kVolumeMarkerSuffix - 1;
 
 // From 1 to 99.
 bool IsOuterNumber(const std::string& name) {
@@ -40,7 +40,7 @@ std::vector<Path> NumberedMarkers(const Path& folder) {
 
 VolumeNumber NumberIn(const Path& marker) {
     const std::string name = InLowerCase(FileName(marker));
-    if (!name.ends_with(kMarkerExtension)) return 0;
+    if (!name.ends_with(kVolumeMarkerSuffix)) return 0;
     const std::string stem = name.substr(0, name.size() - kExtensionLength);
     return IsNumber(stem) && stem[0] != '0' ? ToIntOr(stem, 0) : 0;
 }
@@ -49,8 +49,8 @@ std::multimap<VolumeNumber, MeantMarker> MarkersMeantIn(const Path& folder) {
     std::multimap<VolumeNumber, MeantMarker> markers;
     for (const Entry& entry : EntriesOf(folder)) {
         std::string stem = InLowerCase(entry.name);
-        if (!stem.ends_with(kMarkerExtension)) continue;
-        while (stem.ends_with(kMarkerExtension))
+        if (!stem.ends_with(kVolumeMarkerSuffix)) continue;
+        while (stem.ends_with(kVolumeMarkerSuffix))
             stem.resize(stem.size() - kExtensionLength);
         if (IsNumber(stem))
             markers.insert({ToIntOr(stem, 0), {Join(folder, entry.name), stem[0] == '0'}});
@@ -62,7 +62,7 @@ std::map<VolumeNumber, Path> MisnamedFolders(const Path& parent, const std::stri
     std::map<VolumeNumber, Path> folders;
     for (const Entry& entry : EntriesOf(parent)) {
         const Path folder = Join(parent, entry.name);
-        if (!entry.isFolder || Look(Join(folder, entry.name + kMarkerExtension))) continue;
+        if (!entry.isFolder || Look(Join(folder, entry.name + kVolumeMarkerSuffix))) continue;
         for (const Path& marker : NumberedMarkers(folder))
             if (ReadMtbDir(marker.Text()) == setId) folders.insert({NumberIn(marker), folder});
     }

@@ -11,9 +11,9 @@
 
 #include "fs/copy.h"
 #include "fs/encoding.h"
+#include "fs/file_type.h"
 #include "fs/open_file.h"
 #include "fs/owners.h"
-#include "fs/path_exists.h"
 #include "tests/support/file_test.h"
 #include "tests/support/hook.h"
 #include "tests/support/links.h"

@@ -9,7 +9,7 @@
 
 #include "fs/copy.h"
 #include "fs/encoding.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "tests/support/hook.h"
 #include "tests/support/links.h"
 #include "tests/support/temporary_folder.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "fs/encoding.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "tests/support/file_test.h"
 #include "tests/support/hook.h"
 #include "tests/support/links.h"

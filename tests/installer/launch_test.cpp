@@ -8,6 +8,7 @@
 #include "fs/exceptions.h"
 #include "tests/installer/fakes.h"
 #include "tests/support/fake_messages.h"
+#include "tests/support/repeats.h"
 #include "tests/support/wine.h"
 
 namespace launcher {
@@ -24,11 +25,11 @@ class LaunchTest : public test::InstallerTest {
     }
 
     std::int32_t LaunchChild(const std::string& arguments) {
-        for (int repeats = 0;; ++repeats) {
+        for (test::Repeats repeats;;) {
             try {
                 return LaunchInstaller(options_, ChildCommandLine(arguments));
             } catch (const test::ProcessExit&) {
-                if (repeats == 3 || !test::StumbledOverWine(test::journal)) throw;
+                if (!repeats.AreWorthIt(test::StumbledOverWine(test::journal))) throw;
                 test::journal.clear();
             }
         }

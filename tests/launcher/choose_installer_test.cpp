@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "fs/environment.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "installer/folder_dialog.h"
 #include "media/installer_media.h"
 #include "platform/architecture.h"
@@ -121,6 +121,7 @@ TEST_F(ChooseInstallerTest, TakesTheInstallerInTheMedia) {
     EXPECT_TRUE(Find());
     EXPECT_EQ(options_.installerExePath, kB64Exe);
     EXPECT_EQ(options_.osFolder, "win_b64");
+    EXPECT_EQ(options_.installerOrigin, InstallerOrigin::CurrentMedia);
     EXPECT_THAT(journal,
                 ElementsAre("trace: 64-bit OS",
                             "trace: Installer found in current media: \"" + kB64Exe + "\"."));
@@ -240,6 +241,7 @@ TEST_F(ChooseElsewhereTest, PrefersTheOptionToTheVariable) {
     SetEnvVar("ZEP_TALVOR_Installer", "V:");
     machine.installers = {"I:", "V:"};
     EXPECT_TRUE(Find());
+    EXPECT_EQ(options_.installerOrigin, InstallerOrigin::Option);
     EXPECT_THAT(Search(),
                 ElementsAre("trace: Argument \"-installerPath\" found and its value is \"I:\".",
                             "look in \"I:\" for win_b64"));
@@ -250,6 +252,7 @@ TEST_F(ChooseElsewhereTest, TakesTheVariableWhereTheOptionLeadsNowhere) {
     SetEnvVar("ZEP_TALVOR_Installer", "V:/");
     machine.installers = {"V:/"};
     EXPECT_TRUE(Find());
+    EXPECT_EQ(options_.installerOrigin, InstallerOrigin::Variable);
     EXPECT_THAT(
         Search(),
         ElementsAre("trace: Argument \"-installerPath\" found and its value is \"\"I:\"/\".",
@@ -275,6 +278,8 @@ TEST_F(ChooseElsewhereTest, AsksForAFolderWhereBoxesAreOn) {
             machine.confirmed = confirmed;
             machine.picked = picked;
             EXPECT_EQ(Find(), confirmed && picked);
+            EXPECT_EQ(options_.installerOrigin,
+                      confirmed && picked ? InstallerOrigin::Dialog : InstallerOrigin::None);
             EXPECT_THAT(journal, Contains("dialog for win_b64"));
             EXPECT_EQ(journal.back(), confirmed && picked ? "dialog for win_b64" : kNotFound);
         }

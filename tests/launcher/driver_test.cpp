@@ -59,12 +59,12 @@ void ExportVolumePaths(const std::vector<std::string>& volumes) {
         test::Record("export " + volume);
 }
 
-std::string NewTemporaryDirName() {
+std::string NewTemporaryFolderName() {
     test::Record("name a temporary folder");
     return "T:\\new\\";
 }
 
-void CopyInstallerToTemporaryDir(LaunchOptions& options, const std::string& temporaryDir) {
+void CopyInstallerToTemporaryFolder(LaunchOptions& options, const std::string& temporaryDir) {
     test::Record("copy to " + temporaryDir);
     options.temporaryCopyMade = steps.copies;
 }

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "fs/encoding.h"
+#include "fs/file_type.h"
 #include "fs/owners.h"
-#include "fs/path_exists.h"
 #include "installer/installer_process.h"
 #include "launcher/remove_script.h"
 #include "tests/support/temporary_folder.h"

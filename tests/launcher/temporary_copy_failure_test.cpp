@@ -8,7 +8,7 @@
 
 #include "fs/environment.h"
 #include "fs/exceptions.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/temporary_copy.h"
 #include "tests/support/message_boxes.h"
@@ -54,7 +54,7 @@ class TemporaryCopyFailureDeathTest : public testing::Test {
     }
 
     void ExpectFailure(const std::string& temporaryDir, const std::string& failure) {
-        EXPECT_EXIT(CopyInstallerToTemporaryDir(options, temporaryDir), ExitedWithCode(1),
+        EXPECT_EXIT(CopyInstallerToTemporaryFolder(options, temporaryDir), ExitedWithCode(1),
                     Eq("ERROR: Cannot copy the installer to a temporary directory: " +
                        temporaryDir + "\nERROR: " + failure + "\n       \n"));
     }
@@ -102,7 +102,7 @@ TEST_F(TemporaryCopyFailureDeathTest, ShowsTwoBoxes) {
     EXPECT_EXIT(
         {
             const test::MessageBoxes boxes(/*print=*/true);
-            CopyInstallerToTemporaryDir(options, TemporaryDir());
+            CopyInstallerToTemporaryFolder(options, TemporaryDir());
         },
         ExitedWithCode(1),
         Eq("box: Cannot copy the installer to a temporary directory: " + TemporaryDir() +

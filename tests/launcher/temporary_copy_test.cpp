@@ -8,7 +8,7 @@
 
 #include "fs/encoding.h"
 #include "fs/environment.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "tests/support/hook.h"
 #include "tests/support/isolated_test.h"
 #include "tests/support/options.h"
@@ -24,34 +24,34 @@ using testing::Pair;
 constexpr char kOriginalVar[] = "ZEPAdmInstOriginalMediaDir";
 constexpr char kDontCopyVar[] = "ZEPAdmInstDontCopyInstaller";
 
-class NewTemporaryDirNameTest : public test::IsolatedTest {};
+class NewTemporaryFolderNameTest : public test::IsolatedTest {};
 
-TEST_F(NewTemporaryDirNameTest, IsANewUuidInUpperCaseBelowTemp) {
+TEST_F(NewTemporaryFolderNameTest, IsANewUuidInUpperCaseBelowTemp) {
     SetEnvVar("TEMP", "C:\\Users\\J\xC3\xBCrgen\\Temp");
-    const std::string name = NewTemporaryDirName();
+    const std::string name = NewTemporaryFolderName();
     const std::string uuid = "[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}";
     const std::string pattern = "C:\\\\Users\\\\J\xC3\xBCrgen\\\\Temp\\\\" + uuid + "\\\\";
     EXPECT_TRUE(std::regex_match(name, std::regex(pattern))) << name;
-    EXPECT_NE(NewTemporaryDirName(), name);
+    EXPECT_NE(NewTemporaryFolderName(), name);
 }
 
-TEST_F(NewTemporaryDirNameTest, TakesTempAsPlainText) {
+TEST_F(NewTemporaryFolderNameTest, TakesTempAsPlainText) {
     SetEnvVar("TEMP", "\"c:/temp/\"");
-    EXPECT_THAT(NewTemporaryDirName(), testing::StartsWith("\"c:/temp/\"\\"));
+    EXPECT_THAT(NewTemporaryFolderName(), testing::StartsWith("\"c:/temp/\"\\"));
 }
 
-TEST_F(NewTemporaryDirNameTest, IsAtTheRootOfTheDriveWithoutTemp) {
+TEST_F(NewTemporaryFolderNameTest, IsAtTheRootOfTheDriveWithoutTemp) {
     SetEnvVar("TEMP", "");
-    const std::string name = NewTemporaryDirName();
+    const std::string name = NewTemporaryFolderName();
     EXPECT_EQ(name.size(), 38u);
     EXPECT_EQ(name.front(), '\\');
     EXPECT_EQ(name.back(), '\\');
 }
 
-TEST_F(NewTemporaryDirNameTest, MakesNoFolder) {
+TEST_F(NewTemporaryFolderNameTest, MakesNoFolder) {
     const test::TemporaryFolder folder;
     SetEnvVar("TEMP", folder.Text());
-    NewTemporaryDirName();
+    NewTemporaryFolderName();
     EXPECT_THAT(test::TreeBelow(folder.Dir()), IsEmpty());
 }
 
@@ -100,7 +100,7 @@ class TemporaryCopyTest : public test::IsolatedTest {
 };
 
 TEST_F(TemporaryCopyTest, HoldsTheInstallersPartOfTheMedia) {
-    CopyInstallerToTemporaryDir(options, temporaryDir);
+    CopyInstallerToTemporaryFolder(options, temporaryDir);
     ExpectCopied(options);
     EXPECT_EQ(options.mediaDir.Text() + "\\", temporaryDir);
     EXPECT_EQ(options.installerExePath,
@@ -111,7 +111,7 @@ TEST_F(TemporaryCopyTest, IsNotMadeWhenTheEnvironmentSaysSo) {
     for (const char* value : {"1", "0", " ", "no"}) {
         SetEnvVar(kDontCopyVar, value);
         SetEnvVar(kOriginalVar, "stale");
-        CopyInstallerToTemporaryDir(options, temporaryDir);
+        CopyInstallerToTemporaryFolder(options, temporaryDir);
         ExpectNotCopied(options);
     }
 }
@@ -121,7 +121,7 @@ TEST_F(TemporaryCopyTest, IsNotPreventedBySomeModes) {
          {std::vector<std::string>{"--odt"}, std::vector<std::string>{"-SoftMgt", "-Commit"}}) {
         LaunchOptions launch = test::ParseOptions(arguments, false);
         Prepare(launch);
-        CopyInstallerToTemporaryDir(launch, temporaryDir);
+        CopyInstallerToTemporaryFolder(launch, temporaryDir);
         ExpectCopied(launch);
     }
 }
@@ -131,7 +131,7 @@ TEST_F(TemporaryCopyTest, IsPreventedByOthers) {
         LaunchOptions launch = test::ParseOptions({argument}, false);
         Prepare(launch);
         SetEnvVar(kOriginalVar, "stale");
-        CopyInstallerToTemporaryDir(launch, temporaryDir);
+        CopyInstallerToTemporaryFolder(launch, temporaryDir);
         ExpectNotCopied(launch);
     }
 }
@@ -139,7 +139,7 @@ TEST_F(TemporaryCopyTest, IsPreventedByOthers) {
 TEST_F(TemporaryCopyTest, NamesTheInstallerOfTheOptions) {
     options.installerExeName = "ZEPInsAppliODT.exe";
     options.osFolder = "intel_a";
-    CopyInstallerToTemporaryDir(options, temporaryDir);
+    CopyInstallerToTemporaryFolder(options, temporaryDir);
     EXPECT_EQ(options.installerExePath,
               temporaryDir + "inst\\intel_a\\code\\bin\\ZEPInsAppliODT.exe");
 }
@@ -153,7 +153,7 @@ class SeparateInstallerTest : public TemporaryCopyTest {
     void CopySilently() {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        CopyInstallerToTemporaryDir(options, temporaryDir);
+        CopyInstallerToTemporaryFolder(options, temporaryDir);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
         EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
         EXPECT_TRUE(options.temporaryCopyMade);
@@ -176,7 +176,7 @@ TEST_F(SeparateInstallerTest, AddsItsTwoFolders) {
 TEST_F(SeparateInstallerTest, AddsNothingWithoutACopy) {
     folder.Write("Installer/inst/common/added", "1");
     options.skipTemporaryCopy = true;
-    CopyInstallerToTemporaryDir(options, temporaryDir);
+    CopyInstallerToTemporaryFolder(options, temporaryDir);
     ExpectNotCopied(options);
 }
 
@@ -200,7 +200,7 @@ TEST_F(SeparateInstallerTest, IsNamedWithADoubledBackslash) {
                                                                  examined.push_back(ToNarrow(path));
                                                                  return real(path);
                                                              });
-        CopyInstallerToTemporaryDir(options, temporaryDir);
+        CopyInstallerToTemporaryFolder(options, temporaryDir);
     }
     EXPECT_THAT(examined, Contains(folder.Text("Installer\\inst") + "\\\\common"));
     EXPECT_THAT(examined, Contains(folder.Text("Installer\\inst") + "\\\\win_b64"));

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "fs/environment.h"
-#include "fs/path_exists.h"
+#include "fs/file_type.h"
 #include "media/volumes.h"
 #include "tests/support/hook.h"
 #include "tests/support/options.h"

@@ -17,8 +17,8 @@ void PrintTo(const Outcome& outcome, std::ostream* out) {
     for (const std::string& message : outcome.messages)
         *out << "\n  " << message;
     *out << "\n  count \"" << outcome.volumesCount << "\", id \"" << outcome.mtbDir
-         << "\", first AM volume \"" << outcome.firstAmVolume << "\" in \"" << outcome.firstAmPath
-         << "\", relative path \"" << outcome.amRelativePath << '"';
+         << "\", first outer volume \"" << outcome.firstOuterVolume << "\" in \""
+         << outcome.firstOuterPath << "\", relative path \"" << outcome.outerRelativePath << '"';
 }
 
 Outcome Resolve(const std::string& mediaDir, bool softMgt) {
@@ -37,9 +37,9 @@ Outcome Resolve(const std::string& mediaDir, bool softMgt) {
     outcome.messages = journal;
     outcome.volumesCount = GetEnvVar("ZEPAdmInstVolumesCount");
     outcome.mtbDir = GetEnvVar("ZEPAdmInstMTBDIR");
-    outcome.firstAmVolume = GetEnvVar("ZEPAdmInstFirstAMVolume");
-    outcome.firstAmPath = GetEnvVar("ZEPAdmInstFirstAMPath");
-    outcome.amRelativePath = GetEnvVar("ZEPAdmInstAMRelativePath");
+    outcome.firstOuterVolume = GetEnvVar("ZEPAdmInstFirstAMVolume");
+    outcome.firstOuterPath = GetEnvVar("ZEPAdmInstFirstAMPath");
+    outcome.outerRelativePath = GetEnvVar("ZEPAdmInstAMRelativePath");
     return outcome;
 }
 

@@ -20,9 +20,9 @@ struct Outcome {
     std::vector<std::string> messages = {};  // journal lines (fake_messages.h)
     std::string volumesCount = {};           // "ZEPAdmInstVolumesCount"
     std::string mtbDir = {};                 // "ZEPAdmInstMTBDIR"
-    std::string firstAmVolume = {};          // "ZEPAdmInstFirstAMVolume"
-    std::string firstAmPath = {};            // "ZEPAdmInstFirstAMPath"
-    std::string amRelativePath = {};         // "ZEPAdmInstAMRelativePath"
+    std::string firstOuterVolume = {};       // "ZEPAdmInstFirstAMVolume"
+    std::string firstOuterPath = {};         // "ZEPAdmInstFirstAMPath"
+    std::string outerRelativePath = {};      // "ZEPAdmInstAMRelativePath"
 
     bool operator==(const Outcome&) const = default;
 };
@@ -62,7 +62,7 @@ class VolumesTest : public testing::Test {
     std::string Found(int volume, const std::string& dir) const {
         return Plain("Volume " + std::to_string(volume) + " found in: " + At(dir));
     }
-    std::string FoundAm(int volume, const std::string& dir) const {
+    std::string FoundOuter(int volume, const std::string& dir) const {
         return Plain("AM volume " + std::to_string(volume) + " found in: " + At(dir));
     }
     // "Volume 2" or "AM volume 8" of another media.

@@ -50,7 +50,7 @@ std::string ParentOf(const std::string& path) {
 }
 
 // The nearest marker of an outer volume above `folder`: its path and number.
-std::optional<std::pair<std::string, int>> AmMarkerAbove(const std::string& folder) {
+std::optional<std::pair<std::string, int>> OuterMarkerAbove(const std::string& folder) {
     const std::string dir = ParentOf(folder);
     if (dir.empty()) return std::nullopt;
     for (const auto& entry : stdfs::directory_iterator(FromUtf8(dir + "\\"))) {
@@ -58,7 +58,7 @@ std::optional<std::pair<std::string, int>> AmMarkerAbove(const std::string& fold
         const int number = LeadingNumber(FirstMatch(name, "^(..?)\\.txt$")).value_or(0);
         if (number > 0 && !entry.is_directory()) return std::pair(dir + "\\" + name, number);
     }
-    return AmMarkerAbove(dir);
+    return OuterMarkerAbove(dir);
 }
 
 class Model {
@@ -112,15 +112,15 @@ class Model {
             return;
         }
         if (Settles([&](int k) { return parent + "\\" + std::to_string(k); }, count_)) return;
-        const auto marker = AmMarkerAbove(one_);
+        const auto marker = OuterMarkerAbove(one_);
         const std::string outerId = marker ? IdIn(marker->first) : "";
         if (outerId.empty()) return;
         const std::string first = ParentOf(marker->first);
         const std::string below = parent.substr(first.size());
         out.mtbDir = outerId;
-        out.firstAmVolume = std::to_string(marker->second);
-        out.firstAmPath = first;
-        out.amRelativePath = below.empty() ? "" : below.substr(1);
+        out.firstOuterVolume = std::to_string(marker->second);
+        out.firstOuterPath = first;
+        out.outerRelativePath = below.empty() ? "" : below.substr(1);
         Settles(
             [&](int k) -> std::string {
                 const int number = marker->second + k - 1;
@@ -241,7 +241,7 @@ TEST(VolumesModel, AgreesOnGeneratedMedia) {
         ASSERT_EQ(outcome, expected) << "seed " << seed;
         const std::string result = outcome.result > 1 ? "N" : std::to_string(outcome.result);
         ++ends[result + (outcome.mtbDir.empty() ? " without an id" : "") +
-               (outcome.firstAmVolume.empty() ? "" : " in outer volumes")];
+               (outcome.firstOuterVolume.empty() ? "" : " in outer volumes")];
     }
     for (const char* end : {"0", "1", "N", "0 without an id", "1 without an id",
                             "0 in outer volumes", "N in outer volumes"})

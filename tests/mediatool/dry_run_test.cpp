@@ -74,6 +74,22 @@ TEST_F(DryRun, InTheFolderDialog) {
     EXPECT_EQ(output["started"], true);
 }
 
+// The folder of the option holds nothing; that of the variable begins with the same letters.
+TEST_F(DryRun, TellsWhichLookupFoundTheInstaller) {
+    EXPECT_EQ(Dry(media)["installer"]["foundBy"], "current-media");
+    media.Remove("inst/win_b64");
+    const std::string empty = scratch.MakeDir("A");
+    const std::string full = scratch.MakeDir("AB");
+    AddStandInInstaller(FromUtf8(full), "win_b64");
+    const auto foundBy = [this](const std::string& variable, const std::string& option) {
+        return Dry(media, {"--env", "ZEP_TALVOR_Installer=" + variable, "--", "-installerPath",
+                           option})["installer"]["foundBy"];
+    };
+    EXPECT_EQ(foundBy(full, empty), "ZEP_TALVOR_Installer");
+    EXPECT_EQ(foundBy(empty, full), "-installerPath");
+    EXPECT_EQ(foundBy(full, full), "-installerPath");
+}
+
 TEST_F(DryRun, WithoutATemporaryFolder) {
     const Json output = Dry(Incomplete(), {"--temp", ""});
     EXPECT_EQ(output["temporaryCopy"]["made"], false);

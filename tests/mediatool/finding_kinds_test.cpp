@@ -1,4 +1,4 @@
-// The kinds of finding: docs/media.md lists those of the table.
+// The kinds of finding: docs/media.md lists those of the table, and each has a test.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -46,6 +46,15 @@ Kinds KindsOfThePage() {
 
 TEST(FindingKinds, AreListedWithTheirSeveritiesInTheDocumentation) {
     EXPECT_THAT(KindsOfThePage(), testing::ContainerEq(KindsOfTheTable()));
+}
+
+TEST(FindingKinds, HaveATestEach) {
+    std::string tests;
+    for (const auto& entry :
+         stdfs::directory_iterator(FromUtf8(SOURCE_FOLDER) / "tests" / "mediatool"))
+        if (entry.path().extension() == ".cpp") tests += ReadFile(entry.path());
+    for (const auto& [identifier, severities] : KindsOfTheTable())
+        EXPECT_NE(tests.find("\"" + identifier + "\""), std::string::npos) << identifier;
 }
 
 }  // namespace

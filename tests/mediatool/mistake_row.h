@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,7 @@ struct Mistake {
     Layout layout;
     void (*make)(SampleMedia& media);
     const char* variant = "";  // tells apart rows of one id
+    const char* others = "";   // what is found beside it, as Changes() tells it
 };
 
 inline void PrintTo(const Mistake& mistake, std::ostream* stream) {
@@ -63,10 +65,42 @@ inline const Validation& WithoutMistakes(Layout layout) {
     return validations.emplace(layout, SampleMedia(layout).Validate()).first->second;
 }
 
+// The kinds that a mistake added, and with a minus those that it took away, in the order of the
+// alphabet: "installer-empty -not-for-32-bit-windows". All others are those of a media without
+// mistakes.
+inline std::string Changes(const std::vector<Finding>& findings, Layout layout) {
+    std::set<std::string> before;
+    std::set<std::string> after;
+    for (const Finding& finding : WithoutMistakes(layout).findings.Sorted())
+        before.insert(finding.id);
+    for (const Finding& finding : findings)
+        after.insert(finding.id);
+    std::string changes;
+    const auto add = [&changes](const std::string& text) {
+        changes += (changes.empty() ? "" : " ") + text;
+    };
+    for (const std::string& id : after)
+        if (!before.contains(id)) add(id);
+    for (const std::string& id : before)
+        if (!after.contains(id)) add("-" + id);
+    return changes;
+}
+
+inline std::string Changes(const Validation& validation, Layout layout = Layout::NotSplit) {
+    return Changes(validation.findings.Sorted(), layout);
+}
+
+// The same without one kind.
+inline std::string ChangesBut(const std::string& id, const Validation& validation, Layout layout) {
+    std::vector<Finding> rest = validation.findings.Sorted();
+    std::erase_if(rest, [&id](const Finding& finding) { return finding.id == id; });
+    return Changes(rest, layout);
+}
+
 class MistakeTest : public testing::TestWithParam<Mistake> {
   protected:
     // Makes the mistake in a media that did not have it. It is found by its name, and all is said
-    // about it.
+    // about it; nothing else is found but what the row names.
     static void ExpectToBeFound(const Mistake& mistake) {
         ASSERT_FALSE(Has(WithoutMistakes(mistake.layout), mistake.id))
             << "before the mistake was made";
@@ -76,6 +110,7 @@ class MistakeTest : public testing::TestWithParam<Mistake> {
         const std::vector<Finding> findings = validation.findings.Sorted();
         const auto found = std::ranges::find(findings, mistake.id, &Finding::id);
         ASSERT_NE(found, findings.end()) << "found only: " << Ids(validation);
+        EXPECT_EQ(ChangesBut(mistake.id, validation, mistake.layout), mistake.others);
         EXPECT_EQ(found->level, mistake.level);
         EXPECT_FALSE(found->file.empty());
         EXPECT_FALSE(found->what.empty());

@@ -9,6 +9,7 @@
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "tests/mediatool/mistake_row.h"
+#include "tests/support/hook.h"
 #include "tests/support/links.h"
 
 namespace launcher::test {
@@ -16,11 +17,14 @@ namespace {
 
 constexpr char kExe[] = "inst/win_b64/code/bin/ZEPInsAppliGUI.exe";
 
-void ExpectFound(const Validation& validation, const std::string& id, Level level) {
+// Nothing else is found but `others`, as Changes() tells them.
+void ExpectFound(const Validation& validation, const std::string& id, Level level,
+                 const std::string& others = {}, Layout layout = Layout::NotSplit) {
     const std::vector<Finding> findings = validation.findings.Sorted();
     const auto found = std::ranges::find(findings, id, &Finding::id);
     ASSERT_NE(found, findings.end()) << "found only: " << Ids(validation);
     EXPECT_EQ(found->level, level);
+    EXPECT_EQ(ChangesBut(id, validation, layout), others);
 }
 
 // A name that Windows itself does not give. Returns false where the system refuses it all the same.
@@ -75,7 +79,8 @@ TEST(TreeMistakes, APathThatGetsTooLongInACopy) {
 TEST(TreeMistakes, APathThatGetsTooLongInACopyThatWillBeMade) {
     SampleMedia media(Layout::Siblings);
     media.Write(LongName()).Remove("../3");
-    ExpectFound(media.Validate(), "path-too-long-in-copy", Level::Error);
+    ExpectFound(media.Validate(), "path-too-long-in-copy", Level::Error, "volume-missing",
+                Layout::Siblings);
 }
 
 TEST(TreeMistakes, ATemporaryFolderThatRemoveBatCannotName) {
@@ -140,7 +145,75 @@ TEST(PlaceMistakes, ALauncherWhosePathIsCut) {
     RemoveRaw(media + "\\setup.exe");
     RemoveDirectoryW(mediatool::Extended(media + "\\inst").c_str());
     RemoveDirectoryW(mediatool::Extended(media).c_str());
-    ExpectFound(validation, "launcher-path-cut", Level::Error);
+    ExpectFound(validation, "launcher-path-cut", Level::Error,
+                "launcher-empty not-for-windows root-entry-missing -launcher-not-signed "
+                "-launcher-not-this-one -not-for-32-bit-windows");
+}
+
+TEST(PlaceMistakes, AnInstallerWhosePathIsTooLong) {
+    SampleMedia media;
+    // 259 characters can be started.
+    const std::string deep = media.Text() + "\\";
+    const std::string tail = "\\inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe";
+    const std::string folder = deep + std::string(260 - deep.size() - tail.size(), 'm');
+    const auto findings = [&folder](const std::string& to) {
+        MoveFileW(ToWide(folder).c_str(), ToWide(to).c_str());
+        mediatool::ValidateRequest request;
+        request.folders = {to};
+        return mediatool::Validate(request);
+    };
+    CreateDirectoryW(ToWide(folder).c_str(), nullptr);
+    for (const char* name : {"setup.exe", "meta.TOCxml", "media.xml", "media.db", "StartTUI.exe",
+                             "setup_noUAC.exe", "inst"})
+        media.Rename(name, folder.substr(deep.size()) + "/" + name);
+    ExpectFound(findings(folder), "installer-path-too-long", Level::Error);
+    const std::string fits = folder.substr(0, folder.size() - 1);
+    EXPECT_EQ(Changes(findings(fits)), "");
+}
+
+TEST(PlaceMistakes, AnOuterVolumeAtTheRootOfADrive) {
+    SampleMedia media(Layout::Outer);
+    const MappedDrive drive(FromUtf8(media.Text("../..")));
+    mediatool::ValidateRequest request;
+    request.folders = {ToUtf8(drive.Root() / "media" / "1")};
+    ExpectFound(mediatool::Validate(request), "outer-volume-at-drive-root", Level::Error, "",
+                Layout::Outer);
+}
+
+TEST(PlaceMistakes, EachVolumeOnADriveOfItsOwn) {
+    SampleMedia media(Layout::Siblings, 2);
+    media.Rename("../2", "../../elsewhere");
+    const MappedDrive first("n:", FromUtf8(media.Text()));
+    const MappedDrive second("o:", FromUtf8(media.Text("../../elsewhere")));
+    mediatool::ValidateRequest request;
+    request.folders = {ToUtf8(first.Root()), ToUtf8(second.Root())};
+    ExpectFound(mediatool::Validate(request), "volumes-on-other-drives", Level::Warning);
+}
+
+TEST(TreeMistakes, AFolderThatCannotBeListed) {
+    SampleMedia media;
+    media.Write("inst/closed/part.bin");
+    const Hook<decltype(&FindFirstFileW)> denied(
+        "FindFirstFileW", [](auto real, LPCWSTR pattern, auto data) -> HANDLE {
+            if (!std::wstring(pattern).ends_with(L"\\closed\\*")) return real(pattern, data);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        });
+    ExpectFound(media.Validate(), "folder-unreadable", Level::Error);
+}
+
+// The launcher's own search did not find the volume, and a moment later it was there.
+TEST(PlaceMistakes, AVolumeThatComesAndGoes) {
+    const SampleMedia media(Layout::Siblings);
+    bool isThere = false;
+    const Hook<decltype(&CreateFileW)> comesAndGoes(
+        "CreateFileW", [&isThere](auto real, LPCWSTR name, auto... rest) -> HANDLE {
+            if (isThere || !std::wstring(name).ends_with(L"\\3\\3.txt")) return real(name, rest...);
+            isThere = true;
+            SetLastError(ERROR_NOT_READY);
+            return INVALID_HANDLE_VALUE;
+        });
+    ExpectFound(media.Validate(), "volumes-not-found", Level::Error, "", Layout::Siblings);
 }
 
 // A file that another program has open for itself alone.

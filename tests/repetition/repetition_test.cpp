@@ -21,7 +21,6 @@
 #include "fs/exceptions.h"
 #include "fs/file_type.h"
 #include "fs/path.h"
-#include "fs/path_exists.h"
 #include "installer/com.h"
 #include "installer/folder_dialog_events.h"
 #include "installer/installer_environment.h"
@@ -36,7 +35,7 @@
 #include "media/volumes.h"
 #include "platform/administrator.h"
 #include "platform/architecture.h"
-#include "platform/dll_search.h"
+#include "platform/libraries.h"
 #include "platform/web_library.h"
 #include "platform/windows_version.h"
 #include "tests/repetition/repeated.h"
@@ -258,7 +257,7 @@ TEST_F(RepetitionTest, OfATemporaryCopyWithItsScript) {
             LaunchOptions options = Parse({});
             options.osFolder = "win_b64";
             options.mediaDir = Path(folder_.Text("media"));
-            CopyInstallerToTemporaryDir(options, copy);
+            CopyInstallerToTemporaryFolder(options, copy);
             WriteRemoveScript(copy);
             EXPECT_TRUE(options.temporaryCopyMade);
         },

@@ -8,8 +8,10 @@
 #include <memory>
 #include <sstream>
 
+#include "tests/soak/copied_folder.h"
 #include "tests/soak/interruption.h"
 #include "tests/soak/processes.h"
+#include "tests/support/repeats.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wine.h"
 
@@ -21,8 +23,6 @@ using test::LauncherRun;
 
 namespace {
 
-constexpr int kMostRepeats = 3;
-
 // A box whose window did not answer the one who reads it: this machine is too busy. The launcher
 // shows no empty ones, or they would be seen in every repeat.
 bool HasUnreadBox(const std::vector<std::string>& boxes) {
@@ -30,7 +30,9 @@ bool HasUnreadBox(const std::vector<std::string>& boxes) {
 }
 
 // Thrown by a run that says nothing about the launcher, and is to be repeated.
-struct Stumble {};
+struct Stumble {
+    const char* why;
+};
 
 // The media as a scene wants it, and again as it was.
 class Staging {
@@ -115,12 +117,12 @@ void Worker::Report(int run, const std::string& situation, const Outcome& outcom
 
 Worker::Outcome Worker::Play(const Scene& scene, Random& random) {
     const Staging staging(scene);
-    for (int repeats = 0;; ++repeats) {
+    for (test::Repeats repeats;;) {
         try {
             return PlayOnce(scene, random);
-        } catch (const Stumble&) {
+        } catch (const Stumble& stumble) {
+            if (!repeats.AreWorthIt(true, stumble.why)) return {{"repeated too often"}, {}, {}};
             ++repeats_;
-            if (repeats == kMostRepeats) return {{"repeated too often"}, {}, {}};
         }
     }
 }
@@ -133,7 +135,7 @@ Worker::Outcome Worker::PlayOnce(const Scene& scene, Random& random) {
         scene.interruption != Interruption::None && WaitIntoCopy(*process, work_ / "temp", random);
     if (isInCopy && scene.interruption == Interruption::Killed) {
         process.reset();
-        return JudgeKilled();
+        return JudgeKilled(*scene.media);
     }
     LauncherRun run;
     bool isHidden = false;
@@ -145,12 +147,14 @@ Worker::Outcome Worker::PlayOnce(const Scene& scene, Random& random) {
         run = process->Finish();
     }
     process.reset();
-    if (test::StumbledOverWine(run.BoxTexts()) || HasUnreadBox(run.BoxTexts())) throw Stumble();
+    if (test::StumbledOverWine(run.BoxTexts()))
+        throw Stumble{"a process could not be created, error 1359"};
+    if (HasUnreadBox(run.BoxTexts())) throw Stumble{"a box was not read"};
     return JudgeHidden(scene, run, isHidden);
 }
 
-// It is whole when it has its script, and otherwise what a killed run leaves.
-Worker::Outcome Worker::JudgeKilled() const {
+// With its script it has to be whole; without, it is what a killed run leaves.
+Worker::Outcome Worker::JudgeKilled(const test::Media& media) const {
     Outcome outcome;
     if (const auto left = LeftRunning(folder_); !left.empty()) return {left, "after a kill", {}};
     const std::vector<stdfs::path> copies = FoldersIn(work_ / "temp");
@@ -159,6 +163,9 @@ Worker::Outcome Worker::JudgeKilled() const {
         const bool isWhole = stdfs::exists(copy / "remove.bat");
         ++(isWhole ? outcome.tally.completeCopies : outcome.tally.partialCopies);
         outcome.tally.interrupted += !isWhole;
+        if (!isWhole) continue;
+        for (const std::string& difference : CopyDifferences(media, copy, true))
+            outcome.problems.push_back(difference);
     }
     return outcome;
 }

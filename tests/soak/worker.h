@@ -44,7 +44,7 @@ class Worker {
     Outcome Play(const Scene& scene, Random& random);
     Outcome PlayOnce(const Scene& scene, Random& random);
     Outcome JudgeHidden(const Scene& scene, const test::LauncherRun& run, bool isHidden) const;
-    Outcome JudgeKilled() const;
+    Outcome JudgeKilled(const test::Media& media) const;
     void Report(int run, const std::string& situation, const Outcome& outcome) const;
     Outcome JudgeRun(const test::LauncherRun& run, const Expectation& expected,
                      const test::Media& media) const;

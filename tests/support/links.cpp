@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 
 #include "fs/encoding.h"
 #include "tests/support/temporary_folder.h"
@@ -27,7 +28,7 @@ std::wstring OnHost(const stdfs::path& path) {
     if (name == nullptr) throw std::runtime_error("no host name for " + path.string());
     const std::string text = name;
     HeapFree(GetProcessHeap(), 0, name);
-    return std::wstring(text.begin(), text.end());
+    return ToWide(text);
 }
 
 // Wine's folder of drive letters and servers, on the host, with a slash at the end.
@@ -40,8 +41,7 @@ std::wstring DriveOnHost(const std::wstring& letter) {
     return DevicesOnHost() + letter;
 }
 
-constexpr int kPatience = 2000;          // times 5 milliseconds
-constexpr DWORD kClaimPatience = 60000;  // milliseconds
+constexpr int kPatience = 2000;  // times 5 milliseconds
 
 bool IsThere(const stdfs::path& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -62,18 +62,40 @@ void RunOnHost(const std::wstring& program, const std::wstring& arguments, const
         Sleep(5);
 }
 
+// In the place of a link that leads nowhere, which nobody here can see.
 void LinkOnHost(const std::wstring& link, const std::wstring& target, const stdfs::path& path) {
-    RunOnHost(L"ln", L"-s \"" + target + L"\" \"" + link + L"\"", path, true);
+    RunOnHost(L"ln", L"-sfn \"" + target + L"\" \"" + link + L"\"", path, true);
 }
 
 void UnlinkOnHost(const std::wstring& link, const stdfs::path& path) {
     RunOnHost(L"rm", L"\"" + link + L"\"", path, false);
 }
 
+// Whether a drive may be a test's, rather than this machine's own. Under Wine all are: its folder
+// of drives is the tests' own, and nobody here asks for C: or Z:.
+bool MayBeOfATest(const std::wstring& letter) {
+    if (IsWine()) return true;
+    wchar_t target[MAX_PATH] = {};
+    return QueryDosDeviceW(letter.c_str(), target, MAX_PATH) != 0 &&
+           std::wstring_view(target).find(kTemporaryFolderName) != std::wstring_view::npos;
+}
+
+void RemoveDrive(const std::wstring& letter) {
+    if (IsWine())
+        UnlinkOnHost(DriveOnHost(letter), letter + L"\\");
+    else
+        DefineDosDeviceW(DDD_REMOVE_DEFINITION, letter.c_str(), nullptr);
+}
+
 std::string FreeDrive() {
     const DWORD used = GetLogicalDrives();
-    for (char letter = 'y'; letter > 'd'; --letter)
-        if ((used & (DWORD{1} << (letter - 'a'))) == 0) return {letter, ':'};
+    for (char letter = 'y'; letter > 'd'; --letter) {
+        const std::string drive = {letter, ':'};
+        const std::wstring wide = ToWide(drive);
+        if ((used & (DWORD{1} << (letter - 'a'))) == 0 ||
+            (!Claim::Exists(wide) && MayBeOfATest(wide)))
+            return drive;
+    }
     throw std::runtime_error("no free drive letter");
 }
 
@@ -99,22 +121,10 @@ FolderLink::~FolderLink() {
 
 MappedDrive::MappedDrive(const stdfs::path& folder) : MappedDrive(FreeDrive(), folder) {}
 
-MappedDrive::Claim::Claim(const std::wstring& letter)
-    : mutex_(CreateMutexW(nullptr, FALSE, (L"launcher-test-" + letter).c_str())) {
-    // A test that ended without releasing it has left it to the next one.
-    const DWORD result = WaitForSingleObject(mutex_, kClaimPatience);
-    if (result == WAIT_OBJECT_0 || result == WAIT_ABANDONED) return;
-    CloseHandle(mutex_);
-    throw std::runtime_error("another test keeps " + ToNarrow(letter.c_str()));
-}
-
-MappedDrive::Claim::~Claim() {
-    ReleaseMutex(mutex_);
-    CloseHandle(mutex_);
-}
-
 MappedDrive::MappedDrive(const std::string& drive, const stdfs::path& folder)
-    : letter_(ToWide(drive)), folder_(folder), claim_(letter_) {
+    : letter_(ToWide(drive)), claim_(letter_) {
+    // Left by a program that was killed: the claim says that none which runs has it.
+    if (IsThere(Root()) && MayBeOfATest(letter_)) RemoveDrive(letter_);
     if (IsThere(Root())) throw std::runtime_error(drive + " is taken");
     if (IsWine())
         LinkOnHost(DriveOnHost(letter_), OnHost(folder), Root());
@@ -124,11 +134,7 @@ MappedDrive::MappedDrive(const std::string& drive, const stdfs::path& folder)
 }
 
 MappedDrive::~MappedDrive() {
-    if (IsWine())
-        UnlinkOnHost(DriveOnHost(letter_), Root());
-    else
-        DefineDosDeviceW(DDD_REMOVE_DEFINITION | DDD_EXACT_MATCH_ON_REMOVE, letter_.c_str(),
-                         folder_.c_str());
+    RemoveDrive(letter_);
 }
 
 SmallDisk::SmallDisk(const stdfs::path& folder) : folder_(folder), below_(folder / "below") {

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/support/claim.h"
+
 namespace launcher::test {
 
 // Second names for a folder, each while the object lives. Wine makes none itself: there they are
@@ -21,7 +23,8 @@ class FolderLink {
     std::filesystem::path link_;
 };
 
-// A drive letter for a folder. Programs that want the same one have it one after the other.
+// A drive letter for a temporary folder. Programs that want the same one have it one after the
+// other, and take it from one that was killed.
 class MappedDrive {
   public:
     // A free letter, or `drive`, a small letter and a colon.
@@ -34,20 +37,7 @@ class MappedDrive {
     std::filesystem::path Root() const { return letter_ + L"\\"; }
 
   private:
-    // Ended by the thread that made it.
-    class Claim {
-      public:
-        explicit Claim(const std::wstring& letter);
-        Claim(const Claim&) = delete;
-        Claim& operator=(const Claim&) = delete;
-        ~Claim();
-
-      private:
-        void* mutex_;
-    };
-
     std::wstring letter_;  // "q:"
-    std::filesystem::path folder_;
     Claim claim_;
 };
 

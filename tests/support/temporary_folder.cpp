@@ -16,8 +16,9 @@ namespace {
 stdfs::path NewFolder() {
     static unsigned counter = 0;
     for (;;) {
-        const std::string name = "launcher-test-" + std::to_string(GetCurrentProcessId()) + "-" +
-                                 std::to_string(GetTickCount64()) + "-" + std::to_string(++counter);
+        const std::wstring name = kTemporaryFolderName + std::to_wstring(GetCurrentProcessId()) +
+                                  L"-" + std::to_wstring(GetTickCount64()) + L"-" +
+                                  std::to_wstring(++counter);
         const stdfs::path folder = stdfs::temp_directory_path() / name;
         if (stdfs::create_directories(folder)) return folder;
     }

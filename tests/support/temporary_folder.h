@@ -7,6 +7,9 @@
 
 namespace launcher::test {
 
+// What the name of every temporary folder begins with.
+inline constexpr wchar_t kTemporaryFolderName[] = L"launcher-test-";
+
 // A new empty folder below the user's temporary folder, removed with all it holds at the end.
 // Links below it are removed, not followed.
 class TemporaryFolder {

@@ -22,6 +22,21 @@ void WriteString(const std::wstring& key, const wchar_t* name, const std::wstrin
                     static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
 }
 
+stdfs::path SystemFile(const std::string& name) {
+    wchar_t folder[MAX_PATH] = {};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    return stdfs::path(folder) / name;
+}
+
+stdfs::path SavedName(const stdfs::path& file) {
+    return file.native() + L".saved";
+}
+
+void PutBack(const stdfs::path& file) {
+    std::error_code ignored;  // when there is nothing to put back
+    stdfs::rename(SavedName(file), file, ignored);
+}
+
 }  // namespace
 
 bool IsWine() {
@@ -46,7 +61,9 @@ stdfs::path BuiltFile(const char* path) {
 }
 
 WineSettings::WineSettings(const std::string& exeName)
-    : key_(L"Software\\Wine\\AppDefaults\\" + ToWide(exeName)) {}
+    : key_(L"Software\\Wine\\AppDefaults\\" + ToWide(exeName)) {
+    RegDeleteTreeW(HKEY_CURRENT_USER, key_.c_str());  // left by a program that was killed
+}
 
 WineSettings::~WineSettings() {
     RegDeleteTreeW(HKEY_CURRENT_USER, key_.c_str());
@@ -57,21 +74,20 @@ void WineSettings::PoseAs(const std::string& version) {
 }
 
 void WineSettings::OverrideDll(const std::string& dll, const std::string& order) {
+    const std::string file = dll + ".dll";
+    if (!Claim::Exists(ToWide(file))) PutBack(SystemFile(file));
     WriteString(key_ + L"\\DllOverrides", ToWide(dll).c_str(), ToWide(order));
 }
 
-SystemDll::SystemDll(const std::string& name, const stdfs::path& replacement) {
-    wchar_t folder[MAX_PATH] = {};
-    GetSystemDirectoryW(folder, MAX_PATH);
-    path_ = stdfs::path(folder) / name;
-    saved_ = path_.native() + L".saved";
-    stdfs::rename(path_, saved_);
+SystemDll::SystemDll(const std::string& name, const stdfs::path& replacement)
+    : claim_(ToWide(name)), path_(SystemFile(name)) {
+    PutBack(path_);
+    stdfs::rename(path_, SavedName(path_));
     stdfs::copy_file(replacement, path_);
 }
 
 SystemDll::~SystemDll() {
-    std::error_code ignored;
-    stdfs::rename(saved_, path_, ignored);
+    PutBack(path_);
 }
 
 }  // namespace launcher::test

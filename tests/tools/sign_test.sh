@@ -11,6 +11,7 @@ prefix=$2
 tools=$(cd "$(dirname "$0")/../../tools" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM
 cd "$work"
 failures=0
 
@@ -90,6 +91,19 @@ lacks_the_tool() {
 }
 refuses_without_path() { "$tools/sign.sh" --pkcs12 signer.p12 --password-file password first.exe; }
 
+# Stopped by each signal while the tool waits: nothing is left, and the program is as it was.
+leaves_nothing() {
+    mkdir -p slow kept
+    printf '%s\n' '#!/bin/sh' 'exec sleep 20' >slow/osslsigncode
+    chmod +x slow/osslsigncode
+    for signal in HUP INT TERM; do
+        status=0
+        PATH=$work/slow:$PATH TMPDIR=$work/kept timeout --preserve-status -s "$signal" 1 \
+            "$tools/sign.sh" --pkcs12 signer.p12 --password-file password first.exe || status=$?
+        [ "$status" != 0 ] && [ -z "$(ls kept)" ] && cmp "$launcher" first.exe || return 1
+    done
+}
+
 make_certificate signer
 make_certificate stranger
 echo secret >password
@@ -118,8 +132,9 @@ usual="--pkcs12 signer.p12 --root signer.pem"
     check "no Windows program" refuses 1 "cannot sign broken.exe" $usual --password-file password \
         first.exe broken.exe
     # A port at which nothing listens.
-    check "no time stamp server" refuses 1 "Failed to get data from http://127.0.0.1:9/" $usual \
+    check "no time stamp server" refuses 1 "got no time stamp from http://127.0.0.1:9/: " $usual \
         --password-file password --time-stamp-server http://127.0.0.1:9/ first.exe
+    check "an interrupted run leaves nothing" leaves_nothing
     check "two programs are signed" "$tools/sign.sh" $usual --password-file password \
         first.exe second.exe
     cp "$launcher" third.exe

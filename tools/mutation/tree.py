@@ -6,10 +6,14 @@ import resource
 import shutil
 import signal
 import subprocess
+import tempfile
 import time
 from pathlib import Path
 
-PRODUCT = ("fs", "platform", "launcher", "media", "installer")
+LAUNCHER = ("fs", "platform", "launcher", "media", "installer")
+MEDIATOOL = ("mediatool",)
+PROGRAMS = ("launcher/setup.exe", "mediatool/mediatool.exe")
+FUZZ = "fuzz"  # the fuzzers' folder in the build folder
 MEMORY_LIMIT = 4 << 30  # bytes: a text that grows for ever must not take the machine with it
 FILE_LIMIT = 1 << 30
 
@@ -17,6 +21,18 @@ FILE_LIMIT = 1 << 30
 def limit_resources():
     resource.setrlimit(resource.RLIMIT_DATA, (MEMORY_LIMIT, MEMORY_LIMIT))
     resource.setrlimit(resource.RLIMIT_FSIZE, (FILE_LIMIT, FILE_LIMIT))
+
+
+def is_fuzzer(program):
+    return program.startswith(FUZZ + "/")
+
+
+def object_code(file):
+    """What an object file holds for the linker, without what the compiler keeps for itself."""
+    with tempfile.NamedTemporaryFile(suffix=".obj") as copy:
+        subprocess.run(["x86_64-w64-mingw32-objcopy", "--strip-debug", "-R", ".gnu.lto_*",
+                        "-R", ".gnu.debuglto_*", file, copy.name], check=True)
+        return Path(copy.name).read_bytes()
 
 
 class Failure(Exception):
@@ -29,12 +45,14 @@ class Tree:
         self.source = self.folder / "source"
         self.build_folder = self.folder / "build"
         self.pristine = self.folder / "pristine"
-        self.release_folder = self.build_folder / "release"  # goes back with the rest
+        # These two go back with the rest.
+        self.release_folder = self.build_folder / "release"
+        self.fuzz_folder = self.build_folder / FUZZ
         self.state = {}
 
     # --- making it
 
-    def prepare(self, layers_only):
+    def prepare(self, stages):
         """Copies what has changed, builds it and keeps the result to go back to."""
         self.copy_sources()
         launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
@@ -43,13 +61,23 @@ class Tree:
         # version of a product function, its own counts, even when the linker needs something else
         # of the product's object.
         self.call(["cmake", "--preset", "mingw-debug", "-B", self.build_folder,
-                   "-DLAUNCHER_JOIN_SOURCES=ON",
+                   "-DLAUNCHER_JOIN_SOURCES=ON", "-DCMAKE_PROJECT_INCLUDE=" +
+                   str(self.source / "tools/mutation/single_sources.cmake"),
                    "-DCMAKE_CXX_FLAGS=-w", "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
                    "-DCMAKE_EXE_LINKER_FLAGS=-Wl,--allow-multiple-definition", *launcher])
-        if not self.build(self.programs() if layers_only else []):
-            raise Failure("the sources do not build as they are:\n" + self.output[-4000:])
+        if FUZZ in stages:
+            self.call([self.source / "tools/install-tools.sh", "clang-14", "libclang-rt-14-dev"])
+            self.call(["cmake", "-S", self.source / "tests/fuzz", "-B", self.fuzz_folder, "-G",
+                       "Ninja", "-DCMAKE_CXX_COMPILER=clang++-14", "-DCMAKE_CXX_FLAGS=-w",
+                       *launcher])
         self.call(["cmake", "--preset", "mingw", "-B", self.release_folder,
-                   "-DLAUNCHER_BUILD_TESTS=OFF", "-DCMAKE_CXX_FLAGS=-w"])
+                   "-DLAUNCHER_BUILD_TESTS=OFF", "-DLAUNCHER_BUILD_TOOLS=ON",
+                   "-DCMAKE_CXX_FLAGS=-w", *launcher])
+
+    def build_pristine(self, programs):
+        """Builds these test programs and the release as they are, to go back to."""
+        if not self.build(programs) or not self.build_fuzzers(programs):
+            raise Failure("the sources do not build as they are:\n" + self.output[-4000:])
         self.released = self.release()
         self.take_snapshot()
         # Here rather than with the first test, which has a time limit.
@@ -115,34 +143,51 @@ class Tree:
         if done.returncode != 0:
             raise Failure(f"{command}:\n{done.stdout[-4000:]}")
 
-    def build(self, targets):
+    def make(self, folder, targets):
         """False when something does not build; `output` says what."""
         try:
-            self.call(["cmake", "--build", self.build_folder, "-j", "4"] +
+            self.call(["cmake", "--build", folder, "-j", "4"] +
                       [part for target in targets for part in ("--target", target)])
         except Failure:
             return False
         return True
 
-    def release(self):
-        """The launcher as it would be released: the same bytes as long as nothing in it changes."""
-        self.call(["cmake", "--build", self.release_folder, "--target", "setup"])
-        return (self.release_folder / "launcher/setup.exe").read_bytes()
+    def build(self, programs):
+        targets = [program for program in programs if not is_fuzzer(program)]
+        return not targets or self.make(self.build_folder, targets)
 
-    def is_same_program(self):
-        return self.release() == self.released
+    def build_fuzzers(self, programs):
+        targets = [Path(program).name for program in programs if is_fuzzer(program)]
+        return not targets or self.make(self.fuzz_folder, targets)
+
+    def release(self):
+        """The programs as they would be released: the same bytes as long as nothing in them
+        changes."""
+        self.call(["cmake", "--build", self.release_folder, "--target", "setup", "mediatool"])
+        return [(self.release_folder / program).read_bytes() for program in PROGRAMS]
+
+    def is_same_code(self):
+        """Whether the change leaves the released programs as they are, or the object code that
+        they are made of, which the optimisation across files may put together in another way."""
+        if self.release() == self.released:
+            return True
+        objects = [name for name, status in self.built_files() if name.endswith(".obj")
+                   and name.startswith("release/") and status != self.state[name]]
+        return bool(objects) and all(
+            object_code(self.build_folder / name) == object_code(self.pristine / name)
+            for name in objects)
 
     # --- testing it
 
-    def programs(self):
-        """The test programs of the layers, by their path in the build folder."""
-        return [program for program in self.all_programs() if program.split("/")[1] in PRODUCT]
-
-    def all_programs(self):
+    def test_programs(self):
+        """Every test program by its path in the build folder, and every fuzzer."""
         self.call(["ninja", "-C", self.build_folder, "-t", "targets", "all"])
-        return sorted(re.findall(r"^(tests/\S+_test\.exe):", self.output, re.MULTILINE))
+        programs = re.findall(r"^(tests/\S+_test\.exe):", self.output, re.MULTILINE)
+        corpus = self.source / "tests/fuzz/corpus"
+        return sorted(programs) + sorted(f"{FUZZ}/{folder.name}" for folder in corpus.iterdir())
 
     def was_rebuilt(self, program):
+        """Whether the changed code is in it."""
         status = (self.build_folder / program).stat()
         return self.state.get(program) != (status.st_size, status.st_mtime_ns)
 
@@ -156,16 +201,24 @@ class Tree:
         log = self.folder / "output.txt"
         command = [self.source / "tools/wine-run.sh", self.build_folder / "wine-prefix",
                    self.build_folder / program, "--gtest_fail_fast", *arguments]
+        limits = limit_resources
+        if is_fuzzer(program):  # with limits of its own: a sanitizer needs all addresses
+            command = [self.build_folder / program, "-runs=0", "-detect_leaks=0",
+                       "-exact_artifact_path=/dev/null",
+                       self.source / "tests/fuzz/corpus" / Path(program).name]
+            limits = None
         with open(log, "wb") as output:
             process = subprocess.Popen(
                 [str(part) for part in command], cwd=(self.build_folder / program).parent,
                 stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT,
-                start_new_session=True, preexec_fn=limit_resources)
+                start_new_session=True, preexec_fn=limits)
             try:
                 status = process.wait(timeout)
             except subprocess.TimeoutExpired:
                 self.end_processes(process)
                 return "timeout"
+        if is_fuzzer(program):
+            return "passed" if status == 0 else "?"
         text = log.read_text(errors="replace")
         if status == 0 and "[  PASSED  ]" in text:
             return "passed"

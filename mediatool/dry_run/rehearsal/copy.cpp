@@ -39,7 +39,7 @@ DWORD ErrorOfMakingFolderIn(const Path& folder) {
 }
 
 bool HasForbiddenCharacter(const Path& full) {
-    const std::size_t afterRoot = static_cast<std::size_t>(full.RootEnd() + 1);
+    const auto afterRoot = static_cast<std::size_t>(full.RootEnd() + 1);
     return full.Text().find_first_of("<>\"|?*", afterRoot) != std::string::npos;
 }
 

@@ -2,8 +2,8 @@
 
 #include "fs/encoding.h"
 #include "fs/environment.h"
+#include "fs/file_type.h"
 #include "fs/path.h"
-#include "fs/path_exists.h"
 #include "launcher/uuid_text.h"
 #include "media/volume_files.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"

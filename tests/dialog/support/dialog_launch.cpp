@@ -3,6 +3,7 @@
 #include <cctype>
 
 #include "tests/support/links.h"
+#include "tests/support/repeats.h"
 #include "tests/support/wine.h"
 
 namespace launcher::test {
@@ -25,12 +26,12 @@ std::string DialogTest::InstallerOf(const std::string& folder, const std::string
 }
 
 LauncherRun DialogTest::RunWithDialog(const LauncherStart& start, const Steps& steps) {
-    for (int repeats = 0;; ++repeats) {
+    for (Repeats repeats;;) {
         LauncherProcess process(start);
         DialogDriver dialog;
         steps(dialog);
         LauncherRun run = process.Finish();
-        if (repeats == 3 || !StumbledOverWine(run.BoxTexts())) return run;
+        if (!repeats.AreWorthIt(StumbledOverWine(run.BoxTexts()))) return run;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "fs/encoding.h"
+#include "tests/support/temporary_folder.h"
 
 namespace launcher::test {
 namespace {
@@ -60,7 +61,8 @@ BOOL CALLBACK BoxWatcher::OnWindow(HWND window, LPARAM self) {
 void BoxWatcher::See(HWND window) {
     const HWND text = GetDlgItem(window, kBoxTextId);
     const auto [entry, isNew] = answered_.try_emplace(window, 0);
-    if (isNew && text != nullptr) boxes_.push_back({TextOf(window), TextOf(text)});
+    if (isNew && text != nullptr)
+        boxes_.push_back({TextOf(window), TextOf(text), ReadFile(output_).size()});
     if (isNew && text == nullptr) dialogs_.push_back(TextOf(window));
     const ULONGLONG now = GetTickCount64();
     if (now - entry->second < kPatience / 5) return;

@@ -2,8 +2,11 @@
 
 #include <windows.h>
 
+#include <cstdint>
+#include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace launcher::test {
@@ -12,13 +15,16 @@ namespace launcher::test {
 struct Box {
     std::string caption;
     std::string text;
+    std::uintmax_t written = 0;  // bytes on the standard output before it
 };
 
 // Watches one process for message boxes and folder dialogs, and answers them as a person would:
 // presses a box's button, cancels a dialog.
 class BoxWatcher {
   public:
-    explicit BoxWatcher(DWORD processId) : processId_(processId) {}
+    // `output` is the file of the process's standard output.
+    BoxWatcher(DWORD processId, std::filesystem::path output)
+        : processId_(processId), output_(std::move(output)) {}
 
     // Looks once at all windows. To be called again and again.
     void Poll();
@@ -32,6 +38,7 @@ class BoxWatcher {
     void See(HWND window);
 
     DWORD processId_;
+    std::filesystem::path output_;
     std::map<HWND, ULONGLONG> answered_;  // when last
     std::vector<Box> boxes_;
     std::vector<std::string> dialogs_;

@@ -1,6 +1,5 @@
 #include "tests/e2e/support/launcher_run.h"
 
-#include <cstdio>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -8,6 +7,7 @@
 #include "fs/encoding.h"
 #include "fs/owners.h"
 #include "tests/e2e/support/environment_block.h"
+#include "tests/support/repeats.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wine.h"
 
@@ -19,11 +19,6 @@ namespace {
 
 constexpr DWORD kPollInterval = 10;       // milliseconds
 constexpr ULONGLONG kLongestRun = 60000;  // milliseconds
-
-// On the output of the test, where it can be counted afterwards.
-void NoteRepeat() {
-    std::puts("[ REPEATED ] a process could not be created, error 1359");
-}
 
 FileHandle InheritableFile(const stdfs::path& path) {
     SECURITY_ATTRIBUTES attributes{sizeof attributes, nullptr, TRUE};
@@ -102,10 +97,9 @@ void PrintTo(const LauncherRun& run, std::ostream* stream) {
 }
 
 LauncherRun RunToEnd(const LauncherStart& start) {
-    for (int repeats = 0;; ++repeats) {
+    for (Repeats repeats;;) {
         LauncherRun run = LauncherProcess(start).Finish();
-        if (repeats == 3 || !StumbledOverWine(run.BoxTexts())) return run;
-        NoteRepeat();
+        if (!repeats.AreWorthIt(StumbledOverWine(run.BoxTexts()))) return run;
     }
 }
 
@@ -116,7 +110,7 @@ LauncherProcess::LauncherProcess(const LauncherStart& start)
     stdfs::remove(start_.workFolder / "report");
     GetDesktopWindow();  // what Wine starts for the desktop is not to be part of the job
     Start();
-    watcher_.emplace(process_.dwProcessId);
+    watcher_.emplace(process_.dwProcessId, start_.workFolder / "output");
 }
 
 LauncherProcess::~LauncherProcess() {
@@ -134,7 +128,7 @@ void LauncherProcess::Start() {
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = output.Get();
-    startup.hStdError = errors.Get();
+    startup.hStdError = start_.oneStream ? output.Get() : errors.Get();
     std::map<std::string, std::string> variables = start_.variables;
     variables.insert({{"TEMP", ToUtf8(temp_)},
                       {"TMP", ToUtf8(temp_)},
@@ -148,11 +142,10 @@ void LauncherProcess::Start() {
                               CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT, environment.data(),
                               start_.workFolder.c_str(), &startup, &process_);
     };
-    while (!create()) {
+    for (Repeats repeats; !create();) {
         const DWORD error = GetLastError();
-        if (error != ERROR_INTERNAL_ERROR)  // 1359, as in StumbledOverWine
+        if (!repeats.AreWorthIt(IsWine() && error == ERROR_INTERNAL_ERROR))
             throw std::runtime_error("cannot start the launcher: " + std::to_string(error));
-        NoteRepeat();
     }
     AssignProcessToJobObject(job_, process_.hProcess);
     ResumeThread(process_.hThread);

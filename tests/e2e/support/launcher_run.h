@@ -23,6 +23,8 @@ struct LauncherStart {
     std::map<std::string, std::string> variables;
     // A folder of the run's own for "TEMP" and for what the programs write.
     std::filesystem::path workFolder;
+    // Both streams are the standard output, so that the order of its lines shows.
+    bool oneStream = false;
 };
 
 // One run of the launcher, from outside.

@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,15 +11,22 @@
 
 namespace launcher::test {
 
-// A media, a command line and an environment, made from a number: the same number makes the same.
+// A media, a command line, an environment and a machine, made from a number: the same number makes
+// the same.
 struct Case {
-    std::filesystem::path launcher;
+    std::filesystem::path launcher;  // may have another name; "setup.exe" is beside it
     std::vector<std::string> arguments;
     std::map<std::string, std::string> variables;
-    std::vector<std::string> features;  // what it has, for the messages of a failure
+    std::optional<std::filesystem::path> picked;  // in the folder dialog; cancelled without it
+    std::vector<std::string> machine;             // the dry run's options for this machine
+    bool pretendsNoAdministrator = false;         // which a variable does for the launcher itself
+    std::vector<std::string> features;            // what it has, for the messages of a failure
+    std::vector<std::shared_ptr<void>> places;    // drives, links, settings: there while it lives
 };
 
-// Makes the case's files below `folder`, which is empty.
-Case MakeCase(unsigned seed, const std::filesystem::path& folder);
+// Makes the case's files below `folder`, which is empty, and below `work`, the folder that both
+// programs run in. Ten numbers in a row have one of each purpose: see the floors of the test.
+Case MakeCase(unsigned seed, const std::filesystem::path& folder,
+              const std::filesystem::path& work);
 
 }  // namespace launcher::test

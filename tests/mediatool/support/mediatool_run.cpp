@@ -9,14 +9,14 @@
 #include "installer/installer_process.h"
 #include "tests/e2e/support/environment_block.h"
 #include "tests/e2e/support/launcher_run.h"
+#include "tests/support/repeats.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {
 
-constexpr DWORD kPatience = 60000;                      // milliseconds
-constexpr DWORD kSpuriousError = ERROR_INTERNAL_ERROR;  // which Wine now and then has for anybody
+constexpr DWORD kPatience = 60000;  // milliseconds
 
 FileHandle InheritableFile(const std::filesystem::path& path) {
     SECURITY_ATTRIBUTES attributes{sizeof attributes, nullptr, TRUE};
@@ -26,11 +26,14 @@ FileHandle InheritableFile(const std::filesystem::path& path) {
 
 void Start(std::wstring commandLine, const std::filesystem::path& folder, std::wstring environment,
            STARTUPINFOW& startup, PROCESS_INFORMATION& process) {
-    while (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE,
-                           CREATE_UNICODE_ENVIRONMENT, environment.data(), folder.c_str(), &startup,
-                           &process)) {
+    const auto create = [&] {
+        return CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE,
+                              CREATE_UNICODE_ENVIRONMENT, environment.data(), folder.c_str(),
+                              &startup, &process);
+    };
+    for (Repeats repeats; !create();) {
         const DWORD error = GetLastError();
-        if (error != kSpuriousError)
+        if (!repeats.AreWorthIt(IsWine() && error == ERROR_INTERNAL_ERROR))
             throw std::runtime_error("cannot start mediatool: " + std::to_string(error));
     }
 }

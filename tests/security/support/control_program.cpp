@@ -18,7 +18,7 @@
 #include "fs/owners.h"
 #include "fs/path.h"
 #include "installer/com.h"
-#include "platform/dll_search.h"
+#include "platform/libraries.h"
 #include "platform/module_path.h"
 #include "platform/owners.h"
 

@@ -1,8 +1,4 @@
-#include "platform/dll_search.h"
-
-#include <windows.h>
-
-#include "platform/module_function.h"
+#include "platform/libraries.h"
 
 namespace launcher {
 

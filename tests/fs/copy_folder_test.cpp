@@ -26,28 +26,28 @@ using testing::IsEmpty;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 
-class CopyDirectoryTest : public test::FileTest {
+class CopyFolderTest : public test::FileTest {
   protected:
-    void CopyTree() const { CopyDirectory(folder_.Text("from"), folder_.Text("to")); }
+    void CopyTree() const { CopyFolder(folder_.Text("from"), folder_.Text("to")); }
     test::Tree Original() const { return test::TreeBelow(folder_.Dir() / "from"); }
     test::Tree Copied() const { return test::TreeBelow(folder_.Dir() / "to"); }
 };
 
-TEST_F(CopyDirectoryTest, MakesAnEmptyFolderOfAnEmptyOne) {
+TEST_F(CopyFolderTest, MakesAnEmptyFolderOfAnEmptyOne) {
     folder_.MakeDir("from");
-    CopyDirectory(folder_.Text("from"), folder_.Text("deep\\to"));
+    CopyFolder(folder_.Text("from"), folder_.Text("deep\\to"));
     EXPECT_EQ(GetType(folder_.Text("deep\\to")), FileType::Directory);
     EXPECT_THAT(test::TreeBelow(folder_.Dir() / "deep" / "to"), IsEmpty());
 }
 
-TEST_F(CopyDirectoryTest, MakesBothLevelsOfAnEmptyFolderInAFolder) {
+TEST_F(CopyFolderTest, MakesBothLevelsOfAnEmptyFolderInAFolder) {
     folder_.MakeDir("from\\inner");
     CopyTree();
     EXPECT_THAT(Copied(), ElementsAre(Pair("inner", "/")));
 }
 
-TEST_F(CopyDirectoryTest, MakesAnEmptyFolderOfOneThatCannotBeListed) {
-    CopyDirectory(folder_.Text("missing"), folder_.Text("to"));
+TEST_F(CopyFolderTest, MakesAnEmptyFolderOfOneThatCannotBeListed) {
+    CopyFolder(folder_.Text("missing"), folder_.Text("to"));
     EXPECT_THAT(Copied(), IsEmpty());
 
     folder_.Write("from\\locked\\file");
@@ -65,7 +65,7 @@ TEST_F(CopyDirectoryTest, MakesAnEmptyFolderOfOneThatCannotBeListed) {
     EXPECT_THAT(Copied(), ElementsAre(Pair("locked", "/"), Pair("open", "content")));
 }
 
-TEST_F(CopyDirectoryTest, CopiesATreeOfEveryKindOfName) {
+TEST_F(CopyFolderTest, CopiesATreeOfEveryKindOfName) {
     folder_.Write("from\\file", "1");
     folder_.Write("from\\.hidden\\two words\\a.b.c", "2");
     folder_.Write("from\\e\xCC\x81\\\xC3\xA9", "3");
@@ -76,7 +76,7 @@ TEST_F(CopyDirectoryTest, CopiesATreeOfEveryKindOfName) {
     EXPECT_EQ(Copied().size(), 10u);
 }
 
-TEST_F(CopyDirectoryTest, GoesDeepAndFar) {
+TEST_F(CopyFolderTest, GoesDeepAndFar) {
     std::string path = "from";
     for (int level = 0; level < 30; ++level) {
         path += "\\d";
@@ -89,7 +89,7 @@ TEST_F(CopyDirectoryTest, GoesDeepAndFar) {
     EXPECT_EQ(Copied().size(), 360u);
 }
 
-TEST_F(CopyDirectoryTest, OverwritesSameNamesAndLeavesOthersAlone) {
+TEST_F(CopyFolderTest, OverwritesSameNamesAndLeavesOthersAlone) {
     folder_.Write("from\\same", "new");
     folder_.Write("from\\folder\\same", "new");
     folder_.MakeDir("from\\empty");
@@ -106,7 +106,7 @@ TEST_F(CopyDirectoryTest, OverwritesSameNamesAndLeavesOthersAlone) {
 }
 
 // A check costs as much as a third of copying a small file.
-TEST_F(CopyDirectoryTest, ChecksTheDestinationBeforeTheFirstFileOnly) {
+TEST_F(CopyFolderTest, ChecksTheDestinationBeforeTheFirstFileOnly) {
     for (const char* const name : {"from\\1", "from\\2", "from\\3"})
         folder_.Write(name, "content");
     folder_.MakeDir("to");
@@ -124,7 +124,7 @@ TEST_F(CopyDirectoryTest, ChecksTheDestinationBeforeTheFirstFileOnly) {
     EXPECT_EQ(Copied(), Original());
 }
 
-TEST_F(CopyDirectoryTest, CopiesWhatLinksToFilesHold) {
+TEST_F(CopyFolderTest, CopiesWhatLinksToFilesHold) {
     folder_.Write("from\\link", "content");
     {
         const Hook<decltype(&FindFirstFileW)> linked(
@@ -141,7 +141,7 @@ TEST_F(CopyDirectoryTest, CopiesWhatLinksToFilesHold) {
     EXPECT_THAT(Copied(), ElementsAre(Pair("link", "content")));
 }
 
-TEST_F(CopyDirectoryTest, EndsAtTheFirstFailureAndKeepsWhatItCopied) {
+TEST_F(CopyFolderTest, EndsAtTheFirstFailureAndKeepsWhatItCopied) {
     for (const char* const name : {"from\\1", "from\\a\\2", "from\\a\\3", "from\\a\\b\\4"})
         folder_.Write(name, "content");
     int searches = 0;
@@ -173,14 +173,14 @@ TEST_F(CopyDirectoryTest, EndsAtTheFirstFailureAndKeepsWhatItCopied) {
     EXPECT_THAT(files, UnorderedElementsAre("content", "content", ""));
 }
 
-TEST_F(CopyDirectoryTest, NamesTheFileThatFailed) {
+TEST_F(CopyFolderTest, NamesTheFileThatFailed) {
     folder_.Write("from\\a\\file", "content");
     folder_.MakeDir("to\\a\\file");
     EXPECT_THAT([&] { CopyTree(); },
                 ThrowsErrno("Cannot write into " + folder_.Text("to\\a\\file"), EACCES));
 }
 
-TEST_F(CopyDirectoryTest, ReportsAFileWhereAFolderShouldBe) {
+TEST_F(CopyFolderTest, ReportsAFileWhereAFolderShouldBe) {
     folder_.Write("from\\a\\file", "content");
     folder_.Write("to\\a", "in the way");
     EXPECT_THAT([&] { CopyTree(); },
@@ -188,13 +188,13 @@ TEST_F(CopyDirectoryTest, ReportsAFileWhereAFolderShouldBe) {
     EXPECT_EQ(test::ReadFile(folder_.Dir() / "to" / "a"), "in the way");
 }
 
-TEST_F(CopyDirectoryTest, ThrowsForAnEmptySource) {
-    EXPECT_THAT([&] { CopyDirectory("", folder_.Text("to")); },
+TEST_F(CopyFolderTest, ThrowsForAnEmptySource) {
+    EXPECT_THAT([&] { CopyFolder("", folder_.Text("to")); },
                 Throws("FindFirstFile - Path is empty"));
 }
 
 // A link of the host costs this process a handle under Wine: no FileTest.
-TEST(CopyDirectory, FollowsLinksToFolders) {
+TEST(CopyFolder, FollowsLinksToFolders) {
     const test::TemporaryFolder folder;
     folder.Write("elsewhere\\deep\\file", "content");
     folder.MakeDir("from");

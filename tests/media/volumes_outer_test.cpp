@@ -11,7 +11,7 @@ namespace launcher::test {
 namespace {
 
 // Volume 1 in "Q/7/R/V", the marker of its outer volume in "Q/7".
-class AmVolumesTest : public VolumesTest {
+class OuterVolumesTest : public VolumesTest {
   protected:
     void Nested(int count) const {
         VolumeOne("Q/7/R/V", count);
@@ -28,83 +28,84 @@ class AmVolumesTest : public VolumesTest {
     // the media is complete.
     Outcome NestedOutcome(int count, const std::vector<std::string>& messages,
                           const std::vector<std::string>& volumes = {}) const {
-        Outcome outcome = Failed(count, {Found(1, "Q/7/R/V"), FoundAm(7, "Q/7")});
+        Outcome outcome = Failed(count, {Found(1, "Q/7/R/V"), FoundOuter(7, "Q/7")});
         outcome.messages.insert(outcome.messages.end(), messages.begin(), messages.end());
         outcome.result = volumes.empty() ? 0 : count;
         outcome.skipTemporaryCopy = !volumes.empty();
         outcome.volumes = volumes;
         outcome.mtbDir = "Y";
-        outcome.firstAmVolume = "7";
-        outcome.firstAmPath = At("Q/7");
-        outcome.amRelativePath = "R";
+        outcome.firstOuterVolume = "7";
+        outcome.firstOuterPath = At("Q/7");
+        outcome.outerRelativePath = "R";
         return outcome;
     }
 };
 
-TEST_F(AmVolumesTest, HoldTheVolumesUnderTheSamePath) {
+TEST_F(OuterVolumesTest, HoldTheVolumesUnderTheSamePath) {
     Nested(3);
     Outer(8, "Y", 2, "X");
     Outer(9, "Y", 3, "X");
     EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(3,
-                                                    {FoundAm(8, "Q/8"), Found(2, "Q/8/R/2"),
-                                                     FoundAm(9, "Q/9"), Found(3, "Q/9/R/3")},
+                                                    {FoundOuter(8, "Q/8"), Found(2, "Q/8/R/2"),
+                                                     FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3")},
                                                     {At("Q/8/R/2"), At("Q/9/R/3")}));
 }
 
-TEST_F(AmVolumesTest, AreNotLookedForWhenThereIsNoMarker) {
+TEST_F(OuterVolumesTest, AreNotLookedForWhenThereIsNoMarker) {
     VolumeOne("Q/7/R/V", 2);
     Outer(8, "Y", 2, "X");
     EXPECT_EQ(Resolve(At("Q/7/R/V")), Failed(2, {Found(1, "Q/7/R/V")}));
 }
 
-TEST_F(AmVolumesTest, EndSilentlyWhenOnlyTheFirstIsThere) {
+TEST_F(OuterVolumesTest, EndSilentlyWhenOnlyTheFirstIsThere) {
     Nested(2);
     EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(2, {}));
 }
 
-TEST_F(AmVolumesTest, MayHoldNothingInside) {
+TEST_F(OuterVolumesTest, MayHoldNothingInside) {
     Nested(2);
     Marker("Q/8", 8, "Y");
-    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(2, {FoundAm(8, "Q/8")}));
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(2, {FoundOuter(8, "Q/8")}));
 }
 
-TEST_F(AmVolumesTest, MissVolumes) {
+TEST_F(OuterVolumesTest, MissVolumes) {
     Nested(4);
     Outer(9, "Y", 3, "X");
     Marker("Q/8/R/2", 2, "X");
     EXPECT_EQ(Resolve(At("Q/7/R/V")),
-              NestedOutcome(4, {FoundAm(9, "Q/9"), Found(3, "Q/9/R/3"), Missing()}));
+              NestedOutcome(4, {FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3"), Missing()}));
 }
 
-TEST_F(AmVolumesTest, OfAnotherSetAreNamedAndNotEntered) {
+TEST_F(OuterVolumesTest, OfAnotherSetAreNamedAndNotEntered) {
     Nested(3);
     Outer(8, "y", 2, "X");
     Outer(9, "Y", 3, "X");
-    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(3, {Foreign("AM volume 8", "y", "Q/8", "Y"),
-                                                        FoundAm(9, "Q/9"), Found(3, "Q/9/R/3")}));
+    EXPECT_EQ(Resolve(At("Q/7/R/V")),
+              NestedOutcome(3, {Foreign("AM volume 8", "y", "Q/8", "Y"), FoundOuter(9, "Q/9"),
+                                Found(3, "Q/9/R/3")}));
 }
 
-TEST_F(AmVolumesTest, MayHoldAForeignVolume) {
+TEST_F(OuterVolumesTest, MayHoldAForeignVolume) {
     Nested(3);
     Outer(8, "Y", 2, "Y");
     Outer(9, "Y", 3, "X");
     EXPECT_EQ(Resolve(At("Q/7/R/V")),
-              NestedOutcome(3, {FoundAm(8, "Q/8"), Foreign("Volume 2", "Y", "Q/8/R/2", "X"),
-                                FoundAm(9, "Q/9"), Found(3, "Q/9/R/3")}));
+              NestedOutcome(3, {FoundOuter(8, "Q/8"), Foreign("Volume 2", "Y", "Q/8/R/2", "X"),
+                                FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3")}));
 }
 
-TEST_F(AmVolumesTest, TakeUnreadableMarkersForMissing) {
+TEST_F(OuterVolumesTest, TakeUnreadableMarkersForMissing) {
     Nested(4);
     Outer(8, "Y", 2, "X");
     Outer(9, "Y", 3, "X");
     Marker("Q/10", 10, "Y");
     folder_.MakeDir("Q/10/R/4/4.txt");
     const FileHandle outerLock = Lock("Q/8/8.txt");
-    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(4, {FoundAm(9, "Q/9"), Found(3, "Q/9/R/3"),
-                                                        FoundAm(10, "Q/10"), Missing()}));
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(4, {FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3"),
+                                                        FoundOuter(10, "Q/10"), Missing()}));
 }
 
-TEST_F(AmVolumesTest, NeedAnIdInTheFirstMarker) {
+TEST_F(OuterVolumesTest, NeedAnIdInTheFirstMarker) {
     const Outcome unreadable =
         Failed(2, {Found(1, "Q/7/R/V"), Warning("Cannot open 7.txt in " + At("Q/7")),
                    Plain("Please make sure you copied and/or extracted everything properly.")});
@@ -118,7 +119,7 @@ TEST_F(AmVolumesTest, NeedAnIdInTheFirstMarker) {
     EXPECT_EQ(Resolve(At("Q/7/R/V")), unreadable);
 }
 
-TEST_F(AmVolumesTest, AreFoundManyFoldersUp) {
+TEST_F(OuterVolumesTest, AreFoundManyFoldersUp) {
     const std::string relative = "a/b/c/d/e/f/g/h/i/j/k/l";
     VolumeOne("Q/99/" + relative + "/V", 2);
     Marker("Q/99", 99, "Y");
@@ -127,19 +128,19 @@ TEST_F(AmVolumesTest, AreFoundManyFoldersUp) {
     const Outcome outcome = Resolve(At("Q/99/" + relative + "/V"));
     EXPECT_EQ(outcome.result, 2);
     EXPECT_THAT(outcome.volumes, testing::ElementsAre(At("Q/100/" + relative + "/2")));
-    EXPECT_EQ(outcome.firstAmVolume, "99");
-    EXPECT_EQ(outcome.amRelativePath, "a\\b\\c\\d\\e\\f\\g\\h\\i\\j\\k\\l");
+    EXPECT_EQ(outcome.firstOuterVolume, "99");
+    EXPECT_EQ(outcome.outerRelativePath, "a\\b\\c\\d\\e\\f\\g\\h\\i\\j\\k\\l");
 }
 
-TEST_F(AmVolumesTest, OfTheNearestFolderWin) {
+TEST_F(OuterVolumesTest, OfTheNearestFolderWin) {
     Nested(2);
     Marker("Q", 3, "Z");
     Outer(8, "Y", 2, "X");
     EXPECT_EQ(Resolve(At("Q/7/R/V")),
-              NestedOutcome(2, {FoundAm(8, "Q/8"), Found(2, "Q/8/R/2")}, {At("Q/8/R/2")}));
+              NestedOutcome(2, {FoundOuter(8, "Q/8"), Found(2, "Q/8/R/2")}, {At("Q/8/R/2")}));
 }
 
-TEST_F(AmVolumesTest, OfTheNearestFolderWinEvenWithoutAnId) {
+TEST_F(OuterVolumesTest, OfTheNearestFolderWinEvenWithoutAnId) {
     Nested(2);
     Outer(8, "Y", 2, "X");
     folder_.Write("Q/7/R/50.txt", "no id");
@@ -147,7 +148,7 @@ TEST_F(AmVolumesTest, OfTheNearestFolderWinEvenWithoutAnId) {
 }
 
 // Volume 1 lies right below its outer volume here.
-TEST_F(AmVolumesTest, HaveMarkersNamedByOneOrTwoCharactersThatBeginWithANumber) {
+TEST_F(OuterVolumesTest, HaveMarkersNamedByOneOrTwoCharactersThatBeginWithANumber) {
     const std::pair<const char*, int> rows[] = {
         std::pair{"1.txt", 1},   std::pair{"42.txt", 42},     std::pair{"99.txt", 99},
         std::pair{"07.txt", 7},  std::pair{"1a.txt", 1},      std::pair{"7 .txt", 7},
@@ -168,33 +169,33 @@ TEST_F(AmVolumesTest, HaveMarkersNamedByOneOrTwoCharactersThatBeginWithANumber) 
         Outcome expected = Failed(2, {Found(1, q + "A/V")});
         if (number > 0) {
             for (const std::string& message :
-                 {FoundAm(number, q + "A"), FoundAm(number + 1, next), Found(2, next + "/2")})
+                 {FoundOuter(number, q + "A"), FoundOuter(number + 1, next), Found(2, next + "/2")})
                 expected.messages.push_back(message);
             expected.result = 2;
             expected.skipTemporaryCopy = true;
             expected.volumes = {At(next + "/2")};
             expected.mtbDir = "Y";
-            expected.firstAmVolume = std::to_string(number);
-            expected.firstAmPath = At(q + "A");
+            expected.firstOuterVolume = std::to_string(number);
+            expected.firstOuterPath = At(q + "A");
         }
         EXPECT_EQ(Resolve(At(q + "A/V")), expected);
     }
 }
 
-TEST_F(AmVolumesTest, MarkersAreFilesOnly) {
+TEST_F(OuterVolumesTest, MarkersAreFilesOnly) {
     VolumeOne("Q/A/V", 2);
     folder_.MakeDir("Q/A/7.txt");
     EXPECT_EQ(Resolve(At("Q/A/V")), Failed(2, {Found(1, "Q/A/V")}));
 }
 
-TEST_F(AmVolumesTest, MarkersInVolumeOneAreItsOwn) {
+TEST_F(OuterVolumesTest, MarkersInVolumeOneAreItsOwn) {
     VolumeOne("Q/A/V", 2);
     Marker("Q/A/V", 7, "Y");
     EXPECT_EQ(Resolve(At("Q/A/V")), Failed(2, {Found(1, "Q/A/V")}));
 }
 
 // Such a path is relative; the test's folder stands in for the current one.
-TEST_F(AmVolumesTest, AreNotInAFolderThatReadsAsNothing) {
+TEST_F(OuterVolumesTest, AreNotInAFolderThatReadsAsNothing) {
     const std::string media = "''''\\folder\\V";  // its parent's parent is two quotes
     VolumeOne("V", 2);
     const auto inFolder = [&](std::wstring path) {

@@ -1,4 +1,4 @@
-#include "platform/dll_search.h"
+#include "platform/libraries.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace launcher::test {
+
+// Wine now and then cannot create a process, error 1359, whoever asks. What met it is worth another
+// try: this is the only place that says how often, and whose lines are counted afterwards.
+class Repeats {
+  public:
+    // Whether to try again what `stumbled`. Says so, and why, on the output of the test.
+    bool AreWorthIt(bool stumbled, const char* why = "a process could not be created, error 1359");
+
+  private:
+    int count_ = 0;
+};
+
+}  // namespace launcher::test

@@ -1,0 +1,6 @@
+#pragma once
+#include_next <time.h>
+struct timespec {
+    time_t tv_sec;
+    long tv_nsec;
+};
