@@ -20,16 +20,10 @@ bool LiesIn(const std::string& folder, const Path& ancestor) {
     return inner.starts_with(InLowerCase(ancestor.Text()) + kBackslash);
 }
 
-// The launcher's search depends on the current folder then.
-void CheckDriveRoot(const Path& first, Findings& out) {
-    if (IsEmpty(Parent(first))) out.Add("volumes-at-drive-root", first);
-}
-
-// Why the launcher does not find all volumes of a set. It tries three layouts, one after the other:
-// the first of which something is there is what the maker meant.
-class Incomplete {
+// The volumes at the places where the launcher looks for them.
+class Volumes {
   public:
-    Incomplete(const Subject& subject, const DiscSet& set, Findings& out)
+    Volumes(const Subject& subject, const DiscSet& set, Findings& out)
         : subject_(subject), set_(set), out_(out), parent_(ParentOfVolumes(set.first)) {
         for (const auto& [number, marker] : MarkersMeantIn(set.first))
             if (IsLater(number)) inFirst_.insert(number);
@@ -42,21 +36,30 @@ class Incomplete {
         });
     }
 
-    void Explain() {
+    void Check() {
         CheckMarkerText(MarkerIn(set_.first, 1), out_);
-        if (!inFirst_.empty())
-            ExplainOneFolder();
-        else if (!beside_.empty() || !misnamed_.empty())
-            ExplainSiblings();
-        else if (!ExplainOuterVolumes(set_, out_))
+        const Layout layout = MeantLayout();
+        if (layout == Layout::OneFolder)
+            CheckOneFolder();
+        else if (layout == Layout::Siblings)
+            CheckSiblings();
+        else if (!CheckOuterVolumes(set_, out_))
             ReportElsewhere();
     }
 
   private:
+    // The launcher tries three layouts, one after the other: when it does not find all volumes, the
+    // first of which something is there is what the maker meant.
+    Layout MeantLayout() const {
+        if (subject_.view.layout != Layout::Incomplete) return subject_.view.layout;
+        if (!inFirst_.empty()) return Layout::OneFolder;
+        return beside_.empty() && misnamed_.empty() ? Layout::Outer : Layout::Siblings;
+    }
+
     bool IsLater(VolumeNumber number) const { return number > 1 && number <= set_.count; }
     Path Beside(VolumeNumber k) const { return Join(parent_, std::to_string(k)); }
 
-    void ExplainOneFolder() {
+    void CheckOneFolder() {
         MissingVolumes missing(2, set_.count);
         for (const VolumeNumber k : inFirst_)
             if (CheckVolume(set_, k, set_.first, out_)) missing.Remove(k);
@@ -69,7 +72,7 @@ class Incomplete {
         if (areMixed) out_.Add("volumes-mixed-layouts", set_.first);
     }
 
-    void ExplainSiblings() {
+    void CheckSiblings() {
         MissingVolumes missing(2, set_.count);
         for (const VolumeNumber k : beside_)
             if (CheckVolume(set_, k, Beside(k), out_)) missing.Remove(k);
@@ -79,7 +82,8 @@ class Incomplete {
                      {std::to_string(k), FileName(folder)});
         }
         if (missing.Total() > 0) ReportMissing(missing, Beside(missing.First()));
-        CheckDriveRoot(set_.first, out_);
+        // The launcher's search depends on the current folder then.
+        if (IsEmpty(Parent(set_.first))) out_.Add("volumes-at-drive-root", set_.first);
     }
 
     void ReportMissing(const MissingVolumes& missing, const Path& folder) {
@@ -105,14 +109,6 @@ class Incomplete {
     std::map<VolumeNumber, Path> misnamed_;  // folders beside it under other names
 };
 
-void CheckComplete(const Subject& subject, const DiscSet& set, Findings& out) {
-    VolumeNumber number = 0;
-    for (const std::string& folder : subject.view.folders)
-        CheckMarkerText(MarkerIn(Path(folder), ++number), out);
-    if (subject.view.layout == Layout::Outer) CheckOuterVolumes(set, out);
-    if (subject.view.layout == Layout::Siblings) CheckDriveRoot(set.first, out);
-}
-
 // Given folders that the launcher does without.
 void CheckGiven(const Subject& subject, Findings& out) {
     for (const Path& folder : subject.set.given) {
@@ -128,19 +124,17 @@ void CheckGiven(const Subject& subject, Findings& out) {
 
 void CheckVolumes(const Subject& subject, Findings& out) {
     const LauncherView& view = subject.view;
-    if (view.layout != Layout::Incomplete) CheckGiven(subject, out);
+    const bool isIncomplete = view.layout == Layout::Incomplete;
+    if (!isIncomplete) CheckGiven(subject, out);
     if (view.layout == Layout::NotSplit || !view.count) return;
     const DiscSet set{subject.Media(), view.id, view.count->count};
     const std::size_t before = out.Sorted().size();
-    if (view.layout != Layout::Incomplete)
-        CheckComplete(subject, set, out);
-    else if (set.id.empty())
+    if (set.id.empty())
         CheckVolume(set, 1, set.first, out);
     else
-        Incomplete(subject, set, out).Explain();
+        Volumes(subject, set, out).Check();
     // No set that the launcher cannot put together ever passes as clean.
-    if (view.layout == Layout::Incomplete && out.Sorted().size() == before)
-        out.Add("volumes-not-found", set.first);
+    if (isIncomplete && out.Sorted().size() == before) out.Add("volumes-not-found", set.first);
 }
 
 }  // namespace launcher::mediatool

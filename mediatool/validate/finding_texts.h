@@ -114,27 +114,25 @@ inline constexpr FindingText kTexts[] = {
     {"root-entry-unreadable", Warning, "%1 cannot be read.", kCopyWouldFail, kReadable},
     {"root-entry-unreadable/copied", Error, "%1 cannot be read.", kCopyFails, kReadable},
     {"inst-missing", Error, "The folder inst is missing.", kNotForWindows,
-     "Add the folder with the installer or its markers."},
+     "Add the folder with the installer or its flavour markers."},
     {"inst-is-file", Error, "inst is a file.", kNotForWindows,
-     "Put the folder with the installer or its markers in its place."},
+     "Put the folder with the installer or its flavour markers in its place."},
 
     // The installers, one for each kind of Windows.
-    {"not-for-windows", Error, "inst holds neither an installer nor a marker for Windows.",
+    {"not-for-windows", Error, "inst holds neither an installer nor a flavour marker.",
      "The launcher refuses the medium on every Windows: \"This media is not for Windows operating "
      "system.\"",
      "Add inst\\win_b64\\code\\bin\\ZEPInsAppliGUI.exe, or inst\\common\\win_b64.installos when "
-     "the "
-     "installer comes on a medium of its own."},
+     "the installer comes on a medium of its own."},
     {"not-for-32-bit-windows", Note, "There is no installer for 32-bit Windows.",
      "The launcher refuses the medium there.",
      "Nothing, unless 32-bit Windows is to be served: then add inst\\intel_a."},
     {"only-32-bit-installer", Note, "There is only the 32-bit installer.",
      "64-bit Windows uses it too.",
      "Nothing, unless 64-bit Windows is to get one of its own: then add inst\\win_b64."},
-    {"installer-on-other-media", Note, "There are markers, but no installer.",
+    {"installer-on-other-media", Note, "There are flavour markers, but no installer.",
      "The launcher asks for the folder of the installer medium in a dialog, where an unattended "
-     "run "
-     "waits for ever.",
+     "run waits for ever.",
      "Tell administrators of -installerPath and ZEP_TALVOR_Installer."},
     {"installer-never-used", Note, "win_csa64 and win_b64 both have an installer.",
      "The launcher takes the one in win_b64.", "Nothing, or remove the other."},
@@ -154,8 +152,7 @@ inline constexpr FindingText kTexts[] = {
     {"installer-in-two-places", Warning,
      "There is an installer below the folder 1 as well as below inst.",
      "From a separate installer medium, the launcher takes the one below 1; from the medium "
-     "itself, "
-     "the other.",
+     "itself, the other.",
      "Keep one of them."},
     {"installer-is-folder", Error, "The installer is a folder.", kStartFails, kPutInstaller},
     {"installer-empty", Error, "The installer is empty.", kStartFails, kPutInstaller},
@@ -181,17 +178,17 @@ inline constexpr FindingText kTexts[] = {
      "Put the medium into a folder with a shorter path."},
 
     // The markers that say which Windows a medium is for.
-    {"flavour-marker-missing", Note, "There is an installer for %1, but not its marker.",
+    {"flavour-marker-missing", Note, "There is an installer for %1, but not its flavour marker.",
      "With ZEP_UseExternalInstaller set, the launcher refuses the medium.",
      "Add an empty file of this name."},
-    {"flavour-marker-is-folder", Warning, "The marker is a folder.",
+    {"flavour-marker-is-folder", Warning, "The flavour marker is a folder.",
      "The launcher takes it all the same; other programs may not.",
      "Put an empty file in its place."},
-    {"flavour-marker-double-extension", Error, "The name of the marker goes on after .installos.",
-     kMarkerUnseen, "Rename it to %1."},
-    {"flavour-marker-unknown", Warning, "No Windows goes with the name of this marker.",
+    {"flavour-marker-double-extension", Error,
+     "The name of the flavour marker goes on after .installos.", kMarkerUnseen, "Rename it to %1."},
+    {"flavour-marker-unknown", Warning, "No Windows goes with the name of this flavour marker.",
      kMarkerUnseen, "Use win_b64.installos, win_csa64.installos or intel_a.installos."},
-    {"flavour-marker-misplaced", Error, "The marker is in the wrong folder.",
+    {"flavour-marker-misplaced", Error, "The flavour marker is in the wrong folder.",
      "The launcher looks for it in inst\\common only.", "Move it there."},
 
     // The count file, inst\volumes.txt.
@@ -376,8 +373,7 @@ inline constexpr FindingText kTexts[] = {
      "Nothing, unless a script of yours names it."},
     {"path-too-long-in-copy", Warning, kTooLong,
      "A copy to the temporary folder, made when volumes are missing, would fail for users with "
-     "long "
-     "names.",
+     "long names.",
      kShorten},
     {"path-too-long-in-copy/copied", Error, kTooLong,
      "The medium is copied to the temporary folder before the installer starts, and the copy fails "

@@ -61,7 +61,7 @@ class OuterVolumes {
     OuterVolumes(const DiscSet& inner, const OuterMarker& first, Findings& out)
         : inner_(inner), first_(first), out_(out), set_(OuterSetOf(inner.first, first)) {}
 
-    void Explain() {
+    void Check() {
         CheckMarkerText(first_.File(), out_);
         if (set_.id.empty()) return;
         const Path parent = Parent(set_.folder);
@@ -73,12 +73,6 @@ class OuterVolumes {
             if (IsFolder(OuterVolumeFolder(set_, number))) CheckVolumeIn(number);
         });
         if (missing_.Total() > 0) ReportMissing();
-    }
-
-    void Check() {
-        CheckMarkerText(first_.File(), out_);
-        for (VolumeNumber number = set_.first + 1; number <= Last(); ++number)
-            CheckMarkerText(MarkerOf(number), out_);
         if (set_.id == inner_.id) out_.Add("outer-id-same", first_.File());
     }
 
@@ -161,7 +155,7 @@ void CheckFirstMarkers(const std::vector<OuterMarker>& markers, Findings& out) {
 
 }  // namespace
 
-bool ExplainOuterVolumes(const DiscSet& set, Findings& out) {
+bool CheckOuterVolumes(const DiscSet& set, Findings& out) {
     std::vector<OuterMarker> markers = NearestMarkers(set.first);
     if (markers.empty()) return ReportOverlooked(set, out) || ReportUnmarked(set, out);
     while (!markers.empty()) {
@@ -169,20 +163,12 @@ bool ExplainOuterVolumes(const DiscSet& set, Findings& out) {
         RemoveStrays(set, markers, out);
         if (!markers.empty()) {
             CheckFirstMarkers(markers, out);
-            OuterVolumes(set, markers.front(), out).Explain();
+            OuterVolumes(set, markers.front(), out).Check();
             return true;
         }
         markers = NearestMarkers(folder);  // what the strays hide
     }
     return ReportUnmarked(set, out);
-}
-
-void CheckOuterVolumes(const DiscSet& set, Findings& out) {
-    std::vector<OuterMarker> markers = NearestMarkers(set.first);
-    RemoveStrays(set, markers, out);
-    if (markers.empty()) return;
-    CheckFirstMarkers(markers, out);
-    OuterVolumes(set, markers.front(), out).Check();
 }
 
 }  // namespace launcher::mediatool

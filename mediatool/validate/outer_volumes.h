@@ -5,13 +5,8 @@
 
 namespace launcher::mediatool {
 
-// The numbered outer volumes that a disc set may be nested in.
-
-// Why the launcher does not find the volumes of the set there. False when nothing there was meant
-// to be an outer volume.
-bool ExplainOuterVolumes(const DiscSet& set, Findings& out);
-
-// What may be wrong with those of a set whose volumes it finds.
-void CheckOuterVolumes(const DiscSet& set, Findings& out);
+// Reports what is wrong with the numbered outer volumes that a disc set is nested in. False, and
+// nothing reported but stray markers, when nothing above it was meant to be an outer volume.
+bool CheckOuterVolumes(const DiscSet& set, Findings& out);
 
 }  // namespace launcher::mediatool

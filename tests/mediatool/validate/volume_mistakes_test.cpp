@@ -1,6 +1,6 @@
 // Every kind of mistake in the volumes of a split media and their markers.
 
-#include "tests/mediatool/mistake_row.h"
+#include "tests/mediatool/validate/mistake_row.h"
 
 namespace launcher::test {
 namespace {

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include "mediatool/base/failures.h"
-#include "tests/mediatool/mistake_row.h"
+#include "tests/mediatool/validate/mistake_row.h"
 #include "tests/support/wine.h"
 
 namespace launcher::test {

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "tests/mediatool/mistake_row.h"
+#include "tests/mediatool/validate/mistake_row.h"
 #include "tests/support/wine.h"
 
 namespace launcher::test {

@@ -8,7 +8,7 @@
 #include "fs/owners.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
-#include "tests/mediatool/mistake_row.h"
+#include "tests/mediatool/validate/mistake_row.h"
 #include "tests/support/hook.h"
 #include "tests/support/links.h"
 
