@@ -137,9 +137,9 @@ std::optional<OuterSet> FindOuterSet(const LaunchOptions& options) {
 // True when a pass settles the whole search: complete, as `layout`, or incomplete. False when only
 // volume 1 was found and the next layout must be tried.
 bool Settles(Pass pass, VolumeLayout layout, const SplitMedia& media, FoundVolumes& found) {
+    found.folders = std::move(pass.folders);
     if (pass.found == media.count && !pass.mismatch) {
         found.layout = layout;
-        found.folders = std::move(pass.folders);
         return true;
     }
     if (!pass.mismatch && pass.found > 1)

@@ -52,7 +52,8 @@ struct FoundVolumes {
     std::optional<VolumeCount> count;  // nothing when "volumes.txt" was not read
     std::string id;                    // of a split media, from the marker of volume 1
     std::optional<OuterSet> outer;
-    std::vector<std::string> folders;  // of volumes 2 to N, in the layouts of several folders
+    std::vector<std::string> folders;  // of volumes 2 to N, in the layouts of several folders; of
+                                       // those that were found when some are missing
 };
 
 // Searches for the volumes of the media in `mediaDir`, the folder of volume 1. What it finds, and

@@ -1,9 +1,9 @@
 #!/bin/sh
 # What the project checks for itself, apart from the tests: the style, the direction of the includes,
-# three linters, every compiler and target that Debian has with warnings as errors, the fuzzers' kept
-# inputs, two builds with the same bytes, the release folder with its licence texts and bill of
-# materials, the table of the executables' Windows calls, and the demo. Both programs that ship pass all
-# of it. Everything it does is in build/logs.
+# three linters, every compiler and target that Debian has with warnings as errors, Visual C++'s mode,
+# the fuzzers' kept inputs, two builds with the same bytes, the release folder with its licence texts
+# and bill of materials, and the table of the executables' Windows calls. Both programs that ship pass
+# all of it. Everything it does is in build/logs.
 set -eu
 cd "$(dirname "$0")/.."
 . tools/steps.sh
@@ -53,6 +53,7 @@ for preset in clang clang-debug mingw-debug mingw32-debug; do
     step "build with $preset" build_variant "$preset"
 done
 step "fuzzing, the kept inputs" tools/fuzz.sh replay
+step "as Visual C++ reads it" tools/check-msvc.sh
 step "clang-tidy" clang_tidy
 step "cppcheck" run_cppcheck
 step "reproducible" tools/check-reproducible.sh
@@ -61,6 +62,5 @@ step "licence texts and bill of materials" tools/check-third-party.sh \
     "$(ls -td dist/media-launcher-* | head -n 1)"
 step "their check" tests/tools/third_party_test.sh
 step "table of Windows calls" tools/check-windows-calls.py build/package-mingw/launcher/setup.exe \
-    build/package-mediatool/mediatool.exe
+    build/package-tools/mediatool/mediatool.exe
 step "build of the soak run" build_soak_run
-step "demo" ./demo.sh

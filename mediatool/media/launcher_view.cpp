@@ -33,7 +33,7 @@ LauncherView ViewOf(const Path& media) {
     view.folders = {media.Text()};
     if (view.layout == Layout::OneFolder)
         view.folders.assign(static_cast<std::size_t>(found.count->count), media.Text());
-    else
+    else if (view.layout != Layout::Incomplete)
         view.folders.insert(view.folders.end(), found.folders.begin(), found.folders.end());
     view.copies = view.layout == Layout::Incomplete;
     return view;

@@ -32,7 +32,6 @@ Outcome Resolve(const std::string& mediaDir, bool softMgt) {
     options.softMgt = softMgt;
     Outcome outcome;
     outcome.result = ResolveVolumes(options, outcome.volumes);
-    if (outcome.result < 2) outcome.volumes.clear();  // without meaning then
     outcome.skipTemporaryCopy = options.skipTemporaryCopy;
     outcome.messages = journal;
     outcome.volumesCount = GetEnvVar("ZEPAdmInstVolumesCount");

@@ -16,7 +16,7 @@ namespace launcher::test {
 struct Outcome {
     int result = 0;
     bool skipTemporaryCopy = false;
-    std::vector<std::string> volumes = {};   // when there are several
+    std::vector<std::string> volumes = {};   // found in folders of their own
     std::vector<std::string> messages = {};  // journal lines (fake_messages.h)
     std::string volumesCount = {};           // "ZEPAdmInstVolumesCount"
     std::string mtbDir = {};                 // "ZEPAdmInstMTBDIR"
@@ -74,11 +74,15 @@ class VolumesTest : public testing::Test {
         return Warning("Missing volumes. Please make sure you copied everything correctly.");
     }
 
-    // The outcome of a search that ended with 0 after it knew the media's id.
-    static Outcome Failed(int count, std::vector<std::string> messages) {
+    // The outcome of a search that ended with 0 after it knew the media's id. The volumes are those
+    // found before that.
+    static Outcome Failed(int count, std::vector<std::string> messages,
+                          std::vector<std::string> volumes = {}) {
         messages.insert(messages.begin(), Composed(std::to_string(count)));
-        return {
-            .messages = std::move(messages), .volumesCount = std::to_string(count), .mtbDir = "X"};
+        return {.volumes = std::move(volumes),
+                .messages = std::move(messages),
+                .volumesCount = std::to_string(count),
+                .mtbDir = "X"};
     }
 
     const TemporaryFolder folder_;

@@ -101,7 +101,7 @@ class Model {
         }
         const bool complete = !foreign && static_cast<int>(own.size()) == count_ - 1;
         if (complete) End(resultWhenComplete);
-        if (complete && resultWhenComplete > 1) out.volumes = own;
+        if (resultWhenComplete > 1) out.volumes = own;
         return foreign || !own.empty();
     }
 

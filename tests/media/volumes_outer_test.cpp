@@ -30,8 +30,9 @@ class OuterVolumesTest : public VolumesTest {
                           const std::vector<std::string>& volumes = {}) const {
         Outcome outcome = Failed(count, {Found(1, "Q/7/R/V"), FoundOuter(7, "Q/7")});
         outcome.messages.insert(outcome.messages.end(), messages.begin(), messages.end());
-        outcome.result = volumes.empty() ? 0 : count;
-        outcome.skipTemporaryCopy = !volumes.empty();
+        const bool complete = static_cast<int>(volumes.size()) == count - 1;
+        outcome.result = complete ? count : 0;
+        outcome.skipTemporaryCopy = complete;
         outcome.volumes = volumes;
         outcome.mtbDir = "Y";
         outcome.firstOuterVolume = "7";
@@ -72,17 +73,19 @@ TEST_F(OuterVolumesTest, MissVolumes) {
     Nested(4);
     Outer(9, "Y", 3, "X");
     Marker("Q/8/R/2", 2, "X");
-    EXPECT_EQ(Resolve(At("Q/7/R/V")),
-              NestedOutcome(4, {FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3"), Missing()}));
+    EXPECT_EQ(
+        Resolve(At("Q/7/R/V")),
+        NestedOutcome(4, {FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3"), Missing()}, {At("Q/9/R/3")}));
 }
 
 TEST_F(OuterVolumesTest, OfAnotherSetAreNamedAndNotEntered) {
     Nested(3);
     Outer(8, "y", 2, "X");
     Outer(9, "Y", 3, "X");
-    EXPECT_EQ(Resolve(At("Q/7/R/V")),
-              NestedOutcome(3, {Foreign("AM volume 8", "y", "Q/8", "Y"), FoundOuter(9, "Q/9"),
-                                Found(3, "Q/9/R/3")}));
+    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(3,
+                                                    {Foreign("AM volume 8", "y", "Q/8", "Y"),
+                                                     FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3")},
+                                                    {At("Q/9/R/3")}));
 }
 
 TEST_F(OuterVolumesTest, MayHoldAForeignVolume) {
@@ -90,8 +93,10 @@ TEST_F(OuterVolumesTest, MayHoldAForeignVolume) {
     Outer(8, "Y", 2, "Y");
     Outer(9, "Y", 3, "X");
     EXPECT_EQ(Resolve(At("Q/7/R/V")),
-              NestedOutcome(3, {FoundOuter(8, "Q/8"), Foreign("Volume 2", "Y", "Q/8/R/2", "X"),
-                                FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3")}));
+              NestedOutcome(3,
+                            {FoundOuter(8, "Q/8"), Foreign("Volume 2", "Y", "Q/8/R/2", "X"),
+                             FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3")},
+                            {At("Q/9/R/3")}));
 }
 
 TEST_F(OuterVolumesTest, TakeUnreadableMarkersForMissing) {
@@ -101,8 +106,10 @@ TEST_F(OuterVolumesTest, TakeUnreadableMarkersForMissing) {
     Marker("Q/10", 10, "Y");
     folder_.MakeDir("Q/10/R/4/4.txt");
     const FileHandle outerLock = Lock("Q/8/8.txt");
-    EXPECT_EQ(Resolve(At("Q/7/R/V")), NestedOutcome(4, {FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3"),
-                                                        FoundOuter(10, "Q/10"), Missing()}));
+    EXPECT_EQ(Resolve(At("Q/7/R/V")),
+              NestedOutcome(
+                  4, {FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3"), FoundOuter(10, "Q/10"), Missing()},
+                  {At("Q/9/R/3")}));
 }
 
 TEST_F(OuterVolumesTest, NeedAnIdInTheFirstMarker) {

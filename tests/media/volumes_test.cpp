@@ -182,8 +182,10 @@ TEST_F(SiblingTest, NamesEveryForeignVolumeAndEnds) {
     Marker("Q/7/3", 3, "X");
     Marker("Q/7/4", 4, "X\t");
     EXPECT_EQ(Resolve(At("Q/7/V")),
-              Failed(4, {Found(1, "Q/7/V"), Foreign("Volume 2", "Z", "Q/7/2", "X"),
-                         Found(3, "Q/7/3"), Foreign("Volume 4", "X\t", "Q/7/4", "X")}));
+              Failed(4,
+                     {Found(1, "Q/7/V"), Foreign("Volume 2", "Z", "Q/7/2", "X"), Found(3, "Q/7/3"),
+                      Foreign("Volume 4", "X\t", "Q/7/4", "X")},
+                     {At("Q/7/3")}));
 }
 
 // A marker that cannot be read is none.
@@ -193,7 +195,8 @@ TEST_F(SiblingTest, MissesVolumesThatLieElsewhere) {
         Marker("P/" + std::to_string(k), k, "X");
     const FileHandle lock = Lock("P/2/2.txt");
     folder_.MakeDir("P/4/4.txt");
-    EXPECT_EQ(Resolve(At("P/V")), Failed(4, {Found(1, "P/V"), Found(3, "P/3"), Missing()}));
+    EXPECT_EQ(Resolve(At("P/V")),
+              Failed(4, {Found(1, "P/V"), Found(3, "P/3"), Missing()}, {At("P/3")}));
 }
 
 class ExportedVolumesTest : public IsolatedTest {};

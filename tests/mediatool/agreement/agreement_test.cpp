@@ -298,9 +298,9 @@ class Agreement : public testing::TestWithParam<unsigned> {
     std::map<std::string, std::string> variables_;
 
     static inline std::size_t compared = 0;
-    static inline std::vector<Tally> tallies = {{"started", 3},
+    static inline std::vector<Tally> tallies = {{"started", 5},
                                                 {"refused", 5},
-                                                {"copies", 8},
+                                                {"copies", 10},
                                                 {"failed copies", 10},
                                                 {"failed starts", 10},
                                                 {"dialogs", 10},

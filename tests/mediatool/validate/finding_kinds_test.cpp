@@ -51,7 +51,7 @@ TEST(FindingKinds, AreListedWithTheirSeveritiesInTheDocumentation) {
 TEST(FindingKinds, HaveATestEach) {
     std::string tests;
     for (const auto& entry :
-         stdfs::directory_iterator(FromUtf8(SOURCE_FOLDER) / "tests" / "mediatool" / "validate"))
+         stdfs::recursive_directory_iterator(FromUtf8(SOURCE_FOLDER) / "tests" / "mediatool"))
         if (entry.path().extension() == ".cpp") tests += ReadFile(entry.path());
     for (const auto& [identifier, severities] : KindsOfTheTable())
         EXPECT_NE(tests.find("\"" + identifier + "\""), std::string::npos) << identifier;
