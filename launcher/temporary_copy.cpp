@@ -16,10 +16,6 @@ namespace {
 
 constexpr char kOriginalMediaDirVar[] = "ZEPAdmInstOriginalMediaDir";
 
-// The installer's part of a media, in the order in which it is copied. All are required.
-constexpr const char* kMediaEntries[] = {kInstFolder, "meta.TOCxml",  "media.xml",      "media.db",
-                                         "setup.exe", "StartTUI.exe", "setup_noUAC.exe"};
-
 void CopyMediaEntries(const LaunchOptions& options, const std::string& temporaryDir) {
     try {
         for (const std::string entry : kMediaEntries)

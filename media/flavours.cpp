@@ -22,18 +22,23 @@ constexpr KnownFlavour kKnownFlavours[] = {
 
 }  // namespace
 
-std::vector<Flavour> MediaFlavours(const LaunchOptions& options) {
-    const Path& media = options.mediaDir;
-    const std::string givenMarker = GetEnvVar("ZEPAdmInstODTinstallOSpath");
+std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName) {
     std::vector<Flavour> flavours;
     for (const auto& [osFolder, needs64BitWindows] : kKnownFlavours) {
-        const std::string markerName = std::string(osFolder) + ".installos";
+        const std::string markerName = std::string(osFolder) + kFlavourMarkerExtension;
         flavours.push_back({osFolder, needs64BitWindows,
-                            InstallerExecutable(media, osFolder, options.installerExeName).Text(),
-                            givenMarker.empty()
-                                ? Join(media, {kInstFolder, kCommonFolder, markerName}).Text()
-                                : givenMarker});
+                            InstallerExecutable(mediaDir, osFolder, exeName).Text(),
+                            Join(mediaDir, {kInstFolder, kCommonFolder, markerName}).Text()});
     }
+    return flavours;
+}
+
+std::vector<Flavour> MediaFlavours(const LaunchOptions& options) {
+    std::vector<Flavour> flavours = FlavoursIn(options.mediaDir, options.installerExeName);
+    const std::string givenMarker = GetEnvVar("ZEPAdmInstODTinstallOSpath");
+    if (givenMarker.empty()) return flavours;
+    for (Flavour& flavour : flavours)
+        flavour.marker = givenMarker;
     return flavours;
 }
 

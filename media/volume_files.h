@@ -3,12 +3,29 @@
 #include <optional>
 #include <string>
 
+#include "fs/path.h"
+#include "media/folder_names.h"
+#include "media/volume_numbers.h"
 #include "media/volume_text.h"
 
 namespace launcher {
 
 // The small files that tie the volumes of a split media together. They are only read, shared with
 // every other reader and writer, and nothing is reported about them.
+
+// "inst\volumes.txt" of volume 1.
+inline Path CountFileIn(const Path& volumeOne) {
+    return Join(volumeOne, {kInstFolder, kCountFile});
+}
+
+// "7.txt", at the root of volume 7.
+inline constexpr char kVolumeMarkerSuffix[] = ".txt";
+inline std::string MarkerName(VolumeNumber number) {
+    return std::to_string(number) + kVolumeMarkerSuffix;
+}
+inline Path MarkerIn(const Path& volume, VolumeNumber number) {
+    return Join(volume, MarkerName(number));
+}
 
 // Both: the value of the first line of a volume's marker file that begins with "MTBDIR=": it names
 // the media that the volume belongs to. Empty when the file cannot be opened, has no such line, or

@@ -27,21 +27,12 @@ struct SplitMedia {
     std::string id;
 };
 
-// The marker of an outer volume, in an ancestor of volume 1's folder.
-struct OuterMarker {
-    VolumeNumber number;
-    std::string fileName;
-    Path folder;
-};
-
-constexpr char kVolumeMarkerSuffix[] = ".txt";
-
 std::string Decimal(VolumeNumber number) {
     return std::to_string(number);
 }
 
 std::string ReadVolumeId(const Path& folder, VolumeNumber number) {
-    return ReadMtbDir(Join(folder, Decimal(number) + kVolumeMarkerSuffix).Text());
+    return ReadMtbDir(MarkerIn(folder, number).Text());
 }
 
 void Trace(const LaunchOptions& options, const std::string& text) {
@@ -95,7 +86,7 @@ Pass SiblingPass(const SplitMedia& media) {
 
 // Looks for the outer volume `m`, and in it for volume `j`.
 void CheckOuterVolume(const SplitMedia& media, const OuterSet& set, VolumeNumber m, Pass& pass) {
-    const Path outer = Join(Parent(set.folder), Decimal(m));
+    const Path outer = OuterVolumeFolder(set, m);
     const std::string id = ReadVolumeId(outer, m);
     if (id.empty()) return;
     if (id != set.id) {
@@ -106,7 +97,7 @@ void CheckOuterVolume(const SplitMedia& media, const OuterSet& set, VolumeNumber
     }
     Trace(media.options, "AM volume " + Decimal(m) + " found in: " + outer.Text());
     const VolumeNumber j = m - set.first + 1;
-    CheckVolumeFolder(media, j, Join(outer, {set.relativePath.Text(), Decimal(j)}), pass);
+    CheckVolumeFolder(media, j, FolderInOuterVolume(set, j), pass);
 }
 
 Pass OuterPass(const SplitMedia& media, const OuterSet& set) {
@@ -114,14 +105,6 @@ Pass OuterPass(const SplitMedia& media, const OuterSet& set) {
     ForEachVolumeNumber(Parent(set.folder), set.first + 1, set.first + media.count - 1, "",
                         [&](VolumeNumber m) { CheckOuterVolume(media, set, m, pass); });
     return pass;
-}
-
-// The number in the name of an outer volume's marker ("7.txt", "42.txt"); below 1 for any other
-// name.
-int OuterMarkerNumber(const std::string& name) {
-    const bool named =
-        (name.size() == 5 || name.size() == 6) && name.ends_with(kVolumeMarkerSuffix);
-    return named ? ToIntOr(name.substr(0, name.size() - 4), -1) : -1;
 }
 
 // The first marker of the nearest ancestor that holds one.
@@ -141,15 +124,14 @@ std::optional<OuterMarker> FindOuterMarker(const Path& mediaDir) {
 std::optional<OuterSet> FindOuterSet(const LaunchOptions& options) {
     const std::optional<OuterMarker> marker = FindOuterMarker(options.mediaDir);
     if (!marker) return std::nullopt;
-    const std::string id = ReadMtbDir(Join(marker->folder, marker->fileName).Text());
-    if (id.empty()) {
+    OuterSet set = OuterSetOf(options.mediaDir, *marker);
+    if (set.id.empty()) {
         TraceWarning(options, "Cannot open " + marker->fileName + " in " + marker->folder.Text());
         Trace(options, "Please make sure you copied and/or extracted everything properly.");
         return std::nullopt;
     }
     Trace(options, "AM volume " + Decimal(marker->number) + " found in: " + marker->folder.Text());
-    return OuterSet{marker->number, id, marker->folder,
-                    RelativePath(Parent(options.mediaDir), marker->folder)};
+    return set;
 }
 
 // True when a pass settles the whole search: complete, as `layout`, or incomplete. False when only
@@ -190,9 +172,23 @@ CopySkipped WhyNotSearched(const LaunchOptions& options) {
 
 }  // namespace
 
+OuterSet OuterSetOf(const Path& mediaDir, const OuterMarker& marker) {
+    return {marker.number, ReadMtbDir(marker.File().Text()), marker.folder,
+            RelativePath(Parent(mediaDir), marker.folder)};
+}
+
+Path OuterVolumeFolder(const OuterSet& set, VolumeNumber outer) {
+    return Join(Parent(set.folder), Decimal(outer));
+}
+
+Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume) {
+    return Join(OuterVolumeFolder(set, set.first + volume - 1),
+                {set.relativePath.Text(), Decimal(volume)});
+}
+
 FoundVolumes FindVolumes(const LaunchOptions& options) {
     FoundVolumes found;
-    const std::string countFile = Join(options.mediaDir, {kInstFolder, kCountFile}).Text();
+    const std::string countFile = CountFileIn(options.mediaDir).Text();
     found.notSearched = WhyNotSearched(options);
     const bool isSearched = PathExists(countFile) && found.notSearched == CopySkipped::No;
     if (isSearched) found.count = ReadVolumeCount(countFile);

@@ -22,6 +22,15 @@ enum class VolumeLayout {
     Incomplete,  // not found: some are missing or foreign, or nobody can tell how many there are
 };
 
+// The marker of an outer volume, in an ancestor of volume 1's folder.
+struct OuterMarker {
+    VolumeNumber number;
+    std::string fileName;
+    Path folder;
+
+    Path File() const { return Join(folder, fileName); }
+};
+
 // The outer set that a media is nested in ("AM" in messages and variables).
 struct OuterSet {
     VolumeNumber first;  // the outer volume that holds volume 1
@@ -29,6 +38,14 @@ struct OuterSet {
     Path folder;        // of that outer volume
     Path relativePath;  // from there to the parent of volume 1's folder
 };
+
+// The set that the outer volume with this marker belongs to; its `id` is empty when the marker has
+// none.
+OuterSet OuterSetOf(const Path& mediaDir, const OuterMarker& marker);
+
+// Where the search expects an outer volume, and in one of them the volume `volume` of the media.
+Path OuterVolumeFolder(const OuterSet& set, VolumeNumber outer);
+Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume);
 
 // What a search for the volumes of a media found, as far as it came.
 struct FoundVolumes {

@@ -7,6 +7,11 @@
 
 namespace launcher {
 
+// The installer's executables: the ordinary one, and those of "--pipeserver" and "--odt".
+inline constexpr char kInstallerName[] = "ZEPInsAppliGUI.exe";
+inline constexpr char kPipeServerName[] = "ZEPInsPipeServer.exe";
+inline constexpr char kOdtName[] = "ZEPInsAppliODT.exe";
+
 // The lookup that found the installer.
 enum class InstallerOrigin { None, CurrentMedia, Option, Variable, Dialog };
 
@@ -36,8 +41,8 @@ class LaunchOptions {
     bool wait;                       // wait for the installer and hand back its exit code
     bool useGui;                     // messages in boxes; the folder dialog may be offered
     bool interactiveSession = true;  // told to the installer
-    // The last console message was a warning or an error. Mutable, as the one thing that showing a
-    // message changes: nobody who only has something to say changes the launch.
+    // The last console message was a warning or an error. Mutable: showing a message changes this
+    // and nothing else.
     mutable bool lastMessageWasProblem = false;
     std::vector<std::string> installerArgs;  // passed on, in command-line order
     std::string installerPath;               // "-installerPath": a media folder, as given
