@@ -143,11 +143,13 @@ const Kinds kKinds = {
     "volumes-on-other-drives",
 };
 
-// What stands in quotes as kinds are written, in the sources below a folder whose names have `part`.
+// What stands in quotes as kinds are written, in the sources below a folder whose names have
+// `part`.
 Kinds QuotedIn(const char* folder, const std::regex& names) {
     static const std::regex kind("\"([a-z0-9]+(-[a-z0-9]+)*)\"");
     Kinds found;
-    for (const auto& entry : stdfs::recursive_directory_iterator(FromUtf8(SOURCE_FOLDER) / folder)) {
+    for (const auto& entry :
+         stdfs::recursive_directory_iterator(FromUtf8(SOURCE_FOLDER) / folder)) {
         if (!std::regex_match(ToUtf8(entry.path().filename()), names)) continue;
         const std::string text = ReadFile(entry.path());
         for (std::sregex_iterator i(text.begin(), text.end(), kind), end; i != end; ++i)
