@@ -20,9 +20,9 @@ constexpr bool IsDirectory(FileType type) {
     return (static_cast<std::uint32_t>(type) & 1) != 0;
 }
 
-// Both: true when `path` names an existing file or folder. False for the empty path and for one that
-// cannot be examined. Throw nothing. The second asks the disk; the first is what the launcher goes
-// by.
+// Both: true when `path` names an existing file or folder. False for the empty path and for one
+// that cannot be examined. Throw nothing. The second asks the disk; the first is what the launcher
+// goes by.
 bool PathExists(const std::string& path);
 bool IsThere(const std::string& path);
 
