@@ -22,24 +22,22 @@ constexpr KnownFlavour kKnownFlavours[] = {
 
 }  // namespace
 
-std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName) {
+std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName,
+                                const std::string& givenMarker) {
     std::vector<Flavour> flavours;
     for (const auto& [osFolder, needs64BitWindows] : kKnownFlavours) {
         const std::string markerName = std::string(osFolder) + kFlavourMarkerExtension;
-        flavours.push_back({osFolder, needs64BitWindows,
-                            InstallerExecutable(mediaDir, osFolder, exeName).Text(),
-                            Join(mediaDir, {kInstFolder, kCommonFolder, markerName}).Text()});
+        flavours.push_back(
+            {osFolder, needs64BitWindows, InstallerExecutable(mediaDir, osFolder, exeName).Text(),
+             givenMarker.empty() ? Join(mediaDir, {kInstFolder, kCommonFolder, markerName}).Text()
+                                 : givenMarker});
     }
     return flavours;
 }
 
 std::vector<Flavour> MediaFlavours(const LaunchOptions& options) {
-    std::vector<Flavour> flavours = FlavoursIn(options.mediaDir, options.installerExeName);
-    const std::string givenMarker = GetEnvVar("ZEPAdmInstODTinstallOSpath");
-    if (givenMarker.empty()) return flavours;
-    for (Flavour& flavour : flavours)
-        flavour.marker = givenMarker;
-    return flavours;
+    return FlavoursIn(options.mediaDir, options.installerExeName,
+                      GetEnvVar("ZEPAdmInstODTinstallOSpath"));
 }
 
 }  // namespace launcher

@@ -28,11 +28,12 @@ constexpr bool Suits(const Flavour& flavour, bool is64BitWindows) {
 }
 
 // The flavours that the media in `mediaDir` may have, the preferred one first, with the places of
-// the installer `exeName`.
-std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName);
+// the installer `exeName`. `givenMarker`, unless it is empty, is the flavour marker of all of them.
+std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName,
+                                const std::string& givenMarker = {});
 
-// Those of this run. While "ZEPAdmInstODTinstallOSpath" is set, its value, as it is given, is the
-// flavour marker of all of them.
+// Those of this run: while "ZEPAdmInstODTinstallOSpath" is set, its value, as it is given, is the
+// marker.
 std::vector<Flavour> MediaFlavours(const LaunchOptions& options);
 
 }  // namespace launcher
