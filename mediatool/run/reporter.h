@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+#include "mediatool/run/log_file.h"
+#include "mediatool/run/run.h"
+#include "mediatool/run/status_line.h"
+
+namespace launcher::mediatool {
+
+// Tells what happens in a run at once: on the standard output and in the log, each line with the
+// time and with where it comes from.
+class Reporter final : public Witness {
+  public:
+    // An empty `log` is none. With `onlyLog`, the standard output is for others. Throws BadInput.
+    Reporter(const std::string& log, bool onlyLog);
+
+    // The heading of the log, with the launcher's command line. Throws BadInput when it cannot be
+    // written.
+    void Begin(const std::string& commandLine);
+    // A sentence of mediatool's own, which goes to the standard error stream as well as to the log.
+    void Say(const std::string& sentence);
+    // The summary.
+    void Conclude(const WatchedRun& run, const RunRequest& request);
+
+    void Saw(const SeenLine& line) override;
+    void Saw(const AnsweredBox& box) override;
+    void TimePassed(std::uint64_t milliseconds) override;
+
+  private:
+    void Tell(Moment at, const std::string& source, const std::string& text);
+    void Log(const std::string& text);
+
+    LogFile log_;
+    std::string logName_;
+    bool logFailed_ = false;
+    bool onlyLog_;
+    StatusLine status_;
+    std::string last_;  // message
+};
+
+}  // namespace launcher::mediatool

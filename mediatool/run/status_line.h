@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace launcher::mediatool {
+
+// On a terminal, the last line: how much time has passed, and the last message. It stands on the
+// standard error stream; nothing is shown anywhere else.
+class StatusLine {
+  public:
+    StatusLine() = default;
+    StatusLine(const StatusLine&) = delete;
+    StatusLine& operator=(const StatusLine&) = delete;
+    ~StatusLine() { Clear(); }
+
+    // Writes it over the one before, once a second.
+    void Show(std::uint64_t milliseconds, const std::string& message);
+    // Takes it away, so that other lines can be printed.
+    void Clear();
+
+  private:
+    std::size_t shown_ = 0;              // characters
+    std::uint64_t second_ = UINT64_MAX;  // that is shown
+};
+
+}  // namespace launcher::mediatool
