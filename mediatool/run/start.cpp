@@ -68,9 +68,10 @@ Family StartFamily(const std::string& program, const std::string& commandLine, H
     startup.lpAttributeList = handles.List();
     const std::wstring path = ToWide(program);
     std::wstring line = ToWide(commandLine);  // Windows may write into it
+    // Windows gives a program with windows no console. Wine would give it this one, and Ctrl+C.
+    constexpr DWORD kFlags = CREATE_SUSPENDED | EXTENDED_STARTUPINFO_PRESENT | DETACHED_PROCESS;
     PROCESS_INFORMATION created{};
-    if (!CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE,
-                        CREATE_SUSPENDED | EXTENDED_STARTUPINFO_PRESENT, nullptr, nullptr,
+    if (!CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, kFlags, nullptr, nullptr,
                         &startup.StartupInfo, &created))
         ThrowNotStarted(program);
     const KernelObject thread(created.hThread);

@@ -1,5 +1,5 @@
-// The dry run against the launcher itself: both get the same media, command line and environment,
-// made from a number, and have to come to the same end.
+// The dry run and the watched run against the launcher itself: all get the same media, command line
+// and environment, made from a number, and have to come to the same end.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -200,6 +200,43 @@ class Agreement : public testing::TestWithParam<unsigned> {
         }
         // Nothing is left of the dry run.
         EXPECT_EQ(TreeBelow(real.temp).files, copied.files);
+
+        line[0] = "run";
+        CompareWatched(Watched(line, work.Dir(), variables), real, dry);
+    }
+
+    static Json Watched(const std::vector<std::string>& line, const stdfs::path& folder,
+                        const std::map<std::string, std::string>& variables) {
+        for (int repeats = 0;; ++repeats) {
+            const MediatoolRun run = RunMediatool(line, folder, variables);
+            const Json watched = Json::parse(run.output);
+            EXPECT_EQ(run.exitCode, watched["exitCode"]);
+            if (repeats == 3 || !StumbledOverWine(WatchedBoxes(watched, false))) return watched;
+        }
+    }
+
+    static std::vector<std::string> WatchedBoxes(const Json& watched, bool dialogs) {
+        std::vector<std::string> texts;
+        for (const Json& box : watched["boxes"])
+            if (box["dialog"] == dialogs) texts.push_back(box["text"]);
+        return WithoutUuid(texts);
+    }
+
+    // Those of one of the streams, as they were in it.
+    static std::string WatchedLines(const Json& watched, const std::string& name) {
+        std::string text;
+        for (const Json& line : watched["lines"])
+            if (line["stream"] == name) text += line["text"].get<std::string>() + "\n";
+        return WithoutUuid(text);
+    }
+
+    static void CompareWatched(const Json& watched, const LauncherRun& real, const Json& dry) {
+        EXPECT_EQ(watched["endedBy"], "launcher");
+        EXPECT_EQ(watched["exitCode"], real.exitCode);
+        EXPECT_EQ(WatchedBoxes(watched, true).size(), Boxes(dry, true).size());
+        EXPECT_EQ(WatchedBoxes(watched, false), WithoutUuid(real.BoxTexts()));
+        EXPECT_EQ(WatchedLines(watched, "output"), WithoutUuid(WithoutCr(real.output)));
+        EXPECT_EQ(WatchedLines(watched, "errors"), WithoutUuid(WithoutCr(real.errors)));
     }
 
     static void CompareEnd(const LauncherRun& real, const Json& dry, const Case& made) {
