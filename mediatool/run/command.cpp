@@ -1,16 +1,13 @@
 #include "mediatool/run/command.h"
 
-#include <nlohmann/json.hpp>
 #include <utility>
 
-#include "mediatool/base/console.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/media/media_set.h"
 #include "mediatool/run/command_line.h"
 #include "mediatool/run/interruption.h"
-#include "mediatool/run/report.h"
 #include "mediatool/run/reporter.h"
 #include "mediatool/run/start.h"
 #include "mediatool/run/time_limit.h"
@@ -58,7 +55,6 @@ int RunCommand::Run(std::vector<std::string> launcherArguments) {
             reporter.Say("Without -wait, only the launcher is waited for, not the installer.");
         const WatchedRun run = RunWatched(request, interruption, reporter);
         reporter.Conclude(run, request);
-        if (json_) PrintOut(Printed(JsonOf(run)));
         return static_cast<int>(run.exitCode);
     } catch (const NotStarted& failure) {
         reporter.Say(failure.what());

@@ -1,9 +1,11 @@
 #include "mediatool/run/reporter.h"
 
+#include <nlohmann/json.hpp>
+
 #include "fs/text.h"
-#include "mediatool/base/console.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/json.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/run/report.h"
 
@@ -26,14 +28,23 @@ std::string SourceOf(Origin origin) {
     return "installer";
 }
 
+// Further lines of a text stand under its first.
+std::string LineOf(Moment at, const std::string& source, const std::string& text) {
+    std::string line = ClockText(at) + "  " + source;
+    line.append(kSourceWidth - source.size(), ' ');
+    std::string indented = WithoutLineEnds(text);
+    ReplaceAll(indented, "\n", "\n" + std::string(kClockWidth + kSourceWidth, ' '), 0);
+    return line + indented + "\n";
+}
+
 LogFile OpenLog(const std::string& path) {
     return path.empty() ? LogFile() : LogFile(path);
 }
 
 }  // namespace
 
-Reporter::Reporter(const std::string& log, bool onlyLog)
-    : log_(OpenLog(log)), logName_(log), onlyLog_(onlyLog) {}
+Reporter::Reporter(const std::string& log, bool json)
+    : log_(OpenLog(log)), logName_(log), json_(json) {}
 
 void Reporter::Begin(const std::string& commandLine) {
     if (log_.Add("==== " + DateAndClockText(Now()) + "  " + commandLine + "\n")) return;
@@ -43,42 +54,43 @@ void Reporter::Begin(const std::string& commandLine) {
 
 void Reporter::Say(const std::string& sentence) {
     status_.Clear();
-    PrintError("mediatool: " + sentence + "\n");
-    Log(ClockText(Now()) + "  mediatool  " + sentence + "\n");
+    screen_.Error("mediatool: " + sentence + "\n");
+    Log(LineOf(Now(), "mediatool", sentence));
 }
 
 void Reporter::Conclude(const WatchedRun& run, const RunRequest& request) {
     status_.Clear();
-    if (!onlyLog_) PrintOut(TextOf(run, request, /*coloured=*/true));
+    screen_.Out(json_ ? Printed(JsonOf(run)) : TextOf(run, request, /*coloured=*/true));
     Log(TextOf(run, request, /*coloured=*/false));
 }
 
-void Reporter::Saw(const SeenLine& line) {
-    Tell(line.at, SourceOf(line.origin), line.text);
+// All together: each piece of the log waits for the disk.
+void Reporter::Saw(const std::vector<SeenLine>& lines) {
+    std::string told;
+    for (const SeenLine& line : lines)
+        told += LineOf(line.at, SourceOf(line.origin), line.text);
+    last_ = lines.back().text;
+    Tell(told);
 }
 
 void Reporter::Saw(const AnsweredBox& box) {
-    Tell(box.at, box.box.dialog ? "dialog" : "box", box.box.text);
-    if (box.box.dialog) Tell(box.at, "", kDialogRemedy);
+    last_ = box.box.text;
+    if (box.box.dialog)
+        Tell(LineOf(box.at, "dialog", box.box.text) + LineOf(box.at, "", kDialogRemedy));
+    else
+        Tell(LineOf(box.at, "box", box.box.text));
 }
 
 void Reporter::TimePassed(std::uint64_t milliseconds) {
     status_.Show(milliseconds, last_);
 }
 
-// Further lines of a text stand under its first.
-void Reporter::Tell(Moment at, const std::string& source, const std::string& text) {
-    last_ = text;
-    std::string line = ClockText(at) + "  " + source;
-    line.append(kSourceWidth - source.size(), ' ');
-    std::string indented = WithoutLineEnds(text);
-    ReplaceAll(indented, "\n", "\n" + std::string(kClockWidth + kSourceWidth, ' '), 0);
-    line += indented + "\n";
-    if (!onlyLog_) {
+void Reporter::Tell(const std::string& lines) {
+    if (!json_) {
         status_.Clear();
-        PrintOut(line);
+        screen_.Out(lines);
     }
-    Log(line);
+    Log(lines);
 }
 
 // A disk that is full, or gone, must not stop the watching.
@@ -86,8 +98,8 @@ void Reporter::Log(const std::string& text) {
     if (logFailed_ || log_.Add(text)) return;
     const std::string reason = LastErrorText();
     logFailed_ = true;
-    PrintError("mediatool: The log " + Quoted(logName_) + " can no longer be written: " + reason +
-               ".\n");
+    screen_.Error("mediatool: The log " + Quoted(logName_) +
+                  " can no longer be written: " + reason + ".\n");
 }
 
 }  // namespace launcher::mediatool

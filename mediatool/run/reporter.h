@@ -12,30 +12,32 @@ namespace launcher::mediatool {
 // time and with where it comes from.
 class Reporter final : public Witness {
   public:
-    // An empty `log` is none. With `onlyLog`, the standard output is for others. Throws BadInput.
-    Reporter(const std::string& log, bool onlyLog);
+    // An empty `log` is none. With `json`, the standard output gets nothing but the report for
+    // programs, at the end. Throws BadInput.
+    Reporter(const std::string& log, bool json);
 
     // The heading of the log, with the launcher's command line. Throws BadInput when it cannot be
     // written.
     void Begin(const std::string& commandLine);
     // A sentence of mediatool's own, which goes to the standard error stream as well as to the log.
     void Say(const std::string& sentence);
-    // The summary.
+    // The summary, or the report for programs.
     void Conclude(const WatchedRun& run, const RunRequest& request);
 
-    void Saw(const SeenLine& line) override;
+    void Saw(const std::vector<SeenLine>& lines) override;
     void Saw(const AnsweredBox& box) override;
     void TimePassed(std::uint64_t milliseconds) override;
 
   private:
-    void Tell(Moment at, const std::string& source, const std::string& text);
+    void Tell(const std::string& lines);
     void Log(const std::string& text);
 
     LogFile log_;
     std::string logName_;
     bool logFailed_ = false;
-    bool onlyLog_;
-    StatusLine status_;
+    bool json_;
+    Screen screen_;
+    StatusLine status_{screen_};
     std::string last_;  // message
 };
 

@@ -76,10 +76,8 @@ class Watch {
     }
 
     void Add(const std::vector<SeenLine>& lines) {
-        for (const SeenLine& line : lines) {
-            witness_.Saw(line);
-            run_.lines.push_back(line);
-        }
+        if (!lines.empty()) witness_.Saw(lines);
+        run_.lines.insert(run_.lines.end(), lines.begin(), lines.end());
     }
 
     void AnswerBoxes() {

@@ -59,7 +59,7 @@ struct WatchedRun {
 class Witness {
   public:
     virtual ~Witness() = default;
-    virtual void Saw(const SeenLine& line) = 0;
+    virtual void Saw(const std::vector<SeenLine>& lines) = 0;
     virtual void Saw(const AnsweredBox& box) = 0;
     virtual void TimePassed(std::uint64_t milliseconds) = 0;
 };

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "fs/encoding.h"
-#include "mediatool/base/console.h"
 #include "mediatool/run/moment.h"
 
 namespace launcher::mediatool {
@@ -28,12 +27,12 @@ void StatusLine::Show(std::uint64_t milliseconds, const std::string& message) {
     std::wstring text = ToWide(LengthText(milliseconds) + "  " + message);
     text.resize(std::min({text.size(), columns, text.find_first_of(L"\r\n")}));
     const std::size_t blanks = shown_ > text.size() ? shown_ - text.size() : 0;
-    PrintError("\r" + ToNarrow(text.c_str()) + std::string(blanks, ' '));
+    screen_.Error("\r" + ToNarrow(text.c_str()) + std::string(blanks, ' '));
     shown_ = text.size();
 }
 
 void StatusLine::Clear() {
-    if (shown_ > 0) PrintError("\r" + std::string(shown_, ' ') + "\r");
+    if (shown_ > 0) screen_.Error("\r" + std::string(shown_, ' ') + "\r");
     shown_ = 0;
     second_ = UINT64_MAX;
 }

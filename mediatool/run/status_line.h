@@ -3,13 +3,15 @@
 #include <cstdint>
 #include <string>
 
+#include "mediatool/run/screen.h"
+
 namespace launcher::mediatool {
 
 // On a terminal, the last line: how much time has passed, and the last message. It stands on the
 // standard error stream; nothing is shown anywhere else.
 class StatusLine {
   public:
-    StatusLine() = default;
+    explicit StatusLine(Screen& screen) : screen_(screen) {}
     StatusLine(const StatusLine&) = delete;
     StatusLine& operator=(const StatusLine&) = delete;
     ~StatusLine() { Clear(); }
@@ -20,6 +22,7 @@ class StatusLine {
     void Clear();
 
   private:
+    Screen& screen_;
     std::size_t shown_ = 0;              // characters
     std::uint64_t second_ = UINT64_MAX;  // that is shown
 };

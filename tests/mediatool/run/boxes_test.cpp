@@ -184,7 +184,7 @@ class OldSystem : public IsolatedTest {
         request.launcher = ToUtf8(media.Launcher());
         request.arguments = {"-wait"};
         struct : mediatool::Witness {
-            void Saw(const mediatool::SeenLine&) override {}
+            void Saw(const std::vector<mediatool::SeenLine>&) override {}
             void Saw(const mediatool::AnsweredBox&) override {}
             void TimePassed(std::uint64_t) override {}
         } nobody;

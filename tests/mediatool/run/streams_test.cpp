@@ -95,6 +95,24 @@ TEST_F(Streams, ReachTheCallerAsTheyCome) {
     EXPECT_THAT(process.Finish().output, HasSubstr("\nExit code\n  0: The installer's own.\n"));
 }
 
+// A caller that waits for the end before it reads.
+TEST_F(Streams, NeedNobodyToReadThem) {
+    HANDLE readEnd = nullptr;
+    HANDLE writeEnd = nullptr;
+    SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+    ASSERT_TRUE(CreatePipe(&readEnd, &writeEnd, &inheritable, 0));
+    const Media media = ActingMedia("lines 5000|exit 21");
+    {
+        const MediatoolProcess process(LineOf(media, {"-wait"}, {"--log", scratch.Text("log.txt")}),
+                                       scratch.Dir(), Variables(), writeEnd);
+        EXPECT_EQ(process.Finish().exitCode, 21u);
+    }
+    CloseHandle(writeEnd);
+    CloseHandle(readEnd);
+    EXPECT_THAT(ReadFile(scratch.Dir() / "log.txt"),
+                HasSubstr("\r\nExit code\r\n  21: The installer's own.\r\n"));
+}
+
 TEST_F(Streams, AreToldWithTheTime) {
     const MediatoolRun run = Told(UsualMedia(), {"-wait"});
     EXPECT_THAT(run.output,

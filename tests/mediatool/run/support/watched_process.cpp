@@ -42,13 +42,14 @@ stdfs::path ProgramOf(DWORD processId) {
 
 MediatoolProcess::MediatoolProcess(const std::vector<std::string>& arguments,
                                    const stdfs::path& folder,
-                                   const std::map<std::string, std::string>& variables) {
-    const FileHandle output = InheritableStream(streams_.Dir() / "output");
+                                   const std::map<std::string, std::string>& variables,
+                                   HANDLE output) {
+    const FileHandle file = InheritableStream(streams_.Dir() / "output");
     const FileHandle errors = InheritableStream(streams_.Dir() / "errors");
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = output.Get();
+    startup.hStdOutput = output != nullptr ? output : file.Get();
     startup.hStdError = errors.Get();
     std::vector<std::string> line = {ToUtf8(BuiltFile(MEDIATOOL_PROGRAM))};
     line.insert(line.end(), arguments.begin(), arguments.end());

@@ -16,9 +16,10 @@ namespace launcher::test {
 // A mediatool.exe that runs, with a console of its own that nobody sees. Texts are UTF-8.
 class MediatoolProcess {
   public:
-    // As RunMediatool.
+    // As RunMediatool. An `output` is its standard output, in place of the file that Output()
+    // reads.
     MediatoolProcess(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
-                     const std::map<std::string, std::string>& variables);
+                     const std::map<std::string, std::string>& variables, HANDLE output = nullptr);
 
     DWORD Id() const { return process_.dwProcessId; }
     bool EndsWithin(DWORD milliseconds) const;
