@@ -99,7 +99,8 @@ class Watch {
 
     // The launcher may have started the installer just before.
     void EndProcesses() {
-        run_.exitCode = run_.endedBy == EndedBy::TimeLimit ? kTimeLimitReached : kInterrupted;
+        const int exitCode = run_.endedBy == EndedBy::TimeLimit ? kTimeLimitReached : kInterrupted;
+        run_.exitCode = static_cast<std::uint32_t>(exitCode);
         if (request_.endInstaller)
             family_.EndAll(run_.exitCode);
         else
