@@ -50,6 +50,12 @@ class FamilyTest : public test::IsolatedTest {
             }
     }
 
+    static void WaitForFile(const stdfs::path& file) {
+        for (int i = 0; i < 500 && !stdfs::exists(file); ++i)
+            Sleep(20);
+        ASSERT_TRUE(stdfs::exists(file));
+    }
+
     void WaitForProcesses(std::size_t count) const {
         std::size_t running = 0;
         for (int i = 0; i < 500 && running != count; ++i) {
@@ -83,8 +89,10 @@ TEST_F(FamilyTest, HasNoInstallerWithoutChildren) {
 }
 
 TEST_F(FamilyTest, EndOfTheLauncherLeavesTheInstaller) {
-    Family family = Start("child wait EVENT|wait EVENT", false);
-    WaitForProcesses(2);
+    // Once it is on its way: Wine leaves a process hanging whose parent ends while it creates it.
+    const stdfs::path note = folder_.Dir() / "note";
+    Family family = Start("child note " + test::ToUtf8(note) + ",wait EVENT|wait EVENT", false);
+    WaitForFile(note);
     family.LookForInstaller();
     family.EndLauncher(124);
     WaitForProcesses(1);
@@ -119,8 +127,7 @@ TEST_F(FamilyTest, BoundOneEndsWithOrphansToo) {
     const stdfs::path note = folder_.Dir() / "note";
     Family family =
         Start("child child note " + test::ToUtf8(note) + ",wait EVENT|wait EVENT", true);
-    for (int i = 0; i < 500 && !stdfs::exists(note); ++i)
-        Sleep(20);
+    WaitForFile(note);
     WaitForProcesses(2);
     family.EndAll(124);
     EXPECT_TRUE(test::RunningBelow(folder_.Dir()).empty());
