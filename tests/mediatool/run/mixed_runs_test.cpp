@@ -11,7 +11,7 @@ namespace {
 
 namespace stdfs = std::filesystem;
 
-// MIXED_RUNS=200 is the number that was asked for.
+// MIXED_RUNS=200 takes some five minutes.
 unsigned Runs() {
     const std::string runs = GetEnvVar("MIXED_RUNS");
     return runs.empty() ? 8u : static_cast<unsigned>(std::stoul(runs));
