@@ -48,7 +48,7 @@ struct SourceFile {
 SourceFile OpenSource(const std::string& source) {
     const std::wstring widePath = ToWide(source);
     SourceFile file;
-    file.handle = OpenSharedFile(widePath, GENERIC_READ, OPEN_EXISTING);
+    file.handle = OpenSharedFile(widePath, GENERIC_READ, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
     if (!file.handle) ThrowUnreadable(source, widePath);
     GetFileTime(file.handle.Get(), nullptr, &file.accessed, &file.modified);
     return file;
