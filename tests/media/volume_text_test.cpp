@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include <optional>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
