@@ -39,7 +39,7 @@ void CreateParent(const std::string& path) {
 SourceFile OpenSource(const std::string& source) {
     SourceFile file;
     file.path = ToWide(source);
-    file.handle = OpenSharedFile(file.path, GENERIC_READ, OPEN_EXISTING);
+    file.handle = OpenSharedFile(file.path, GENERIC_READ, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
     if (!file.handle) ThrowUnreadable(source, file.path);
     GetFileTime(file.handle.Get(), nullptr, &file.accessed, &file.modified);
     return file;

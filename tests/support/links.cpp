@@ -87,6 +87,13 @@ void RemoveDrive(const std::wstring& letter) {
         DefineDosDeviceW(DDD_REMOVE_DEFINITION, letter.c_str(), nullptr);
 }
 
+// Windows shares each drive, C: as C$.
+stdfs::path AdministratorsShare(const stdfs::path& path) {
+    std::wstring name = path.native();
+    name.at(1) = L'$';
+    return name;
+}
+
 std::string FreeDrive() {
     const DWORD used = GetLogicalDrives();
     for (char letter = 'y'; letter > 'd'; --letter) {
@@ -154,8 +161,9 @@ bool SmallDisk::IsThere() const {
 
 stdfs::path NetworkName(const stdfs::path& path) {
     const stdfs::path server = L"\\\\localhost\\";
+    if (!IsWine()) return server / AdministratorsShare(path);
     const stdfs::path share = server / L"C$";
-    if (IsWine() && !IsThere(share)) {
+    if (!IsThere(share)) {
         const std::wstring folder = DevicesOnHost() + L"unc/localhost/";
         RunOnHost(L"mkdir", L"-p \"" + folder + L"\"", server, true);
         LinkOnHost(folder + L"C$", L"../../c:", share);
@@ -165,11 +173,7 @@ stdfs::path NetworkName(const stdfs::path& path) {
 }
 
 stdfs::path NetworkFolder() {
-    if (!IsWine()) {
-        std::wstring temp = stdfs::temp_directory_path().native();
-        temp[1] = L'$';  // the administrators' share of a drive
-        return L"\\\\localhost\\" + temp;
-    }
+    if (!IsWine()) return NetworkName(UsersTemp());
     stdfs::create_directories(
         BuiltFile(ToNarrow((DevicesOnHost() + L"unc/localhost/share").c_str()).c_str()));
     return L"\\\\localhost\\share";
