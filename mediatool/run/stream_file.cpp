@@ -12,7 +12,7 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kPiece = 1 << 16;
+constexpr std::size_t kReadAtOnce = 1 << 16;
 constexpr char kReplacement[] = "\xEF\xBF\xBD";
 
 // The user's folder; for a user whose TEMP leads nowhere, the one that every Windows has.
@@ -71,9 +71,9 @@ std::vector<std::string> StreamFile::TakeLines() {
     GetFileSizeEx(reader_.Get(), &size);
     SetFilePointerEx(reader_.Get(), {}, &position, FILE_CURRENT);
     std::vector<std::string> lines;
-    std::string piece(kPiece, '\0');
+    std::string piece(kReadAtOnce, '\0');
     for (auto left = size.QuadPart - position.QuadPart; left > 0;) {
-        const auto wanted = std::min<long long>(left, kPiece);
+        const auto wanted = std::min<long long>(left, kReadAtOnce);
         DWORD count = 0;
         if (!::ReadFile(reader_.Get(), piece.data(), static_cast<DWORD>(wanted), &count, nullptr) ||
             count == 0)

@@ -141,7 +141,7 @@ TEST_F(Box, OfTheInstallerIsLeftAlone) {
     EXPECT_THAT(outcome.BoxTexts(), ElementsAre());
     ASSERT_FALSE(outcome.report["installer"].is_null()) << testing::PrintToString(outcome);
     // The same box, answered as one of the process that it belongs to: it was there.
-    BoxWatcher watcher(outcome.report["installer"]["processId"]);
+    BoxWatcher watcher(outcome.report["installer"]["processId"], {});
     const ULONGLONG end = GetTickCount64() + 10000;
     while (watcher.Boxes().empty() && GetTickCount64() < end)
         watcher.Poll();
