@@ -1,6 +1,7 @@
 // How a watched run ends: with the launcher, at the time limit, at Ctrl+C.
 
 #include "tests/mediatool/run/support/run_test.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {
@@ -9,7 +10,11 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr DWORD kInterruptedBeforeItBegan = 0xC000013A;  // STATUS_CONTROL_C_EXIT
+// Of a process that Ctrl+C meets before its first line: Wine has no code of its own for that.
+DWORD InterruptedBeforeItBegan() {
+    constexpr DWORD kControlCExit = 0xC000013A;  // STATUS_CONTROL_C_EXIT
+    return IsWine() ? 0 : kControlCExit;
+}
 
 class End : public RunTest {
   protected:
@@ -151,7 +156,7 @@ TEST_P(CtrlC, EndsTheRunInEveryPhase) {
         EXPECT_TRUE(process.EndsWithin(10000)) << "Ctrl+C was not sent";
     }
     const MediatoolRun run = process.Finish();
-    EXPECT_THAT(run.exitCode, testing::AnyOf(130u, 1u, kInterruptedBeforeItBegan));
+    EXPECT_THAT(run.exitCode, testing::AnyOf(130u, 1u, InterruptedBeforeItBegan()));
     EXPECT_EQ(Running(), 0u);
 }
 
