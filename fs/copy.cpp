@@ -115,7 +115,7 @@ void Copy(const std::string& source, const std::string& destination) {
     if (source.empty()) throw ZEPInsException("Copy - empty source path");
     if (destination.empty()) throw ZEPInsException("Copy - empty destination path");
     if (IsDirectory(GetType(source)))
-        CopyFolder(source, destination);
+        CopyDirectory(source, destination);
     else
         CopyOneFile(source, destination);
 }
@@ -125,7 +125,7 @@ void CopyOneFile(const std::string& source, const std::string& destination) {
     CopyIntoExistingFolder(source, destination);
 }
 
-void CopyFolder(const std::string& source, const std::string& destination) {
+void CopyDirectory(const std::string& source, const std::string& destination) {
     const auto entries = DirectoryEnumerator::Open(source, DirectoryEnumerator::kEverything);
     if (entries->AtEnd()) {
         CreateDir(destination);
@@ -135,7 +135,7 @@ void CopyFolder(const std::string& source, const std::string& destination) {
     for (; !entries->AtEnd(); entries->Next()) {
         const std::string target = destination + kBackslash + entries->Name();
         if (IsDirectory(entries->Type())) {
-            CopyFolder(entries->FullPath(), target);
+            CopyDirectory(entries->FullPath(), target);
             continue;
         }
         if (!std::exchange(folderMade, true)) CreateParent(target);

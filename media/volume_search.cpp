@@ -23,6 +23,7 @@ struct Pass {
 // A split media whose volume 1 was found and identified.
 struct SplitMedia {
     const LaunchOptions& options;  // of which `mediaDir` is the folder of volume 1
+    TellVariable tell;
     VolumeNumber count;
     std::string id;
 };
@@ -121,7 +122,8 @@ std::optional<OuterMarker> FindOuterMarker(const Path& mediaDir) {
     return std::nullopt;
 }
 
-std::optional<OuterSet> FindOuterSet(const LaunchOptions& options) {
+std::optional<OuterSet> FindOuterSet(const SplitMedia& media) {
+    const LaunchOptions& options = media.options;
     const std::optional<OuterMarker> marker = FindOuterMarker(options.mediaDir);
     if (!marker) return std::nullopt;
     OuterSet set = OuterSetOf(options.mediaDir, *marker);
@@ -130,7 +132,11 @@ std::optional<OuterSet> FindOuterSet(const LaunchOptions& options) {
         Trace(options, "Please make sure you copied and/or extracted everything properly.");
         return std::nullopt;
     }
-    Trace(options, "AM volume " + Decimal(marker->number) + " found in: " + marker->folder.Text());
+    media.tell(kMtbDirVar, set.id);
+    Trace(options, "AM volume " + Decimal(set.first) + " found in: " + set.folder.Text());
+    media.tell(kFirstOuterVolumeVar, Decimal(set.first));
+    media.tell(kFirstOuterPathVar, set.folder.Text());
+    media.tell(kOuterRelativePathVar, set.relativePath.Text());
     return set;
 }
 
@@ -152,13 +158,15 @@ bool Settles(Pass pass, VolumeLayout layout, const SplitMedia& media, FoundVolum
 void SearchLayouts(const SplitMedia& media, FoundVolumes& found) {
     const LaunchOptions& options = media.options;
     if (Settles(SingleFolderPass(media), VolumeLayout::OneFolder, media, found)) {
-        if (found.layout == VolumeLayout::OneFolder)
-            Trace(options, "All volumes found in: " + options.mediaDir.Text());
+        if (found.layout != VolumeLayout::OneFolder) return;
+        Trace(options, "All volumes found in: " + options.mediaDir.Text());
+        // An ordinary media to the installer.
+        media.tell(kVolumesCountVar, "");
         return;
     }
     Trace(options, "Volume 1 found in: " + options.mediaDir.Text());
     if (Settles(SiblingPass(media), VolumeLayout::Siblings, media, found)) return;
-    found.outer = FindOuterSet(options);
+    found.outer = FindOuterSet(media);
     if (found.outer) Settles(OuterPass(media, *found.outer), VolumeLayout::Outer, media, found);
 }
 
@@ -186,7 +194,7 @@ Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume) {
                 {set.relativePath.Text(), Decimal(volume)});
 }
 
-FoundVolumes FindVolumes(const LaunchOptions& options) {
+FoundVolumes FindVolumes(const LaunchOptions& options, TellVariable tell) {
     FoundVolumes found;
     const std::string countFile = CountFileIn(options.mediaDir).Text();
     found.notSearched = WhyNotSearched(options);
@@ -200,13 +208,15 @@ FoundVolumes FindVolumes(const LaunchOptions& options) {
     // The line as it was read, whatever follows the number in it.
     TraceMessage(options, "This media is composed of " + found.count->line + " volumes.",
                  Severity::Info);
+    tell(kVolumesCountVar, found.count->line);
     found.id = ReadVolumeId(options.mediaDir, 1);
     if (found.id.empty()) {
         TraceWarning(options, "1.txt not found or not accessible in: " + options.mediaDir.Text());
         Trace(options, "Please make sure you copied the whole volume.");
         return found;
     }
-    SearchLayouts(SplitMedia{options, found.count->count, found.id}, found);
+    tell(kMtbDirVar, found.id);
+    SearchLayouts(SplitMedia{options, tell, found.count->count, found.id}, found);
     return found;
 }
 

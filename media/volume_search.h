@@ -58,8 +58,19 @@ struct FoundVolumes {
                                        // those that were found when some are missing
 };
 
+// What the installer is told of the volumes.
+inline constexpr char kVolumesCountVar[] = "ZEPAdmInstVolumesCount";
+inline constexpr char kMtbDirVar[] = "ZEPAdmInstMTBDIR";
+inline constexpr char kFirstOuterVolumeVar[] = "ZEPAdmInstFirstAMVolume";
+inline constexpr char kFirstOuterPathVar[] = "ZEPAdmInstFirstAMPath";
+inline constexpr char kOuterRelativePathVar[] = "ZEPAdmInstAMRelativePath";
+
+// Takes the value of one of these variables, which may change during a search; empty to remove it.
+using TellVariable = void (*)(const std::string& name, const std::string& value);
+
 // Searches for the volumes of the media in `mediaDir`, the folder of volume 1. What it finds, and
-// what is wrong, is traced; nothing else is changed. Throws nothing.
-FoundVolumes FindVolumes(const LaunchOptions& options);
+// what is wrong, is traced, and `tell` gets each variable as soon as it is known, between these
+// messages; nothing else is changed. Throws nothing.
+FoundVolumes FindVolumes(const LaunchOptions& options, TellVariable tell);
 
 }  // namespace launcher

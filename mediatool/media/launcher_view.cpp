@@ -25,7 +25,7 @@ LauncherView ViewOf(const Path& media) {
     SetEnvVar("ZEP_Online_Installation_Caf_Repositiory", "");  // would switch the search off
     LaunchOptions options(0, nullptr, kInstallerName, false, false);
     options.mediaDir = media;
-    const FoundVolumes found = FindVolumes(options);
+    const FoundVolumes found = FindVolumes(options, [](const std::string&, const std::string&) {});
     LauncherView view;
     view.layout = found.layout;
     view.count = found.count;

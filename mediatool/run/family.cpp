@@ -64,7 +64,7 @@ std::optional<SeenInstaller> Family::Installer() const {
     return SeenInstaller{members_[1].id, IsRunning(members_[1].process.Get())};
 }
 
-void Family::EndLauncher(UINT exitCode) {
+void Family::EndLauncher(UINT exitCode) const {
     TerminateProcess(Launcher(), exitCode);
     WaitForSingleObject(Launcher(), kPatience);
 }

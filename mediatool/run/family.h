@@ -40,7 +40,7 @@ class Family {
 
     // Ends the launcher, with this exit code, and returns when it has ended. What it started goes
     // on.
-    void EndLauncher(UINT exitCode);
+    void EndLauncher(UINT exitCode) const;
     // Ends the whole family likewise.
     void EndAll(UINT exitCode);
 

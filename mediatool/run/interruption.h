@@ -4,8 +4,9 @@
 
 namespace launcher::mediatool {
 
-// While it lives, Ctrl+C, the closing of the console window, a logoff and a shutdown do not end
-// this process but are told by an event. Nothing of it is inherited. One at a time.
+// While it lives, Ctrl+C and the closing of the console window do not end this process but are told
+// by an event; so is a logoff or a shutdown, where Windows tells a program of it. Nothing of it is
+// inherited. One at a time.
 class Interruption {
   public:
     Interruption();

@@ -88,7 +88,7 @@ class Screen::Queue {
 Screen::Screen() : queue_(std::make_shared<Queue>()) {
     auto threads = std::make_unique<std::shared_ptr<Queue>>(queue_);
     const KernelObject thread(CreateThread(nullptr, 0, &Queue::Thread, threads.get(), 0, nullptr));
-    if (thread) threads.release();  // the thread's now
+    if (thread) static_cast<void>(threads.release());  // the thread's now
 }
 
 Screen::~Screen() {

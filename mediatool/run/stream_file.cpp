@@ -45,9 +45,14 @@ FileHandle NewFileIn(const std::wstring& folder, std::wstring& path) {
 
 std::string WellFormed(std::string line) {
     if (line.ends_with('\r')) line.pop_back();
-    for (std::size_t at = line.find('\0'); at != std::string::npos; at = line.find('\0', at))
-        line.replace(at, 1, kReplacement);
-    return ToNarrow(ToWide(line).c_str());
+    // In one pass: what an installer writes may be megabytes of zero bytes.
+    std::string readable;
+    for (const char byte : line)
+        if (byte == '\0')
+            readable += kReplacement;
+        else
+            readable += byte;
+    return ToNarrow(ToWide(readable).c_str());
 }
 
 }  // namespace

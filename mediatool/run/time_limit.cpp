@@ -10,7 +10,7 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::uint64_t kYear = 366 * 24 * 60 * 60;  // seconds
+constexpr std::uint64_t kYear = std::uint64_t{366} * 24 * 60 * 60;  // seconds
 
 std::optional<std::uint64_t> SecondsIn(std::string_view unit) {
     if (unit.empty() || unit == "s") return 1;
