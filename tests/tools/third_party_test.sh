@@ -14,8 +14,8 @@ third_party() { "$project/tools/third-party.sh" "$@"; }
 # The documentation of Debian's packages, as links, which a test can take away.
 documentation=$work/doc
 mkdir "$documentation"
-for package in g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix \
-    gcc-mingw-w64-i686-posix mingw-w64-x86-64-dev mingw-w64-i686-dev mingw-w64-common libcli11-dev \
+for package in g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix g++-mingw-w64-i686-win32 \
+    gcc-mingw-w64-i686-win32 mingw-w64-x86-64-dev mingw-w64-i686-dev mingw-w64-common libcli11-dev \
     nlohmann-json3-dev; do
     ln -s "/usr/share/doc/$package" "$documentation"
 done
