@@ -19,7 +19,8 @@ program_of() {
     nsis) echo makensis ;;
     librsvg2-bin) echo rsvg-convert ;;
     imagemagick) echo convert ;;
-    lib* | nlohmann-json3-dev | googletest | fonts-*) ;;
+    fuse3) echo fusermount3 ;;
+    lib* | python3-* | nlohmann-json3-dev | googletest | fonts-*) ;;
     *) echo "$1" ;;
     esac
 }
