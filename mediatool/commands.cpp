@@ -282,6 +282,7 @@ int Complain(const std::exception& failure, int exitCode) {
 }  // namespace
 
 int RunMediatool(const std::vector<std::string>& arguments) {
+    AskNobodyForDiscs();
     Mediatool mediatool;
     try {
         return mediatool.Run(arguments);

@@ -35,6 +35,10 @@ FileHandle OpenToAsk(const std::string& path) {
 
 }  // namespace
 
+void AskNobodyForDiscs() {
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS, nullptr);
+}
+
 Path FullPath(const std::string& text) {
     const std::wstring wide = ToWide(Path(text).Text());
     if (wide.empty()) return Path();
@@ -81,14 +85,23 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
     std::wstring pattern = Extended(folder.Text());
     if (!pattern.ends_with(L'\\')) pattern += L'\\';
     pattern += L'*';
-    WIN32_FIND_DATAW data{};
-    const FindHandle search(FindFirstFileW(pattern.c_str(), &data));
-    if (!search) return std::nullopt;
     std::vector<Entry> entries;
-    do {
-        Entry entry = EntryFrom(data);
-        if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
-    } while (FindNextFileW(search.Get(), &data));
+    DWORD end = ERROR_SUCCESS;
+    {
+        WIN32_FIND_DATAW data{};
+        const FindHandle search(FindFirstFileW(pattern.c_str(), &data));
+        if (!search) return std::nullopt;
+        do {
+            Entry entry = EntryFrom(data);
+            if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
+        } while (FindNextFileW(search.Get(), &data));
+        end = GetLastError();
+    }
+    if (end != ERROR_NO_MORE_FILES) {  // a disc that cannot be read further, or a lost share
+        entries = {};
+        SetLastError(end);
+        return std::nullopt;
+    }
     std::ranges::sort(entries, std::ranges::less(), &Entry::name);
     return entries;
 }

@@ -14,6 +14,10 @@ namespace launcher::mediatool {
 // Looks at files and folders, whatever the length of their paths. Nothing here follows a link
 // unless it says so. Texts are UTF-8.
 
+// Makes a drive without a disc one more failure for this thread. Windows would ask for the disc, in
+// a box, and wait. Of the thread alone: programs that are started inherit the mode of the process.
+void AskNobodyForDiscs();
+
 struct Entry {
     std::string name;
     bool isFolder = false;
@@ -32,8 +36,8 @@ std::optional<Entry> Look(const Path& path);
 bool IsFile(const Path& path);
 bool IsFolder(const Path& path);
 
-// The entries of a folder, sorted by name; nothing when it cannot be listed, with the reason in
-// GetLastError().
+// The entries of a folder, sorted by name; nothing when it cannot be listed to its end, with the
+// reason in GetLastError().
 std::optional<std::vector<Entry>> List(const Path& folder);
 std::vector<Entry> EntriesOf(const Path& folder);  // none when it cannot be listed
 
