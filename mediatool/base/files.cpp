@@ -82,13 +82,17 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
     if (!pattern.ends_with(L'\\')) pattern += L'\\';
     pattern += L'*';
     WIN32_FIND_DATAW data{};
-    const FindHandle search(FindFirstFileW(pattern.c_str(), &data));
+    FindHandle search(FindFirstFileW(pattern.c_str(), &data));
     if (!search) return std::nullopt;
     std::vector<Entry> entries;
     do {
         Entry entry = EntryFrom(data);
         if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
     } while (FindNextFileW(search.Get(), &data));
+    const DWORD end = GetLastError();
+    search = FindHandle();
+    SetLastError(end);
+    if (end != ERROR_NO_MORE_FILES) return std::nullopt;  // broken off, by a bad disc for instance
     std::ranges::sort(entries, std::ranges::less(), &Entry::name);
     return entries;
 }
