@@ -43,8 +43,11 @@ struct ValidateCommand {
         command->add_option("--temp", temp,
                             "The temporary folder of the users it is for (default: the longest "
                             "usual one).");
+        command->add_flag("--strict", request.isStrict, "Warnings count as errors do.");
         command->add_flag("--json", json, "Print JSON.");
-        command->footer("Exit code: 0 clean, 1 a finding of severity error, 2 wrong use.");
+        command->footer(
+            "Exit code: 0 clean, 1 a finding of severity error, or warning with --strict, 2 wrong "
+            "use.");
     }
 
     int Run() {
@@ -54,7 +57,7 @@ struct ValidateCommand {
         if (command->count("--temp") > 0) watched.temp = temp;
         const Validation validation = Validate(watched);
         PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
-        return validation.findings.Count(Level::Error) == 0 ? kSuccess : kFailure;
+        return validation.IsClean() ? kSuccess : kFailure;
     }
 
     CLI::App* command;

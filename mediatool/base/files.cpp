@@ -85,23 +85,18 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
     std::wstring pattern = Extended(folder.Text());
     if (!pattern.ends_with(L'\\')) pattern += L'\\';
     pattern += L'*';
+    WIN32_FIND_DATAW data{};
+    FindHandle search(FindFirstFileW(pattern.c_str(), &data));
+    if (!search) return std::nullopt;
     std::vector<Entry> entries;
-    DWORD end = ERROR_SUCCESS;
-    {
-        WIN32_FIND_DATAW data{};
-        const FindHandle search(FindFirstFileW(pattern.c_str(), &data));
-        if (!search) return std::nullopt;
-        do {
-            Entry entry = EntryFrom(data);
-            if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
-        } while (FindNextFileW(search.Get(), &data));
-        end = GetLastError();
-    }
-    if (end != ERROR_NO_MORE_FILES) {  // a disc that cannot be read further, or a lost share
-        entries = {};
-        SetLastError(end);
-        return std::nullopt;
-    }
+    do {
+        Entry entry = EntryFrom(data);
+        if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
+    } while (FindNextFileW(search.Get(), &data));
+    const DWORD end = GetLastError();
+    search = FindHandle();
+    SetLastError(end);
+    if (end != ERROR_NO_MORE_FILES) return std::nullopt;  // broken off, by a bad disc for instance
     std::ranges::sort(entries, std::ranges::less(), &Entry::name);
     return entries;
 }
