@@ -156,11 +156,15 @@ Path FinalPath(const Path& path) {
     return file && !name.empty() ? Path(ToNarrow(name.c_str())) : path;
 }
 
-std::string LastErrorText() {
-    std::string text = SystemErrorText(GetLastError());
+std::string ErrorText(std::uint32_t error) {
+    std::string text = SystemErrorText(error);
     while (text.ends_with('.') || text.ends_with(' '))
         text.pop_back();
     return text;
+}
+
+std::string LastErrorText() {
+    return ErrorText(GetLastError());
 }
 
 std::size_t WideLength(const std::string& text) {

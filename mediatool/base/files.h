@@ -31,7 +31,8 @@ Path FullPath(const std::string& text);
 // The path that Windows takes at any length: "\\?\" in front.
 std::wstring Extended(const std::string& path);
 
-// What `path` names; nothing when it is not there.
+// What `path` names; nothing when it is not there or cannot be looked at, with the reason in
+// GetLastError().
 std::optional<Entry> Look(const Path& path);
 bool IsFile(const Path& path);
 bool IsFolder(const Path& path);
@@ -61,7 +62,9 @@ std::optional<FileIdentity> IdentityOf(const std::string& path);
 // The path that `path` leads to in the end; itself when that is not there.
 Path FinalPath(const Path& path);
 
-// What the system says of its last error, as the end of a sentence, without a full stop.
+// What the system says of an error, or of its last one, as the end of a sentence, without a full
+// stop.
+std::string ErrorText(std::uint32_t error);
 std::string LastErrorText();
 
 // The number of UTF-16 code units of a text: what Windows counts a path's length in.
