@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <exception>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -12,8 +13,8 @@
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/json.h"
+#include "mediatool/create/checksum.h"
 #include "mediatool/create/report.h"
-#include "mediatool/create/writer.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "mediatool/dry_run/report.h"
 #include "mediatool/validate/findings.h"
@@ -24,6 +25,14 @@ namespace {
 
 const std::map<std::string, Layout> kLayouts = {
     {"one-folder", Layout::OneFolder}, {"siblings", Layout::Siblings}, {"outer", Layout::Outer}};
+
+// In milliseconds.
+unsigned long long Now() {
+    using std::chrono::steady_clock;
+    const auto since = steady_clock::now().time_since_epoch();
+    return static_cast<unsigned long long>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(since).count());
+}
 
 // One value for each time that the option is given.
 CLI::Option* MayBeGivenAgain(CLI::Option* option) {
@@ -82,6 +91,9 @@ struct CreateCommand {
                                 "The folder in each outer volume that the media is in (default: "
                                 "media).")};
         command->add_flag("--force", request.force, "Write over files that are there.");
+        command->add_flag("--checksums", request.checksums,
+                          "Write a list of checksums, SHA256SUMS, into each volume.");
+        command->add_flag("--dry-run", request.isDry, "Only say what would be written.");
         command->add_flag("--json", json, "Print JSON.");
         command->add_option("out", request.out, "The folder to write into.")->required();
         command->footer(
@@ -99,10 +111,18 @@ struct CreateCommand {
         if (ofOuter[1]->count() > 0) request.firstOuter = NumberGiven("--first-outer", firstOuter);
         if (ofOuter.front()->count() > 0 && request.outerId.empty())
             throw BadInput("--outer-id is empty.");
-        Progress progress("Files copied:");
+        Progress line("");
+        unsigned long long begin = 0;  // of the writing
         CreateRequest watched = request;
-        watched.progress = [&progress](std::size_t count) { progress.Show(count); };
+        watched.progress = [&](const CreateProgress& progress) {
+            if (progress.isWriting && begin == 0) begin = Now();
+            line.Show(ProgressText(progress, Now() - begin));
+        };
         const Creation creation = Create(watched);
+        if (request.isDry) {
+            PrintOut(json ? Printed(JsonOfDry(creation, request)) : TextOfDry(creation));
+            return kSuccess;
+        }
         PrintOut(json ? Printed(JsonOf(creation, request)) : TextOf(creation) + NextStep(creation));
         return kSuccess;
     }
@@ -124,6 +144,37 @@ struct CreateCommand {
     std::string firstOuter;
     std::vector<const CLI::Option*> ofOuter;  // the options of that layout
     std::vector<std::string> from;
+    bool json = false;
+};
+
+struct ChecksumCommand {
+    explicit ChecksumCommand(CLI::App& app)
+        : command(app.add_subcommand("checksum", "Write the checksums of a media's files.")) {
+        command
+            ->add_option("media", request.folders,
+                         "The media's folder; or the folders of its volumes.")
+            ->required();
+        command->add_flag("--force", request.force, "Write over lists that are there.");
+        command->add_flag("--json", json, "Print JSON.");
+        command->footer(
+            "Writes a list SHA256SUMS, as sha256sum does, into the root of each volume.\n"
+            "Exit code: 0 written, 1 not written, 2 wrong use.");
+    }
+
+    int Run() {
+        Progress line("");
+        const unsigned long long begin = Now();
+        ChecksumRequest watched = request;
+        watched.progress = [&](const CreateProgress& progress) {
+            line.Show(ProgressText(progress, Now() - begin));
+        };
+        const Checksums checksums = WriteChecksums(watched);
+        PrintOut(json ? Printed(JsonOf(checksums)) : TextOf(checksums));
+        return kSuccess;
+    }
+
+    CLI::App* command;
+    ChecksumRequest request;
     bool json = false;
 };
 
@@ -202,7 +253,8 @@ class Mediatool {
         : app_("Checks, makes and rehearses installation media.", "mediatool"),
           dryRun_(app_),
           validate_(app_),
-          create_(app_) {
+          create_(app_),
+          checksum_(app_) {
         app_.require_subcommand(1);
         app_.set_version_flag("--version", "mediatool " LAUNCHER_VERSION);
     }
@@ -220,6 +272,7 @@ class Mediatool {
         if (dryRun_.command->parsed()) return dryRun_.Run(std::move(launcherArguments));
         if (hasEnd) throw BadInput("Only dry-run takes arguments of the launcher, after --.");
         if (validate_.command->parsed()) return validate_.Run();
+        if (checksum_.command->parsed()) return checksum_.Run();
         return create_.Run();
     }
 
@@ -245,16 +298,18 @@ class Mediatool {
     void CheckCommand(const std::vector<std::string>& arguments) const {
         if (arguments.empty() || arguments.front().starts_with('-')) return;
         const std::string& name = arguments.front();
-        for (const CLI::App* command : {dryRun_.command, validate_.command, create_.command})
+        for (const CLI::App* command :
+             {dryRun_.command, validate_.command, create_.command, checksum_.command})
             if (command->get_name() == name) return;
         throw BadInput("There is no command \"" + name +
-                       "\"; there are dry-run, validate and create.");
+                       "\"; there are dry-run, validate, create and checksum.");
     }
 
     CLI::App app_;
     DryRunCommand dryRun_;
     ValidateCommand validate_;
     CreateCommand create_;
+    ChecksumCommand checksum_;
     bool isDryRun_ = false;  // the command is
 };
 

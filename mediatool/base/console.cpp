@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "fs/encoding.h"
@@ -77,16 +78,22 @@ std::string Painted(Colour colour, const std::string& text) {
 }
 
 Progress::~Progress() {
-    if (visible_) PrintError("\r" + std::string(what_.size() + 24, ' ') + "\r");
+    if (visible_) PrintError("\r" + std::string(width_, ' ') + "\r");
 }
 
 void Progress::Show(std::size_t count) {
+    Show(std::to_string(count));
+}
+
+void Progress::Show(const std::string& text) {
     const unsigned long long now = GetTickCount64();
     if (shown_ == 0) shown_ = now;
     if (now - shown_ < kBetween || !IsTerminal(STD_ERROR_HANDLE)) return;
     shown_ = now;
     visible_ = true;
-    PrintError("\r" + what_ + " " + std::to_string(count));
+    const std::string line = what_.empty() ? text : what_ + " " + text;
+    width_ = std::max(width_, line.size());
+    PrintError("\r" + line + std::string(width_ - line.size(), ' '));
 }
 
 }  // namespace launcher::mediatool

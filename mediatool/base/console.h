@@ -24,9 +24,11 @@ class Progress {
     ~Progress();
 
     void Show(std::size_t count);
+    void Show(const std::string& text);
 
   private:
     std::string what_;
+    std::size_t width_ = 0;         // of the longest line so far
     unsigned long long shown_ = 0;  // when last, in milliseconds
     bool visible_ = false;
 };

@@ -8,6 +8,8 @@
 #include "fs/encoding.h"
 #include "fs/exceptions.h"
 #include "fs/owners.h"
+#include "mediatool/base/failures.h"
+#include "mediatool/base/sentences.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -18,6 +20,8 @@ Entry EntryFrom(const WIN32_FIND_DATAW& data) {
     entry.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     entry.isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if (!entry.isFolder) entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
+    const FILETIME& written = data.ftLastWriteTime;
+    entry.modified = (std::uint64_t{written.dwHighDateTime} << 32) | written.dwLowDateTime;
     return entry;
 }
 
@@ -62,6 +66,7 @@ std::optional<Entry> Look(const Path& path) {
     found.dwFileAttributes = data.dwFileAttributes;
     found.nFileSizeHigh = data.nFileSizeHigh;
     found.nFileSizeLow = data.nFileSizeLow;
+    found.ftLastWriteTime = data.ftLastWriteTime;
     Entry entry = EntryFrom(found);
     entry.name = FileName(path);
     return entry;
@@ -149,6 +154,11 @@ std::string LastErrorText() {
     while (text.ends_with('.') || text.ends_with(' '))
         text.pop_back();
     return text;
+}
+
+void RefuseFor(const Path& path, const std::string& what) {
+    const std::string reason = LastErrorText();
+    throw Refused(Quoted(path) + " cannot be " + what + ": " + reason + ".");
 }
 
 std::size_t WideLength(const std::string& text) {

@@ -18,7 +18,8 @@ struct Entry {
     std::string name;
     bool isFolder = false;
     bool isLink = false;
-    std::uint64_t size = 0;  // bytes; 0 for a folder
+    std::uint64_t size = 0;      // bytes; 0 for a folder
+    std::uint64_t modified = 0;  // in units of 100 ns, as Windows counts
 };
 
 // The absolute, normalised path that `text` means. Empty for the empty text.
@@ -58,6 +59,9 @@ Path FinalPath(const Path& path);
 
 // What the system says of its last error, as the end of a sentence, without a full stop.
 std::string LastErrorText();
+
+// Throws Refused for the system's last error: "PATH cannot be WHAT: the error."
+[[noreturn]] void RefuseFor(const Path& path, const std::string& what);
 
 // The number of UTF-16 code units of a text: what Windows counts a path's length in.
 std::size_t WideLength(const std::string& text);

@@ -35,6 +35,7 @@ void CheckFlavourMarkers(const Subject& subject, Findings& out);
 void CheckCountFile(const Subject& subject, Findings& out);
 void CheckVolumeNumbers(const Subject& subject, Findings& out);
 void CheckVolumes(const Subject& subject, Findings& out);
+void CheckUnfinished(const Subject& subject, Findings& out);
 void CheckTree(const Subject& subject, Findings& out);
 
 // An identifier, as it stands in `marker`.

@@ -68,7 +68,7 @@ Validation Validate(const ValidateRequest& request) {
     subject.progress = request.progress;
 
     Validation result;
-    for (const auto check : {CheckLauncher, CheckRootEntries, CheckInstallerPlaces, CheckInstallers,
+    for (const auto check : {CheckUnfinished, CheckLauncher, CheckRootEntries, CheckInstallerPlaces, CheckInstallers,
                              CheckFlavourMarkers, CheckCountFile, CheckVolumeNumbers, CheckVolumes,
                              CheckTree, CheckVerdict})
         check(subject, result.findings);

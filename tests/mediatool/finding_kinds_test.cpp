@@ -105,6 +105,7 @@ const Kinds kKinds = {
     "root-entry-is-folder",
     "root-entry-missing",
     "root-entry-unreadable",
+    "set-unfinished",
     "temp-outside-oem-code-page",
     "volume-beyond-count",
     "volume-folder-named-otherwise",
