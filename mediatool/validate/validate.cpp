@@ -68,9 +68,9 @@ Validation Validate(const ValidateRequest& request) {
     subject.progress = request.progress;
 
     Validation result;
-    for (const auto check : {CheckUnfinished, CheckLauncher, CheckRootEntries, CheckInstallerPlaces, CheckInstallers,
-                             CheckFlavourMarkers, CheckCountFile, CheckVolumeNumbers, CheckVolumes,
-                             CheckTree, CheckVerdict})
+    for (const auto check : {CheckUnfinished, CheckLauncher, CheckRootEntries, CheckInstallerPlaces,
+                             CheckInstallers, CheckFlavourMarkers, CheckCountFile,
+                             CheckVolumeNumbers, CheckVolumes, CheckTree, CheckVerdict})
         check(subject, result.findings);
     for (const Path& folder : subject.set.given)
         result.media.push_back(folder.Text());
