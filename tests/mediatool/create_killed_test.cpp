@@ -45,7 +45,7 @@ class KilledCreate : public Command {
                 scratch.Text("out")};
     }
 
-    // Runs for so many milliseconds at most.
+    // Kills a run so many milliseconds after its first change.
     void RunAndKill(DWORD milliseconds) const {
         std::vector<std::string> line = {ToUtf8(BuiltFile(MEDIATOOL_PROGRAM))};
         const std::vector<std::string> arguments = Arguments();
@@ -56,6 +56,9 @@ class KilledCreate : public Command {
         ProcessInformation process;
         ASSERT_TRUE(CreateProcessW(nullptr, text.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
                                    nullptr, scratch.Dir().c_str(), &startup, &process));
+        const std::wstring mark = ToWide(scratch.Text("out\\1\\mediatool-unfinished.txt"));
+        while (GetFileAttributesW(mark.c_str()) == INVALID_FILE_ATTRIBUTES)
+            if (WaitForSingleObject(process.hProcess, 0) == WAIT_OBJECT_0) return;
         if (WaitForSingleObject(process.hProcess, milliseconds) == WAIT_OBJECT_0) return;
         ++killed;
         TerminateProcess(process.hProcess, 9);
@@ -82,7 +85,7 @@ class KilledCreate : public Command {
             std::filesystem::remove_all(scratch.Dir() / "out");
             for (const auto& [name, content] : before)
                 if (content != "/") scratch.Write("out/" + name, content);
-            const DWORD moment = random() % (whole + 1);
+            const DWORD moment = i == 0 ? 0 : random() % (whole + 1);
             RunAndKill(moment);
             const Tree now = Out();
             if (now != before && now != after) {
