@@ -59,11 +59,11 @@ function(provide_headers target package folder url hash)
   target_include_directories(${target} SYSTEM INTERFACE ${include})
 endfunction()
 
-# provide_cli11(): CLI11::CLI11
+# provide_cli11(): CLI11::CLI11, everywhere the version that Debian 12 has
 function(provide_cli11)
   provide_headers(CLI11::CLI11 CLI11 CLI
-    https://github.com/CLIUtils/CLI11/archive/refs/tags/v2.4.2.tar.gz
-    f2d893a65c3b1324c50d4e682c0cdc021dd0477ae2c048544f39eed6654b699a)
+    https://github.com/CLIUtils/CLI11/archive/refs/tags/v2.1.2.tar.gz
+    26291377e892ba0e5b4972cdfd4a2ab3bf53af8dac1f4ea8fe0d1376b625c8cb)
 endfunction()
 
 # provide_nlohmann_json(): nlohmann_json::nlohmann_json

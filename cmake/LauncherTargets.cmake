@@ -47,6 +47,25 @@ function(launcher_library name)
   target_link_libraries(${name} PUBLIC launcher_settings ${arg_LINKS})
 endfunction()
 
+# launcher_layer(NAME SOURCES... EDGES SOURCES... LINKS TARGETS...): a layer of the launcher. EDGES
+# are the sources in which it meets the machine: each does one thing to it or asks one thing of it,
+# and nothing else. A program with the property OWN_EDGES gets the layer without them, has to bring
+# its own, and fails to link when one is missing. Everything is compiled once.
+define_property(TARGET PROPERTY OWN_EDGES)
+function(launcher_layer name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;EDGES;LINKS")
+  add_library(${name}_edges OBJECT ${arg_EDGES})
+  target_link_libraries(${name}_edges PRIVATE launcher_settings)
+  launcher_library(${name}_core SOURCES ${arg_SOURCES} LINKS ${arg_LINKS})
+  launcher_library(${name}_whole
+    SOURCES $<TARGET_OBJECTS:${name}_core> $<TARGET_OBJECTS:${name}_edges>
+    LINKS ${arg_LINKS})
+  set_property(TARGET ${name}_whole PROPERTY LINKER_LANGUAGE CXX)
+  add_library(${name} INTERFACE)
+  target_link_libraries(${name} INTERFACE
+    ${name}_$<IF:$<BOOL:$<TARGET_PROPERTY:OWN_EDGES>>,core,whole>)
+endfunction()
+
 # What makes a release executable small, repeatable to the byte and safe to start from a disc. The
 # compilers' linkers randomise addresses and prevent data execution without being asked.
 function(launcher_executable_hardening name)

@@ -1,5 +1,5 @@
-# Run by ctest before the tests, with PROGRAM, NAME and EMULATOR set: one test for each suite of a
-# GoogleTest program, NAME.SUITE. A process for each single test would cost ten times the time.
+# Run by ctest before the tests, with PROGRAM, NAME, LABELS and EMULATOR set: one test for each suite
+# of a GoogleTest program, NAME.SUITE. A process for each single test would cost ten times the time.
 if(NOT EXISTS ${PROGRAM})
   add_test([[${NAME} is not built]] [[${PROGRAM}]])
   return()
@@ -22,8 +22,8 @@ if(NOT EXISTS ${suites} OR ${PROGRAM} IS_NEWER_THAN ${suites})
     string(REGEX REPLACE "[\n.]" "" suite "${suite}")
     string(APPEND script
       "add_test([[${NAME}.${suite}]] [[${command}]] [[--gtest_filter=${suite}.*]])\n"
-      "set_tests_properties([[${NAME}.${suite}]] PROPERTIES TIMEOUT 300\n"
-      "  SKIP_RETURN_CODE 77)\n")
+      "set_tests_properties([[${NAME}.${suite}]] PROPERTIES TIMEOUT 600\n"
+      "  LABELS \"${LABELS}\" SKIP_RETURN_CODE 77)\n")
   endforeach()
   file(WRITE ${suites} "${script}")
 endif()

@@ -1,6 +1,10 @@
 # What the suites that CTest ran last say of their single tests: how many passed, which were skipped,
 # with their reasons, which were not built or not run at all, and how many starts were repeated
 # because Wine stumbled (tests/support/repeats.h). Run in a build folder: cmake -P TestSummary.cmake
+if(NOT EXISTS Testing/Temporary/LastTest.log)
+  message("No tests were run here.")
+  return()
+endif()
 file(STRINGS Testing/Temporary/LastTest.log lines)
 set(passed 0)
 set(skipped 0)

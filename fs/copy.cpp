@@ -2,12 +2,11 @@
 
 #include <windows.h>
 
-#include <array>
 #include <cerrno>
-#include <cstddef>
 #include <cstdint>
 #include <utility>
 
+#include "fs/copied_file.h"
 #include "fs/create_dir.h"
 #include "fs/directory_enumerator.h"
 #include "fs/encoding.h"
@@ -21,20 +20,12 @@
 namespace launcher {
 namespace {
 
-constexpr DWORD kBufferSize = 65536;
 constexpr char kCannotWrite[] = "Cannot write into ";
 
 void CreateParent(const std::string& path) {
     const Path parent = Parent(Path(path));
     if (!IsEmpty(parent)) CreateDir(parent.Text());
 }
-
-// The open source and its times, taken before reading.
-struct SourceFile {
-    FileHandle handle;
-    FILETIME accessed{};
-    FILETIME modified{};
-};
 
 // For a source that could not be opened. The last error is why. One that cannot even be looked at
 // counts as missing, whatever the reason, as it does to the C runtime's status functions.
@@ -46,10 +37,10 @@ struct SourceFile {
 }
 
 SourceFile OpenSource(const std::string& source) {
-    const std::wstring widePath = ToWide(source);
     SourceFile file;
-    file.handle = OpenSharedFile(widePath, GENERIC_READ, OPEN_EXISTING);
-    if (!file.handle) ThrowUnreadable(source, widePath);
+    file.path = ToWide(source);
+    file.handle = OpenSharedFile(file.path, GENERIC_READ, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
+    if (!file.handle) ThrowUnreadable(source, file.path);
     GetFileTime(file.handle.Get(), nullptr, &file.accessed, &file.modified);
     return file;
 }
@@ -72,16 +63,14 @@ bool IsSource(const std::wstring& path, const SourceFile& source) {
 }
 
 // Most destinations do not exist yet: one call then creates the file, which cannot be the source.
-FileHandle OpenDestination(const std::string& destination, const std::string& sourcePath,
+CopiedFile OpenDestination(const std::string& destination, const std::string& sourcePath,
                            const SourceFile& source) {
-    const std::wstring widePath = ToWide(destination);
-    FileHandle file = OpenSharedFile(widePath, GENERIC_WRITE, CREATE_NEW);
-    if (file) return file;
+    CopiedFile file(ToWide(destination));
+    if (file.Open(CREATE_NEW)) return file;
     CreateParent(destination);  // a folder that has disappeared meanwhile is created again
-    if (IsSource(widePath, source))
+    if (IsSource(file.Name(), source))
         throw ZEPInsException("Cannot copy " + sourcePath + " to itself.");
-    file = OpenSharedFile(widePath, GENERIC_WRITE, CREATE_ALWAYS);
-    if (!file) ThrowLastErrorAsErrno(kCannotWrite, destination);
+    if (!file.Open(CREATE_ALWAYS)) ThrowLastErrorAsErrno(kCannotWrite, destination);
     return file;
 }
 
@@ -90,19 +79,6 @@ FileHandle OpenDestination(const std::string& destination, const std::string& so
     const DWORD error = GetLastError();
     const int value = error == ERROR_ACCESS_DENIED ? EBADF : ErrnoFromWindowsError(error);
     throw ZEPInsExceptionErrno(kCannotWrite + destination, value);
-}
-
-void CopyBytes(const FileHandle& from, const FileHandle& to, const std::string& destination) {
-    std::array<std::byte, kBufferSize> buffer;
-    DWORD count = 0;
-    // Deliberate: a failed read counts as the end of the file, and a short write goes unnoticed.
-    while (ReadFile(from.Get(), buffer.data(), kBufferSize, &count, nullptr) && count > 0) {
-        DWORD written = 0;
-        if (!WriteFile(to.Get(), buffer.data(), count, &written, nullptr))
-            ThrowWriteError(destination);
-        // Some systems report a full disk as a successful write of nothing.
-        if (written == 0) throw ZEPInsExceptionErrno(kCannotWrite + destination, ENOSPC);
-    }
 }
 
 std::uint64_t Ticks(const FILETIME& time) {
@@ -116,20 +92,20 @@ bool IsUnknownTime(const FILETIME& time) {
     return Ticks(time) / kTicksPerSecond == kUnixEpoch;
 }
 
-void SetTime(const FileHandle& file, const SourceFile& source, const std::string& destination) {
+void SetTime(CopiedFile& file, const SourceFile& source, const std::string& destination) {
     // File systems without access times (discs) give zero: use the modification time.
     const FILETIME& accessed = Ticks(source.accessed) == 0 ? source.modified : source.accessed;
     if (IsUnknownTime(accessed)) return;
     // The C runtime's time function has this one errno value for every failure.
-    if (!SetFileTime(file.Get(), nullptr, &accessed, &source.modified))
+    if (!file.SetTimes(accessed, source.modified))
         throw ZEPInsExceptionErrno("SetTime - " + destination, EINVAL);
 }
 
 // CopyOneFile into a folder that was there a moment ago.
 void CopyIntoExistingFolder(const std::string& source, const std::string& destination) {
     const SourceFile from = OpenSource(source);
-    const FileHandle to = OpenDestination(destination, source, from);
-    CopyBytes(from.handle, to, destination);
+    CopiedFile to = OpenDestination(destination, source, from);
+    if (!to.Fill(from)) ThrowWriteError(destination);
     SetTime(to, from, destination);
 }
 
@@ -139,7 +115,7 @@ void Copy(const std::string& source, const std::string& destination) {
     if (source.empty()) throw ZEPInsException("Copy - empty source path");
     if (destination.empty()) throw ZEPInsException("Copy - empty destination path");
     if (IsDirectory(GetType(source)))
-        CopyFolder(source, destination);
+        CopyDirectory(source, destination);
     else
         CopyOneFile(source, destination);
 }
@@ -149,7 +125,7 @@ void CopyOneFile(const std::string& source, const std::string& destination) {
     CopyIntoExistingFolder(source, destination);
 }
 
-void CopyFolder(const std::string& source, const std::string& destination) {
+void CopyDirectory(const std::string& source, const std::string& destination) {
     const auto entries = DirectoryEnumerator::Open(source, DirectoryEnumerator::kEverything);
     if (entries->AtEnd()) {
         CreateDir(destination);
@@ -159,7 +135,7 @@ void CopyFolder(const std::string& source, const std::string& destination) {
     for (; !entries->AtEnd(); entries->Next()) {
         const std::string target = destination + kBackslash + entries->Name();
         if (IsDirectory(entries->Type())) {
-            CopyFolder(entries->FullPath(), target);
+            CopyDirectory(entries->FullPath(), target);
             continue;
         }
         if (!std::exchange(folderMade, true)) CreateParent(target);

@@ -25,6 +25,6 @@ void CopyOneFile(const std::string& source, const std::string& destination);
 // file or empty subfolder; a source that is empty or cannot be listed gives an empty destination.
 // Other files in the destination are left alone. The first failure ends the whole copy. Throws what
 // CopyOneFile and CreateDir throw.
-void CopyFolder(const std::string& source, const std::string& destination);
+void CopyDirectory(const std::string& source, const std::string& destination);
 
 }  // namespace launcher

@@ -1,12 +1,10 @@
 #include "fs/create_dir.h"
 
-#include <windows.h>
-
 #include <exception>
 
 #include "fs/encoding.h"
 #include "fs/exceptions.h"
-#include "fs/open_file.h"
+#include "fs/new_folder.h"
 #include "fs/path.h"
 
 namespace launcher {
@@ -20,12 +18,6 @@ void CreateParentIgnoringFailure(const std::string& parent) {
     }
 }
 
-// What the C runtime's status functions find, which follow links.
-bool IsThere(const std::wstring& path, DWORD attributes) {
-    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
-    return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 || OpenForAttributes(path);
-}
-
 }  // namespace
 
 void CreateDir(const std::string& path) {
@@ -33,9 +25,8 @@ void CreateDir(const std::string& path) {
     const std::string& text = folder.Text();
     if (text.empty()) throw ZEPInsException("CreateDir - empty path");
     const std::wstring wideText = ToWide(text);
-    const DWORD attributes = GetFileAttributesW(wideText.c_str());
-    if (IsThere(wideText, attributes)) {
-        if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return;
+    if (const std::optional<FileType> type = WhatIsAt(wideText)) {
+        if (IsDirectory(*type)) return;
         throw ZEPInsException("CreateDir - " + text + " is not a directory.");
     }
     const Path parent = Parent(folder);
@@ -43,7 +34,7 @@ void CreateDir(const std::string& path) {
     CreateParentIgnoringFailure(parent.Text());
     if (FileName(folder) == ".") return;
     // Deliberate: unlike the two above, this message names the Windows call.
-    if (!CreateDirectoryW(wideText.c_str(), nullptr)) ThrowLastError("CreateDirectory - ", text);
+    if (!MakeFolder(wideText)) ThrowLastError("CreateDirectory - ", text);
 }
 
 }  // namespace launcher

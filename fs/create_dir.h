@@ -10,7 +10,6 @@ namespace launcher {
 //   "CreateDir - " + path + " is not a directory."
 //   "CreateDirectory - " + path + the system's text
 // Folders made before a failure stay.
-// https://learn.microsoft.com/windows/win32/api/fileapi/nf-fileapi-createdirectoryw
 void CreateDir(const std::string& path);
 
 }  // namespace launcher

@@ -12,8 +12,8 @@ std::unique_ptr<DirectoryEnumerator> DirectoryEnumerator::Open(const std::string
 }
 
 DirectoryEnumerator::DirectoryEnumerator(const std::string& folder, std::uint32_t filter)
-    : folder_(Path(folder).Text()), filter_(filter) {
-    if (folder_.empty()) throw ZEPInsException("FindFirstFile - Path is empty");
+    : dirPath_(Path(folder).Text()), filter_(filter) {
+    if (dirPath_.empty()) throw ZEPInsException("FindFirstFile - Path is empty");
     *findHandle_.Put() = FindFirstFileW(ToWide(folder + "\\*").c_str(), &findData_);
     atEnd_ = !findHandle_;
     SkipToAccepted();
@@ -31,7 +31,7 @@ void DirectoryEnumerator::Fetch() {
 void DirectoryEnumerator::SkipToAccepted() {
     for (; !atEnd_; Fetch()) {
         name_ = ToNarrow(findData_.cFileName);
-        fullPath_ = folder_ + kBackslash + name_;
+        fullPath_ = dirPath_ + kBackslash + name_;
         type_ = TypeFromAttributes(findData_.dwFileAttributes);
         if (name_ == "." || name_ == "..") continue;
         if ((filter_ & static_cast<std::uint32_t>(type_)) != 0) return;

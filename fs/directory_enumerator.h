@@ -40,7 +40,7 @@ class DirectoryEnumerator {
     void Fetch();           // one step of the system's search
     void SkipToAccepted();  // from the entry just fetched
 
-    std::string folder_;
+    std::string dirPath_;
     std::uint32_t filter_;
     bool atEnd_ = false;
     std::string name_;

@@ -4,6 +4,7 @@
 
 #include "fs/encoding.h"
 #include "fs/exceptions.h"
+#include "fs/open_file.h"
 #include "fs/owners.h"
 
 namespace launcher {
@@ -28,8 +29,16 @@ FileType TypeFromAttributes(std::uint32_t attributes) {
     return folder ? FileType::Directory : FileType::File;
 }
 
-bool PathExists(const std::string& path) {
+bool IsThere(const std::string& path) {
     return !path.empty() && GetFileAttributesW(ToWide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::optional<FileType> TypeBehindLinks(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
+    const bool isLink = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    if (isLink && !OpenForAttributes(path)) return std::nullopt;
+    return TypeFromAttributes(attributes);
 }
 
 FileType GetType(const std::string& path) {

@@ -2,9 +2,9 @@
 
 namespace launcher {
 
-FileHandle OpenSharedFile(const std::wstring& path, DWORD access, DWORD disposition) {
+FileHandle OpenSharedFile(const std::wstring& path, DWORD access, DWORD disposition, DWORD flags) {
     return FileHandle(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                  disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+                                  disposition, flags, nullptr));
 }
 
 FileHandle OpenForAttributes(const std::wstring& path) {

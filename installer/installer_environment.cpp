@@ -43,16 +43,9 @@ void SetMediaVariables(const LaunchOptions& options) {
                              kListSeparator + GetEnvVar("PATH"));
 }
 
-// Forced on every run, whatever the user set. The mix of "f" and "1" is what the installer expects.
-void SetFixedSwitches() {
-    SetEnvVar("ZEPSysIRManagementActivation", "NO");
-    SetEnvVar("MORAppBridge", "NO");
-    SetEnvVar("ZEPAdmInstDebugEnv", "f");
-    SetEnvVar("ZEPAdmInstDebugSummary", "f");
-    SetEnvVar("ZEPAdmInstDebugIndexes", "f");
-    SetEnvVar("ZEPAdmInstDebugAction", "f");
-    SetEnvVar("ZEPAdmInstDebugError", "1");
-    SetEnvVar("ZEPAdmInstDebugEverything", "1");
+void SetFixedVariables() {
+    for (const FixedVariable& variable : kFixedVariables)
+        SetEnvVar(variable.name, variable.value);
 }
 
 void SetSessionVariables(const LaunchOptions& options) {
@@ -65,7 +58,7 @@ void SetSessionVariables(const LaunchOptions& options) {
 
 void PrepareInstallerEnvironment(const LaunchOptions& options) {
     SetMediaVariables(options);
-    SetFixedSwitches();
+    SetFixedVariables();
     SetSessionVariables(options);
 }
 
@@ -84,7 +77,7 @@ void SetSearchPathVariable(const LaunchOptions& options, const std::string& name
 }
 
 void BackupEnvVar(const std::string& name) {
-    SetEnvVar("ZEP_BAK_" + name, "ZEP_BAK=" + GetEnvVar(name));
+    SetEnvVar(kBackupPrefix + name, "ZEP_BAK=" + GetEnvVar(name));
 }
 
 }  // namespace launcher

@@ -119,11 +119,12 @@ void ChooseInstaller(LaunchOptions& options) {
     if (!is64Bit && options.installerExePath.empty()) RefuseOn32BitWindows(options, flavours);
     if (UsesCurrentMedia(options)) {
         options.installerOrigin = InstallerOrigin::CurrentMedia;
-        return;
+    } else {
+        options.installerExePath.clear();
+        ChooseFlavourByMarker(options, flavours, is64Bit);
+        options.installerOrigin = TakeFromInstallerMedia(options);
     }
-    options.installerExePath.clear();
-    ChooseFlavourByMarker(options, flavours, is64Bit);
-    options.installerOrigin = TakeFromInstallerMedia(options);
+    options.installerFoundAt = options.installerExePath;
 }
 
 }  // namespace launcher

@@ -30,6 +30,10 @@ void WarnOfRemovableMedia(const LaunchOptions& options) {
 
 }  // namespace
 
+bool IsVolumeCountAskedFor() {
+    return !GetEnvVar("ZEPAdmODTMultiVolumes").empty();
+}
+
 int RunLauncher(LaunchOptions& options) {
     if (!CheckWebLibrary(options)) return 1;
     WarnOfOldWindows(options);
@@ -37,7 +41,7 @@ int RunLauncher(LaunchOptions& options) {
 
     std::vector<std::string> volumes;
     const int volumeCount = ResolveVolumes(options, volumes);
-    if (!GetEnvVar("ZEPAdmODTMultiVolumes").empty()) return volumeCount;
+    if (IsVolumeCountAskedFor()) return volumeCount;
     if (volumeCount > 1) ExportVolumePaths(volumes);
 
     const std::string temporaryDir = NewTemporaryFolderName();

@@ -4,10 +4,13 @@ namespace launcher {
 
 class LaunchOptions;
 
+// True while "ZEPAdmODTMultiVolumes" asks only for the number of volumes.
+bool IsVolumeCountAskedFor();
+
 // The whole run after the command line is read: checks the machine, finds the installer and the
 // volumes of the media, copies the installer to a temporary folder, prepares its environment and
 // starts it. Returns the process's exit code: 1 for every refusal, the number of volumes when
-// "ZEPAdmODTMultiVolumes" asks for it, else the result of LaunchInstaller. Most failures end the
+// it is asked for, else the result of LaunchInstaller. Most failures end the
 // process from within, after a message, with exit code 1.
 int RunLauncher(LaunchOptions& options);
 

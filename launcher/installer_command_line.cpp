@@ -9,6 +9,8 @@
 namespace launcher {
 namespace {
 
+constexpr char kDebugVar[] = "DEBUGCMD_INSTALLK7";
+
 std::string Quoted(const std::string& text) {
     return "\"" + text + "\"";
 }
@@ -31,8 +33,7 @@ void AddMediaArguments(LaunchOptions& options) {
 
 // What precedes the installer on its command line; empty in normal use.
 std::string DebugPrefix() {
-    const std::string value = GetEnvVar("DEBUGCMD_INSTALLK7");
-    return value == "1" ? "cmd.exe /k echo" : value;
+    return IsCommandLineOnlyShown() ? "cmd.exe /k echo" : GetEnvVar(kDebugVar);
 }
 
 // Adds what the launcher tells the installer; for software management also in the environment. A
@@ -58,6 +59,10 @@ std::string CommandLine(const LaunchOptions& options) {
 }
 
 }  // namespace
+
+bool IsCommandLineOnlyShown() {
+    return GetEnvVar(kDebugVar) == "1";
+}
 
 std::string BuildInstallerCommandLine(LaunchOptions& options) {
     CompleteInstallerArgs(options);

@@ -18,4 +18,7 @@ class LaunchOptions;
 // value is a program, with its arguments, to run in front of the line.
 std::string BuildInstallerCommandLine(LaunchOptions& options);
 
+// True while "DEBUGCMD_INSTALLK7" is "1": the line is echoed in a console that stays open.
+bool IsCommandLineOnlyShown();
+
 }  // namespace launcher

@@ -9,13 +9,12 @@
 
 namespace {
 
-constexpr char kInstallerExeName[] = "ZEPInsAppliGUI.exe";
-
 // A command line that cannot be split leaves the defaults.
 launcher::LaunchOptions OptionsFromCommandLine() {
     int argc = 0;
     const launcher::LocalMemory<wchar_t*> argv(CommandLineToArgvW(GetCommandLineW(), &argc));
-    return launcher::LaunchOptions(argc, argv.Get(), kInstallerExeName, /*useGuiDefault=*/true,
+    return launcher::LaunchOptions(argc, argv.Get(), launcher::kInstallerName,
+                                   /*useGuiDefault=*/true,
                                    /*waitDefault=*/false);
 }
 

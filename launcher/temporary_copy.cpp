@@ -16,10 +16,6 @@ namespace {
 
 constexpr char kOriginalMediaDirVar[] = "ZEPAdmInstOriginalMediaDir";
 
-// The installer's part of a media, in the order in which it is copied. All are required.
-constexpr const char* kMediaEntries[] = {kInstFolder, "meta.TOCxml",  "media.xml",      "media.db",
-                                         "setup.exe", "StartTUI.exe", "setup_noUAC.exe"};
-
 void CopyMediaEntries(const LaunchOptions& options, const std::string& temporaryDir) {
     try {
         for (const std::string entry : kMediaEntries)
@@ -58,8 +54,12 @@ std::string NewTemporaryFolderName() {
     return GetEnvVar("TEMP") + kBackslash + NewUuidText(/*upperCase=*/true) + kBackslash;
 }
 
+bool IsCopyForbidden() {
+    return !GetEnvVar("ZEPAdmInstDontCopyInstaller").empty();
+}
+
 void CopyInstallerToTemporaryFolder(LaunchOptions& options, const std::string& temporaryDir) {
-    if (!GetEnvVar("ZEPAdmInstDontCopyInstaller").empty() || options.skipTemporaryCopy) {
+    if (IsCopyForbidden() || options.skipTemporaryCopy) {
         SetEnvVar(kOriginalMediaDirVar, "");
         return;
     }

@@ -10,9 +10,12 @@ class LaunchOptions;
 // Nothing is created.
 std::string NewTemporaryFolderName();
 
+// True while "ZEPAdmInstDontCopyInstaller" is set.
+bool IsCopyForbidden();
+
 // Copies the installer's part of the media into `temporaryDir`, so that the media may be removed
 // during the installation, and moves `mediaDir` and `installerExePath` onto the copy; or leaves
-// everything in place when "ZEPAdmInstDontCopyInstaller" or `skipTemporaryCopy` says so.
+// everything in place when IsCopyForbidden() or `skipTemporaryCopy` says so.
 // "ZEPAdmInstOriginalMediaDir" tells the installer of the media it was copied from, and is removed
 // without a copy.
 //

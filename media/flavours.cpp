@@ -22,19 +22,22 @@ constexpr KnownFlavour kKnownFlavours[] = {
 
 }  // namespace
 
-std::vector<Flavour> MediaFlavours(const LaunchOptions& options) {
-    const Path& media = options.mediaDir;
-    const std::string givenMarker = GetEnvVar("ZEPAdmInstODTinstallOSpath");
+std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName,
+                                const std::string& givenMarker) {
     std::vector<Flavour> flavours;
     for (const auto& [osFolder, needs64BitWindows] : kKnownFlavours) {
-        const std::string markerName = std::string(osFolder) + ".installos";
-        flavours.push_back({osFolder, needs64BitWindows,
-                            InstallerExecutable(media, osFolder, options.installerExeName).Text(),
-                            givenMarker.empty()
-                                ? Join(media, {kInstFolder, kCommonFolder, markerName}).Text()
-                                : givenMarker});
+        const std::string markerName = std::string(osFolder) + kFlavourMarkerExtension;
+        flavours.push_back(
+            {osFolder, needs64BitWindows, InstallerExecutable(mediaDir, osFolder, exeName).Text(),
+             givenMarker.empty() ? Join(mediaDir, {kInstFolder, kCommonFolder, markerName}).Text()
+                                 : givenMarker});
     }
     return flavours;
+}
+
+std::vector<Flavour> MediaFlavours(const LaunchOptions& options) {
+    return FlavoursIn(options.mediaDir, options.installerExeName,
+                      GetEnvVar("ZEPAdmInstODTinstallOSpath"));
 }
 
 }  // namespace launcher

@@ -3,9 +3,14 @@
 #include <string>
 #include <vector>
 
+#include "fs/path.h"
+
 namespace launcher {
 
 class LaunchOptions;
+
+// A marker's name is that of the per-OS folder, and this.
+inline constexpr char kFlavourMarkerExtension[] = ".installos";
 
 // One operating-system flavour of a media: a per-OS folder below "inst" with the installer for it,
 // and a flavour marker, whose existence says that the media, or the separate installer media it
@@ -22,8 +27,13 @@ constexpr bool Suits(const Flavour& flavour, bool is64BitWindows) {
     return is64BitWindows || !flavour.needs64BitWindows;
 }
 
-// The flavours of the media in `mediaDir`, the preferred one first. While
-// "ZEPAdmInstODTinstallOSpath" is set, its value, as it is given, is the flavour marker of all.
+// The flavours that the media in `mediaDir` may have, the preferred one first, with the places of
+// the installer `exeName`. `givenMarker`, unless it is empty, is the flavour marker of all of them.
+std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName,
+                                const std::string& givenMarker = {});
+
+// Those of this run: while "ZEPAdmInstODTinstallOSpath" is set, its value, as it is given, is the
+// marker.
 std::vector<Flavour> MediaFlavours(const LaunchOptions& options);
 
 }  // namespace launcher

@@ -6,7 +6,7 @@
 
 namespace launcher {
 
-// The fixed folder names of a media.
+// The fixed names of a media.
 inline constexpr char kInstFolder[] = "inst";      // at the media's root
 inline constexpr char kCommonFolder[] = "common";  // in "inst", beside the per-OS folders
 inline constexpr char kCodeFolder[] = "code";      // in a per-OS folder
@@ -14,6 +14,13 @@ inline constexpr char kBinFolder[] = "bin";        // in "code"; holds the insta
 
 // In "inst" of volume 1: the number of volumes of a split media.
 inline constexpr char kCountFile[] = "volumes.txt";
+
+inline constexpr char kLauncherName[] = "setup.exe";
+
+// The installer's part of a media: what is copied of its root, in this order. All are required.
+inline constexpr const char* kMediaEntries[] = {kInstFolder,      "meta.TOCxml", "media.xml",
+                                                "media.db",       kLauncherName, "StartTUI.exe",
+                                                "setup_noUAC.exe"};
 
 // The installer `exeName` in the media `mediaDir`, in its per-OS folder.
 inline Path InstallerExecutable(const Path& mediaDir, const std::string& osFolder,

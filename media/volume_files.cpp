@@ -30,7 +30,7 @@ class FileStream : public InputStream {
 
 }  // namespace
 
-std::string ReadMtbDir(const std::string& path) {
+std::string MtbDirInFile(const std::string& path) {
     FileStream input(path);
     return FindMtbDir(input);
 }

@@ -23,25 +23,17 @@ struct Pass {
 // A split media whose volume 1 was found and identified.
 struct SplitMedia {
     const LaunchOptions& options;  // of which `mediaDir` is the folder of volume 1
+    TellVariable tell;
     VolumeNumber count;
     std::string id;
 };
-
-// The marker of an outer volume, in an ancestor of volume 1's folder.
-struct OuterMarker {
-    VolumeNumber number;
-    std::string fileName;
-    Path folder;
-};
-
-constexpr char kVolumeMarkerSuffix[] = ".txt";
 
 std::string Decimal(VolumeNumber number) {
     return std::to_string(number);
 }
 
 std::string ReadVolumeId(const Path& folder, VolumeNumber number) {
-    return ReadMtbDir(Join(folder, Decimal(number) + kVolumeMarkerSuffix).Text());
+    return ReadMtbDir(MarkerIn(folder, number).Text());
 }
 
 void Trace(const LaunchOptions& options, const std::string& text) {
@@ -95,7 +87,7 @@ Pass SiblingPass(const SplitMedia& media) {
 
 // Looks for the outer volume `m`, and in it for volume `j`.
 void CheckOuterVolume(const SplitMedia& media, const OuterSet& set, VolumeNumber m, Pass& pass) {
-    const Path outer = Join(Parent(set.folder), Decimal(m));
+    const Path outer = OuterVolumeFolder(set, m);
     const std::string id = ReadVolumeId(outer, m);
     if (id.empty()) return;
     if (id != set.id) {
@@ -106,7 +98,7 @@ void CheckOuterVolume(const SplitMedia& media, const OuterSet& set, VolumeNumber
     }
     Trace(media.options, "AM volume " + Decimal(m) + " found in: " + outer.Text());
     const VolumeNumber j = m - set.first + 1;
-    CheckVolumeFolder(media, j, Join(outer, {set.relativePath.Text(), Decimal(j)}), pass);
+    CheckVolumeFolder(media, j, FolderInOuterVolume(set, j), pass);
 }
 
 Pass OuterPass(const SplitMedia& media, const OuterSet& set) {
@@ -114,14 +106,6 @@ Pass OuterPass(const SplitMedia& media, const OuterSet& set) {
     ForEachVolumeNumber(Parent(set.folder), set.first + 1, set.first + media.count - 1, "",
                         [&](VolumeNumber m) { CheckOuterVolume(media, set, m, pass); });
     return pass;
-}
-
-// The number in the name of an outer volume's marker ("7.txt", "42.txt"); below 1 for any other
-// name.
-int OuterMarkerNumber(const std::string& name) {
-    const bool named =
-        (name.size() == 5 || name.size() == 6) && name.ends_with(kVolumeMarkerSuffix);
-    return named ? ToIntOr(name.substr(0, name.size() - 4), -1) : -1;
 }
 
 // The first marker of the nearest ancestor that holds one.
@@ -138,18 +122,22 @@ std::optional<OuterMarker> FindOuterMarker(const Path& mediaDir) {
     return std::nullopt;
 }
 
-std::optional<OuterSet> FindOuterSet(const LaunchOptions& options) {
+std::optional<OuterSet> FindOuterSet(const SplitMedia& media) {
+    const LaunchOptions& options = media.options;
     const std::optional<OuterMarker> marker = FindOuterMarker(options.mediaDir);
     if (!marker) return std::nullopt;
-    const std::string id = ReadMtbDir(Join(marker->folder, marker->fileName).Text());
-    if (id.empty()) {
+    OuterSet set = OuterSetOf(options.mediaDir, *marker);
+    if (set.id.empty()) {
         TraceWarning(options, "Cannot open " + marker->fileName + " in " + marker->folder.Text());
         Trace(options, "Please make sure you copied and/or extracted everything properly.");
         return std::nullopt;
     }
-    Trace(options, "AM volume " + Decimal(marker->number) + " found in: " + marker->folder.Text());
-    return OuterSet{marker->number, id, marker->folder,
-                    RelativePath(Parent(options.mediaDir), marker->folder)};
+    media.tell(kMtbDirVar, set.id);
+    Trace(options, "AM volume " + Decimal(set.first) + " found in: " + set.folder.Text());
+    media.tell(kFirstOuterVolumeVar, Decimal(set.first));
+    media.tell(kFirstOuterPathVar, set.folder.Text());
+    media.tell(kOuterRelativePathVar, set.relativePath.Text());
+    return set;
 }
 
 // True when a pass settles the whole search: complete, as `layout`, or incomplete. False when only
@@ -170,28 +158,47 @@ bool Settles(Pass pass, VolumeLayout layout, const SplitMedia& media, FoundVolum
 void SearchLayouts(const SplitMedia& media, FoundVolumes& found) {
     const LaunchOptions& options = media.options;
     if (Settles(SingleFolderPass(media), VolumeLayout::OneFolder, media, found)) {
-        if (found.layout == VolumeLayout::OneFolder)
-            Trace(options, "All volumes found in: " + options.mediaDir.Text());
+        if (found.layout != VolumeLayout::OneFolder) return;
+        Trace(options, "All volumes found in: " + options.mediaDir.Text());
+        // An ordinary media to the installer.
+        media.tell(kVolumesCountVar, "");
         return;
     }
     Trace(options, "Volume 1 found in: " + options.mediaDir.Text());
     if (Settles(SiblingPass(media), VolumeLayout::Siblings, media, found)) return;
-    found.outer = FindOuterSet(options);
+    found.outer = FindOuterSet(media);
     if (found.outer) Settles(OuterPass(media, *found.outer), VolumeLayout::Outer, media, found);
 }
 
-bool IsToBeSearched(const LaunchOptions& options, const std::string& countFile) {
+CopySkipped WhyNotSearched(const LaunchOptions& options) {
+    if (options.softMgt) return CopySkipped::BySoftMgt;
     // The misspelt name is part of the interface.
-    return PathExists(countFile) && !options.softMgt &&
-           GetEnvVar("ZEP_Online_Installation_Caf_Repositiory").empty();
+    if (!GetEnvVar("ZEP_Online_Installation_Caf_Repositiory").empty())
+        return CopySkipped::ByRepository;
+    return CopySkipped::No;
 }
 
 }  // namespace
 
-FoundVolumes FindVolumes(const LaunchOptions& options) {
+OuterSet OuterSetOf(const Path& mediaDir, const OuterMarker& marker) {
+    return {marker.number, ReadMtbDir(marker.File().Text()), marker.folder,
+            RelativePath(Parent(mediaDir), marker.folder)};
+}
+
+Path OuterVolumeFolder(const OuterSet& set, VolumeNumber outer) {
+    return Join(Parent(set.folder), Decimal(outer));
+}
+
+Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume) {
+    return Join(OuterVolumeFolder(set, set.first + volume - 1),
+                {set.relativePath.Text(), Decimal(volume)});
+}
+
+FoundVolumes FindVolumes(const LaunchOptions& options, TellVariable tell) {
     FoundVolumes found;
-    const std::string countFile = Join(options.mediaDir, {kInstFolder, kCountFile}).Text();
-    const bool isSearched = IsToBeSearched(options, countFile);
+    const std::string countFile = CountFileIn(options.mediaDir).Text();
+    found.notSearched = WhyNotSearched(options);
+    const bool isSearched = PathExists(countFile) && found.notSearched == CopySkipped::No;
     if (isSearched) found.count = ReadVolumeCount(countFile);
     if (!isSearched || (found.count && found.count->count < 2)) {
         found.layout = VolumeLayout::NotSplit;
@@ -201,13 +208,15 @@ FoundVolumes FindVolumes(const LaunchOptions& options) {
     // The line as it was read, whatever follows the number in it.
     TraceMessage(options, "This media is composed of " + found.count->line + " volumes.",
                  Severity::Info);
+    tell(kVolumesCountVar, found.count->line);
     found.id = ReadVolumeId(options.mediaDir, 1);
     if (found.id.empty()) {
         TraceWarning(options, "1.txt not found or not accessible in: " + options.mediaDir.Text());
         Trace(options, "Please make sure you copied the whole volume.");
         return found;
     }
-    SearchLayouts(SplitMedia{options, found.count->count, found.id}, found);
+    tell(kMtbDirVar, found.id);
+    SearchLayouts(SplitMedia{options, tell, found.count->count, found.id}, found);
     return found;
 }
 

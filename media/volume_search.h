@@ -10,6 +10,7 @@
 
 namespace launcher {
 
+enum class CopySkipped : int;
 class LaunchOptions;
 
 // How the volumes of a media lie.
@@ -21,6 +22,15 @@ enum class VolumeLayout {
     Incomplete,  // not found: some are missing or foreign, or nobody can tell how many there are
 };
 
+// The marker of an outer volume, in an ancestor of volume 1's folder.
+struct OuterMarker {
+    VolumeNumber number;
+    std::string fileName;
+    Path folder;
+
+    Path File() const { return Join(folder, fileName); }
+};
+
 // The outer set that a media is nested in ("AM" in messages and variables).
 struct OuterSet {
     VolumeNumber first;  // the outer volume that holds volume 1
@@ -29,8 +39,17 @@ struct OuterSet {
     Path relativePath;  // from there to the parent of volume 1's folder
 };
 
+// The set that the outer volume with this marker belongs to; its `id` is empty when the marker has
+// none.
+OuterSet OuterSetOf(const Path& mediaDir, const OuterMarker& marker);
+
+// Where the search expects an outer volume, and in one of them the volume `volume` of the media.
+Path OuterVolumeFolder(const OuterSet& set, VolumeNumber outer);
+Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume);
+
 // What a search for the volumes of a media found, as far as it came.
 struct FoundVolumes {
+    CopySkipped notSearched{};  // what forbids the search, when something does
     VolumeLayout layout = VolumeLayout::Incomplete;
     std::optional<VolumeCount> count;  // nothing when "volumes.txt" was not read
     std::string id;                    // of a split media, from the marker of volume 1
@@ -39,8 +58,19 @@ struct FoundVolumes {
                                        // those that were found when some are missing
 };
 
+// What the installer is told of the volumes.
+inline constexpr char kVolumesCountVar[] = "ZEPAdmInstVolumesCount";
+inline constexpr char kMtbDirVar[] = "ZEPAdmInstMTBDIR";
+inline constexpr char kFirstOuterVolumeVar[] = "ZEPAdmInstFirstAMVolume";
+inline constexpr char kFirstOuterPathVar[] = "ZEPAdmInstFirstAMPath";
+inline constexpr char kOuterRelativePathVar[] = "ZEPAdmInstAMRelativePath";
+
+// Takes the value of one of these variables, which may change during a search; empty to remove it.
+using TellVariable = void (*)(const std::string& name, const std::string& value);
+
 // Searches for the volumes of the media in `mediaDir`, the folder of volume 1. What it finds, and
-// what is wrong, is traced; nothing else is changed. Throws nothing.
-FoundVolumes FindVolumes(const LaunchOptions& options);
+// what is wrong, is traced, and `tell` gets each variable as soon as it is known, between these
+// messages; nothing else is changed. Throws nothing.
+FoundVolumes FindVolumes(const LaunchOptions& options, TellVariable tell);
 
 }  // namespace launcher

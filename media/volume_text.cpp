@@ -7,8 +7,6 @@
 namespace launcher {
 namespace {
 
-constexpr char kMtbDirPrefix[] = "MTBDIR=";
-
 std::optional<int> ToInt(const std::string& text) {
     try {
         return std::stoi(text);
@@ -26,6 +24,11 @@ InputStream& ReadTextLine(InputStream& input, std::string& line) {
 
 int ToIntOr(const std::string& text, int fallback) {
     return ToInt(text).value_or(fallback);
+}
+
+int OuterMarkerNumber(const std::string& name) {
+    const bool named = (name.size() == 5 || name.size() == 6) && name.ends_with(".txt");
+    return named ? ToIntOr(name.substr(0, name.size() - 4), -1) : -1;
 }
 
 std::string FindMtbDir(InputStream& input) {

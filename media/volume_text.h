@@ -18,6 +18,13 @@ InputStream& ReadTextLine(InputStream& input, std::string& line);
 // after it. `fallback` when there is none or when it does not fit.
 int ToIntOr(const std::string& text, int fallback);
 
+// The number in the name of an outer volume's marker ("7.txt", "42.txt"); below 1 for any other
+// name.
+int OuterMarkerNumber(const std::string& name);
+
+// Begins the line of a marker that names the media.
+inline constexpr char kMtbDirPrefix[] = "MTBDIR=";
+
 // What follows "MTBDIR=" in the first line that begins with it, blanks included; empty when there
 // is no such line.
 std::string FindMtbDir(InputStream& input);

@@ -10,28 +10,10 @@
 namespace launcher {
 namespace {
 
-constexpr char kVolumesCountVar[] = "ZEPAdmInstVolumesCount";
-constexpr char kMtbDirVar[] = "ZEPAdmInstMTBDIR";
-constexpr char kFirstOuterVolumeVar[] = "ZEPAdmInstFirstAMVolume";
-constexpr char kFirstOuterPathVar[] = "ZEPAdmInstFirstAMPath";
-constexpr char kOuterRelativePathVar[] = "ZEPAdmInstAMRelativePath";
-
 void ClearVolumeVariables() {
     for (const char* name : {kVolumesCountVar, kMtbDirVar, kFirstOuterVolumeVar, kFirstOuterPathVar,
                              kOuterRelativePathVar})
         SetEnvVar(name, "");
-}
-
-// A media of which something was found, complete or not. One that is complete in one folder is an
-// ordinary media to the installer.
-void SetVolumeVariables(const FoundVolumes& found) {
-    if (found.layout == VolumeLayout::NotSplit || !found.count) return;
-    if (found.layout != VolumeLayout::OneFolder) SetEnvVar(kVolumesCountVar, found.count->line);
-    SetEnvVar(kMtbDirVar, found.outer ? found.outer->id : found.id);
-    if (!found.outer) return;
-    SetEnvVar(kFirstOuterVolumeVar, std::to_string(found.outer->first));
-    SetEnvVar(kFirstOuterPathVar, found.outer->folder.Text());
-    SetEnvVar(kOuterRelativePathVar, found.outer->relativePath.Text());
 }
 
 int ResultOf(const FoundVolumes& found) {
@@ -48,14 +30,21 @@ int ResultOf(const FoundVolumes& found) {
     return 0;
 }
 
+CopySkipped WhyNotCopied(const FoundVolumes& found) {
+    if (found.notSearched != CopySkipped::No) return found.notSearched;
+    return found.layout == VolumeLayout::NotSplit ? CopySkipped::NotSplit : CopySkipped::Complete;
+}
+
 }  // namespace
 
 int ResolveVolumes(LaunchOptions& options, std::vector<std::string>& volumes) {
     ClearVolumeVariables();
-    FoundVolumes found = FindVolumes(options);
-    SetVolumeVariables(found);
+    FoundVolumes found = FindVolumes(options, SetEnvVar);
     const int result = ResultOf(found);
-    if (result != 0) options.skipTemporaryCopy = true;
+    if (result != 0) {
+        options.skipTemporaryCopy = true;
+        options.copySkipped = WhyNotCopied(found);
+    }
     volumes = std::move(found.folders);
     return result;
 }

@@ -17,6 +17,7 @@
 #include "mediatool/create/report.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "mediatool/dry_run/report.h"
+#include "mediatool/run/command.h"
 #include "mediatool/validate/findings.h"
 #include "mediatool/validate/report.h"
 
@@ -250,7 +251,8 @@ struct DryRunCommand {
 class Mediatool {
   public:
     Mediatool()
-        : app_("Checks, makes and rehearses installation media.", "mediatool"),
+        : app_("Checks, makes, rehearses and runs installation media.", "mediatool"),
+          run_(app_),
           dryRun_(app_),
           validate_(app_),
           create_(app_),
@@ -266,11 +268,14 @@ class Mediatool {
         std::vector<std::string> arguments(all.begin(), end);
         std::vector<std::string> launcherArguments(hasEnd ? end + 1 : end, all.end());
         CheckCommand(arguments);
-        isDryRun_ = !arguments.empty() && arguments.front() == dryRun_.command->get_name();
+        isRun_ = IsFor(run_.command, arguments);
+        startsLauncher_ = isRun_ || IsFor(dryRun_.command, arguments);
         std::ranges::reverse(arguments);  // as CLI11 wants them
         app_.parse(std::move(arguments));
         if (dryRun_.command->parsed()) return dryRun_.Run(std::move(launcherArguments));
-        if (hasEnd) throw BadInput("Only dry-run takes arguments of the launcher, after --.");
+        if (run_.command->parsed()) return run_.Run(std::move(launcherArguments));
+        if (hasEnd)
+            throw BadInput("Only run and dry-run take arguments of the launcher, after --.");
         if (validate_.command->parsed()) return validate_.Run();
         if (checksum_.command->parsed()) return checksum_.Run();
         return create_.Run();
@@ -287,30 +292,41 @@ class Mediatool {
             return kSuccess;
         }
         const bool isLaunchers =
-            isDryRun_ && request.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+            startsLauncher_ &&
+            request.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
         PrintError(std::string("mediatool: ") + request.what() +
                    (isLaunchers ? " (the launcher's own arguments go after --)" : "") + "\n");
-        return kWrongUse;
+        return WrongUse();
     }
 
+    // Those of run have to differ from the launcher's.
+    int WrongUse() const { return isRun_ ? kOwnMistake : kWrongUse; }
+
   private:
+    static bool IsFor(const CLI::App* command, const std::vector<std::string>& arguments) {
+        return !arguments.empty() && arguments.front() == command->get_name();
+    }
+
     // CLI11 would only say that a command is missing.
     void CheckCommand(const std::vector<std::string>& arguments) const {
         if (arguments.empty() || arguments.front().starts_with('-')) return;
         const std::string& name = arguments.front();
         for (const CLI::App* command :
-             {dryRun_.command, validate_.command, create_.command, checksum_.command})
+             {run_.command, dryRun_.command, validate_.command, create_.command,
+              checksum_.command})
             if (command->get_name() == name) return;
         throw BadInput("There is no command \"" + name +
-                       "\"; there are dry-run, validate, create and checksum.");
+                       "\"; there are run, dry-run, validate, create and checksum.");
     }
 
     CLI::App app_;
+    RunCommand run_;
     DryRunCommand dryRun_;
     ValidateCommand validate_;
     CreateCommand create_;
     ChecksumCommand checksum_;
-    bool isDryRun_ = false;  // the command is
+    bool isRun_ = false;           // the command is
+    bool startsLauncher_ = false;  // or rehearses it: the command is run or dry-run
 };
 
 int Complain(const std::exception& failure, int exitCode) {
@@ -329,9 +345,9 @@ int RunMediatool(const std::vector<std::string>& arguments) {
     } catch (const Refused& failure) {
         return Complain(failure, kFailure);
     } catch (const BadInput& failure) {
-        return Complain(failure, kWrongUse);
+        return Complain(failure, mediatool.WrongUse());
     } catch (const std::exception& failure) {
-        return Complain(failure, kWrongUse);
+        return Complain(failure, mediatool.WrongUse());
     }
 }
 

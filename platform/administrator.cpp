@@ -59,16 +59,15 @@ bool IsProcessElevated() {
 
 }  // namespace
 
+bool IsAdministratorHidden() {
+    return !GetEnvVar("ZEPProcessNotAdmin").empty();
+}
+
 bool DetectAdministrator() {
-    if (!GetEnvVar("ZEPProcessNotAdmin").empty()) return false;
+    if (IsAdministratorHidden()) return false;
     const DWORD majorVersion = WindowsMajorVersion();
     if (!IsMember(AdministratorsGroup())) return false;
     return majorVersion < kWindowsVista || IsProcessElevated();
-}
-
-bool IsAdministrator() {
-    static const bool answer = DetectAdministrator();
-    return answer;
 }
 
 }  // namespace launcher

@@ -14,4 +14,7 @@ bool IsAdministrator();
 // https://learn.microsoft.com/windows/win32/api/securitybaseapi/nf-securitybaseapi-checktokenmembership
 bool DetectAdministrator();
 
+// True while "ZEPProcessNotAdmin" is set.
+bool IsAdministratorHidden();
+
 }  // namespace launcher

@@ -6,7 +6,7 @@
 
 namespace launcher {
 
-bool Is64BitWindows() {
+bool Detect64BitWindows() {
     static const auto getNativeSystemInfo =
         ModuleFunction<decltype(&GetNativeSystemInfo)>(L"kernel32", "GetNativeSystemInfo");
     static const auto isWow64Process =

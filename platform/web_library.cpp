@@ -6,7 +6,7 @@
 
 namespace launcher {
 
-bool HasRequiredWebLibrary() {
+bool DetectRequiredWebLibrary() {
     const Library library(LoadLibraryExW(L"wininet.dll", nullptr, DONT_RESOLVE_DLL_REFERENCES));
     return !library || GetProcAddress(library.Get(), "HttpWebSocketReceive") != nullptr;
 }

@@ -4,7 +4,7 @@
 
 namespace launcher {
 
-bool IsWindows8OrNewer() {
+bool DetectWindows8() {
     OSVERSIONINFOEXW wanted{};
     wanted.dwOSVersionInfoSize = sizeof wanted;
     wanted.dwMajorVersion = 6;

@@ -2,8 +2,10 @@
 
 namespace launcher {
 
-// True on Windows 8 and newer; false when Windows cannot say.
+// Both: true on Windows 8 and newer; false when Windows cannot say. The second asks the machine;
+// the first is what the launcher goes by.
 // https://learn.microsoft.com/windows/win32/api/winbase/nf-winbase-verifyversioninfow
 bool IsWindows8OrNewer();
+bool DetectWindows8();
 
 }  // namespace launcher

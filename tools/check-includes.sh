@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 
 # From the lowest to the highest. A folder that is not named belongs to the room that it is in.
 rooms="fs platform launcher/base media installer launcher mediatool/base mediatool/media
-    mediatool/validate mediatool/create mediatool/dry_run mediatool"
+    mediatool/validate mediatool/create mediatool/dry_run mediatool/run mediatool"
 
 # shellcheck disable=SC2086  # a list of folders
 grep -r '^#include "' --include='*.h' --include='*.cpp' $rooms |

@@ -1,10 +1,9 @@
 #!/bin/sh
 # What the project checks for itself, apart from the tests: the style, the direction of the includes,
 # three linters, every compiler and target that Debian has with warnings as errors, Visual C++'s mode,
-# the fuzzers' kept
-# inputs, two builds with the same bytes, the release folder with its licence texts and bill of
-# materials, and the table of the executables' Windows calls. Both programs that ship pass all
-# of it. Everything it does is in build/logs.
+# the fuzzers' kept inputs, two builds with the same bytes, the release folder with its licence texts
+# and bill of materials, and the table of the executables' Windows calls. Both programs that ship pass
+# all of it. Everything it does is in build/logs.
 set -eu
 cd "$(dirname "$0")/.."
 . tools/steps.sh

@@ -29,10 +29,12 @@ while [ $# -gt 0 ]; do
     [ $# = 0 ] || shift
 done
 for share in "$lines" "$branches"; do
-    if ! expr "$share" : '[0-9][0-9]*\(\.[0-9][0-9]*\)\{0,1\}$' >/dev/null; then
-        echo "coverage.sh: --lines and --branches take a number of percent, not \"$share\"." >&2
-        exit 2
-    fi
+    case $share in
+        "" | *[!0-9.]* | .* | *. | *.*.*)
+            echo "coverage.sh: --lines and --branches take a number of percent, not \"$share\"." >&2
+            exit 2
+            ;;
+    esac
 done
 
 status=0

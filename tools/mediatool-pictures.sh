@@ -44,6 +44,11 @@ ln -s "$drive" "$work/prefix/dosdevices/m:"
 run create --id PRODUCT-2027 --layout siblings --volumes 3 'M:\Set' >/dev/null
 printf '\357\273\2773\r\n' >"$drive/Set/1/inst/volumes.txt"
 
+cp -r "$drive/Media" "$drive/NoInstaller"
+rm -r "$drive/NoInstaller/inst/win_b64"
+
+draw run 'M:\> mediatool run M:\NoInstaller --time-limit 90m -- -wait' \
+    run 'M:\NoInstaller' --time-limit 90m -- -wait
 draw dry-run 'M:\> mediatool dry-run M:\Media --admin no -- -wait' \
     dry-run 'M:\Media' --admin no -- -wait
 draw validate 'M:\> mediatool validate M:\Set\1' validate 'M:\Set\1'

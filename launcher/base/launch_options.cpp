@@ -50,12 +50,12 @@ void ParsePipeServer(LaunchOptions& options) {
     options.skipTemporaryCopy = true;
     options.interactiveSession = false;
     options.wait = true;
-    options.installerExeName = "ZEPInsPipeServer.exe";
+    options.installerExeName = kPipeServerName;
 }
 
 void ParseOdt(LaunchOptions& options) {
     options.wait = true;
-    options.installerExeName = "ZEPInsAppliODT.exe";
+    options.installerExeName = kOdtName;
     options.mediaDir = Path(GetEnvVar("CurrentMediaDir"));
 }
 

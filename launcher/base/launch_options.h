@@ -7,8 +7,22 @@
 
 namespace launcher {
 
+// The installer's executables: the ordinary one, and those of "--pipeserver" and "--odt".
+inline constexpr char kInstallerName[] = "ZEPInsAppliGUI.exe";
+inline constexpr char kPipeServerName[] = "ZEPInsPipeServer.exe";
+inline constexpr char kOdtName[] = "ZEPInsAppliODT.exe";
+
 // The lookup that found the installer.
 enum class InstallerOrigin { None, CurrentMedia, Option, Variable, Dialog };
+
+// Why the search for volumes set `skipTemporaryCopy`.
+enum class CopySkipped : int {
+    No,            // it did not; an option may have
+    BySoftMgt,     // "-SoftMgt": nothing is searched for
+    ByRepository,  // nor is it with "ZEP_Online_Installation_Caf_Repositiory"
+    NotSplit,
+    Complete,  // all volumes were found
+};
 
 // The options of the command line and the state of the one launch they start. Owned by the entry
 // point for the whole run. A function that takes it by mutable reference changes the launch; all
@@ -27,8 +41,8 @@ class LaunchOptions {
     bool wait;                       // wait for the installer and hand back its exit code
     bool useGui;                     // messages in boxes; the folder dialog may be offered
     bool interactiveSession = true;  // told to the installer
-    // The last console message was a warning or an error. Mutable, as the one thing that showing a
-    // message changes: nobody who only has something to say changes the launch.
+    // The last console message was a warning or an error. Mutable: showing a message changes this
+    // and nothing else.
     mutable bool lastMessageWasProblem = false;
     std::vector<std::string> installerArgs;  // passed on, in command-line order
     std::string installerPath;               // "-installerPath": a media folder, as given
@@ -44,7 +58,11 @@ class LaunchOptions {
     std::string installerExeName;  // file name of the installer
     std::string installerExePath;  // its full path once found; empty before
     std::string osFolder;          // "win_b64", "win_csa64" or "intel_a" once chosen
-    InstallerOrigin installerOrigin = InstallerOrigin::None;  // recorded only
+
+    // How this was decided; recorded only.
+    InstallerOrigin installerOrigin = InstallerOrigin::None;
+    std::string installerFoundAt;  // `installerExePath` before it moves onto the copy
+    CopySkipped copySkipped = CopySkipped::No;
 };
 
 }  // namespace launcher

@@ -22,9 +22,12 @@ void ReportMessage(const LaunchOptions& options, const std::string& text, Severi
     WriteConsoleLine(text, severity, options.lastMessageWasProblem);
 }
 
+bool IsTraceSwitchOn() {
+    return GetEnvVar("ZEP_TraceMsgBox").size() == 1;
+}
+
 void TraceMessage(const LaunchOptions& options, const std::string& text, Severity severity) {
-    static const bool inBoxes = GetEnvVar("ZEP_TraceMsgBox").size() == 1;
-    if (inBoxes)
+    if (TracesInBoxes())
         ShowBox(text, severity);
     else
         ReportMessage(options, text, severity, /*noBox=*/true);

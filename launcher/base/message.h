@@ -23,6 +23,9 @@ void ReportMessage(const LaunchOptions& options, const std::string& text, Severi
 // character long at the first call, in a message box only.
 void TraceMessage(const LaunchOptions& options, const std::string& text, Severity severity);
 
+// True while "ZEP_TraceMsgBox" is exactly one character long.
+bool IsTraceSwitchOn();
+
 // Reports a fatal problem (severity Error, in a box while `useGui` is set) and ends the process
 // with exit code 1.
 [[noreturn]] void ReportErrorAndExit(const LaunchOptions& options, const std::string& text);

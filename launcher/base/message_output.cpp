@@ -44,6 +44,11 @@ void WriteConsoleLine(const std::string& text, Severity severity, bool toErrors)
     std::fflush(stream);
 }
 
+bool TracesInBoxes() {
+    static const bool answer = IsTraceSwitchOn();
+    return answer;
+}
+
 void EndProcess(int exitCode) {
     std::exit(exitCode);
 }

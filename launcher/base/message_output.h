@@ -18,6 +18,9 @@ void ShowBox(const std::string& text, Severity severity);
 // severity in front, further lines of the text indented to stand under its first.
 void WriteConsoleLine(const std::string& text, Severity severity, bool toErrors);
 
+// Whether trace messages are boxes: IsTraceSwitchOn() at the first call.
+bool TracesInBoxes();
+
 // Ends the process at once, without unwinding.
 [[noreturn]] void EndProcess(int exitCode);
 

@@ -98,6 +98,10 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
     return entries;
 }
 
+std::vector<Entry> EntriesOf(const Path& folder) {
+    return List(folder).value_or(std::vector<Entry>());
+}
+
 std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
     const FileHandle file(CreateFileW(Extended(path.Text()).c_str(), GENERIC_READ, kShareAll,
                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -170,6 +174,10 @@ bool SameName(const std::string& left, const std::string& right) {
     const std::wstring b = ToWide(right);
     return CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(),
                                 static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
+}
+
+bool SameName(const Path& left, const Path& right) {
+    return SameName(left.Text(), right.Text());
 }
 
 std::string InLowerCase(const std::string& text) {

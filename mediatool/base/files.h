@@ -36,6 +36,7 @@ bool IsFolder(const Path& path);
 // The entries of a folder, sorted by name; nothing when it cannot be listed, with the reason in
 // GetLastError().
 std::optional<std::vector<Entry>> List(const Path& folder);
+std::vector<Entry> EntriesOf(const Path& folder);  // none when it cannot be listed
 
 // The first `limit` bytes of a file; nothing when it cannot be read.
 std::optional<std::string> ReadStart(const Path& path, std::size_t limit);
@@ -71,6 +72,7 @@ inline constexpr std::size_t kLongestFolder = 247;  // of a new folder: room for
 
 // Without regard to case, as Windows compares names.
 bool SameName(const std::string& left, const std::string& right);
+bool SameName(const Path& left, const Path& right);
 std::string InLowerCase(const std::string& text);
 
 }  // namespace launcher::mediatool

@@ -10,6 +10,14 @@
 
 namespace launcher::mediatool {
 
+struct KernelObjectTraits {
+    using Value = HANDLE;
+    static Value None() { return nullptr; }
+    static void Release(Value value) { CloseHandle(value); }
+};
+
+using KernelObject = Owner<KernelObjectTraits>;  // OpenProcess, CreateJobObjectW, CreateEventW
+
 // The functions of bcrypt.dll. It is loaded by name and not linked, so that a library of its name
 // beside mediatool.exe is never taken for it.
 struct Cryptography {

@@ -5,8 +5,8 @@
 
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/interruption.h"
 #include "mediatool/base/sha256.h"
-#include "mediatool/create/interruption.h"
 #include "mediatool/create/plan.h"
 #include "mediatool/create/writer.h"
 #include "mediatool/media/checksums.h"
@@ -94,7 +94,7 @@ class Carrying {
     }
 
     void Tell(std::uint64_t bytes) {
-        interruption_.ThrowIfAsked();
+        if (interruption_.HasCome()) throw Refused("Interrupted; what was new is taken back.");
         progress_.bytes += bytes;
         if (request_.progress) request_.progress(progress_);
     }

@@ -7,15 +7,10 @@
 #include "mediatool/base/files.h"
 #include "mediatool/create/plan.h"
 #include "mediatool/media/marker_bytes.h"
-#include "mediatool/validate/outer_volumes.h"
 #include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 namespace {
-
-bool IsSame(const Path& left, const Path& right) {
-    return SameName(left.Text(), right.Text());
-}
 
 class StaleMarkers {
   public:
@@ -23,7 +18,7 @@ class StaleMarkers {
         : request_(request), plan_(plan), parent_(ParentOfVolumes(plan.VolumeOne())) {
         if (request.layout != Layout::Outer) return;
         const Path outer = Join(plan.out, std::to_string(request.firstOuter));
-        for (Path above = Parent(plan.VolumeOne()); !IsSame(above, Parent(outer));
+        for (Path above = Parent(plan.VolumeOne()); !SameName(above, Parent(outer));
              above = Parent(above))
             above_.push_back(above);
     }
@@ -36,7 +31,7 @@ class StaleMarkers {
         for (const Path& folder : above_)
             CheckEntriesOf(folder);
         if (LooksBeside())
-            for (const Entry& entry : List(parent_).value_or(std::vector<Entry>()))
+            for (const Entry& entry : EntriesOf(parent_))
                 if (entry.isFolder && IsNumber(entry.name)) CheckBeside(Join(parent_, entry.name));
         CheckOuterVolumes();
         for (const PlannedFile& file : plan_.files)
@@ -63,12 +58,12 @@ class StaleMarkers {
     }
 
     void CheckEntriesOf(const Path& folder) const {
-        for (const Entry& entry : List(folder).value_or(std::vector<Entry>()))
+        for (const Entry& entry : EntriesOf(folder))
             if (!entry.isFolder) Check(Join(folder, entry.name), Join(folder, entry.name));
     }
 
     void CheckBeside(const Path& folder) const {
-        const Path marker = Join(folder, FileName(folder) + ".txt");
+        const Path marker = Join(folder, FileName(folder) + kVolumeMarkerSuffix);
         if (IsFile(marker)) Check(marker, marker);
     }
 
@@ -83,30 +78,33 @@ class StaleMarkers {
 
     bool IsWritten(const Path& place) const {
         return std::ranges::any_of(plan_.files, [&place](const PlannedFile& file) {
-            return !file.IsCopy() && IsSame(file.path, place);
+            return !file.IsCopy() && SameName(file.path, place);
         });
     }
 
     // In a folder where the launcher looks for the marker of the first outer volume, it takes any
     // file of such a name. Another case of letters hides the right one from it.
     bool IsNumberedAbove(const Path& place) const {
-        const auto isHere = [&place](const Path& folder) { return IsSame(folder, Parent(place)); };
+        const auto isHere = [&place](const Path& folder) {
+            return SameName(folder, Parent(place));
+        };
         if (std::ranges::none_of(above_, isHere)) return false;
         const std::string name = FileName(place);
-        return IsWritten(place) ? name != MarkerName(request_.firstOuter) : IsOuterMarkerName(name);
+        return IsWritten(place) ? name != MarkerName(request_.firstOuter)
+                                : OuterMarkerNumber(name) > 0;
     }
 
     bool IsOfAnotherVolume(const Path& place, const Path& file) const {
-        const long long number = NumberIn(place);
+        const VolumeNumber number = NumberIn(place);
         if (number < 1 || IsWritten(place)) return false;
         const std::string id = ReadMtbDir(file.Text());
         if (id.empty()) return false;
         const Path folder = Parent(place);
-        const auto isHere = [&folder](const Path& volume) { return IsSame(volume, folder); };
+        const auto isHere = [&folder](const Path& volume) { return SameName(volume, folder); };
         if (std::ranges::any_of(plan_.volumes, isHere)) return true;
         // Beside volume 1: a volume of another set is none of the launcher's business, but for the
         // outer layout, where it looks here first.
-        const bool isBeside = number > 1 && IsSame(folder, Join(parent_, std::to_string(number)));
+        const bool isBeside = number > 1 && SameName(folder, Join(parent_, std::to_string(number)));
         const bool isLookedAt = request_.layout == Layout::Outer && number <= request_.volumes;
         return isBeside && (id == request_.id || isLookedAt);
     }

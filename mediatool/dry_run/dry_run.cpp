@@ -13,7 +13,8 @@
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
 #include "launcher/driver.h"
-#include "media/folder_names.h"
+#include "launcher/installer_command_line.h"
+#include "launcher/temporary_copy.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/media/media_set.h"
@@ -25,11 +26,14 @@ namespace {
 // What the C runtime ends a process with after an exception that nobody catches.
 constexpr int kAbnormalEnd = 3;
 
-using Options = std::optional<LaunchOptions>;
+// What is left of the launcher's own variables when it has ended.
+struct LauncherState {
+    std::optional<LaunchOptions> options;  // nothing after a bad command line
+    Path media;                            // the one that was started, not its copy
+};
 
-// The launcher's run from its command line to its exit code. The options are there once the
-// command line was good.
-int Rehearse(const DryRunRequest& request, Rehearsal& rehearsal, Options& options) {
+// The launcher's run from its command line to its exit code.
+int Rehearse(const DryRunRequest& request, Rehearsal& rehearsal, LauncherState& state) {
     std::vector<std::wstring> texts = {ToWide(rehearsal.machine.launcherPath)};
     for (const std::string& argument : request.arguments)
         texts.push_back(ToWide(argument));
@@ -39,14 +43,17 @@ int Rehearse(const DryRunRequest& request, Rehearsal& rehearsal, Options& option
         argv.push_back(text.c_str());
     const RehearsalScope scope(rehearsal);
     try {
-        options.emplace(static_cast<int>(argv.size()), argv.data(), kInstallerName, true, false);
-        return RunLauncher(*options);
+        state.options.emplace(static_cast<int>(argv.size()), argv.data(), kInstallerName, true,
+                              false);
+        state.media = state.options->mediaDir;
+        return RunLauncher(*state.options);
     } catch (const ProcessEnd& end) {
         return end.exitCode;
     } catch (const std::exception& failure) {
         rehearsal.journal.messages.push_back(
             {std::string("The launcher crashes: ") + failure.what(), Severity::Error, false, true,
              false});
+        rehearsal.journal.crashed = true;
         return kAbnormalEnd;
     }
 }
@@ -58,26 +65,6 @@ std::vector<std::string> ArgumentsOf(const std::string& commandLine) {
     for (int i = 1; i < count; ++i)
         arguments.push_back(ToNarrow(split.Get()[i]));
     return arguments;
-}
-
-std::string KindOf(const std::string& file) {
-    const Path path(file);
-    if (IsFolder(path)) return "folder";
-    if (!ReadStart(path, 1)) return "unreadable";
-    const auto program = ReadProgramFile(path);
-    if (!program) return "no program";
-    if (program->isCutOff) return "cut off";
-    if (program->isLibrary) return "library";
-    if (program->Is64Bit()) return "64-bit";
-    return program->Is32Bit() ? "32-bit" : "other machine";
-}
-
-// Where the installer was found: the last lookup that found a file of its name.
-std::string FoundAt(const Journal& journal, const LaunchOptions& options) {
-    for (auto lookup = journal.lookups.rbegin(); lookup != journal.lookups.rend(); ++lookup)
-        if (lookup->found && SameName(FileName(Path(lookup->path)), options.installerExeName))
-            return lookup->path;
-    return {};
 }
 
 std::string OriginName(InstallerOrigin origin) {
@@ -95,55 +82,44 @@ std::string OriginName(InstallerOrigin origin) {
     return "current-media";
 }
 
-std::optional<ChosenInstaller> InstallerOf(const Journal& journal, const Options& options) {
-    if (!options || options->installerOrigin == InstallerOrigin::None) return std::nullopt;
-    const std::string foundAt = FoundAt(journal, *options);
-    return ChosenInstaller{options->installerExePath, foundAt, options->osFolder,
-                           OriginName(options->installerOrigin), KindOf(foundAt)};
+bool HasInstaller(const LauncherState& state) {
+    return state.options && state.options->installerOrigin != InstallerOrigin::None;
 }
 
-// What the launcher read of its environment during the run, as it is at its end.
-bool IsSet(const char* name) {
-    return !GetEnvVar(name).empty();
+ChosenInstaller InstallerOf(const LaunchOptions& options) {
+    return {options.installerExePath, options.installerFoundAt, options.osFolder,
+            OriginName(options.installerOrigin), ProgramKind(Path(options.installerFoundAt))};
 }
 
-// The volumes are searched for after the installer: the first lookup is the count file's.
-bool CameToVolumes(const Journal& journal) {
-    return std::ranges::any_of(journal.lookups, [](const Lookup& lookup) {
-        return SameName(FileName(Path(lookup.path)), kCountFileName);
-    });
+bool AreVolumesSearched(CopySkipped reason) {
+    return reason != CopySkipped::BySoftMgt && reason != CopySkipped::ByRepository;
 }
 
-// The media that was started, not its copy.
-Path MediaOf(const LaunchOptions& options) {
-    return options.temporaryCopyMade ? Path(GetEnvVar("ZEPAdmInstOriginalMediaDir"))
-                                     : options.mediaDir;
-}
-
-std::string WhyNotCopied(const LaunchOptions& options, const DryRun& run) {
-    if (IsSet("ZEPAdmInstDontCopyInstaller")) return "ZEPAdmInstDontCopyInstaller is set.";
-    if (!run.volumesChecked)
-        return options.softMgt ? "Software management runs the installer from where it is."
-                               : "ZEP_Online_Installation_Caf_Repositiory is set.";
-    if (run.volumes->layout == Layout::NotSplit) return "The media is not split.";
-    if (run.volumes->layout != Layout::Incomplete) return "All volumes are there.";
+std::string SkippedText(CopySkipped reason) {
+    switch (reason) {
+        case CopySkipped::BySoftMgt:
+            return "Software management runs the installer from where it is.";
+        case CopySkipped::ByRepository:
+            return "ZEP_Online_Installation_Caf_Repositiory is set.";
+        case CopySkipped::NotSplit:
+            return "The media is not split.";
+        case CopySkipped::Complete:
+            return "All volumes are there.";
+        case CopySkipped::No:
+            break;
+    }
     return "The option --mgt, --uninst or --pipeserver runs the installer from where it is.";
 }
 
-CopyDecision DecisionOf(const Options& options, const DryRun& run) {
-    if (!run.volumes) return {false, "The run does not come so far."};
-    if (IsSet("ZEPAdmODTMultiVolumes")) return {false, "Only the number of volumes is asked for."};
-    if (options->temporaryCopyMade)
+// For the variables as they were during the run.
+CopyDecision DecisionOf(const LauncherState& state) {
+    if (!HasInstaller(state)) return {false, "The run does not come so far."};
+    if (IsVolumeCountAskedFor()) return {false, "Only the number of volumes is asked for."};
+    if (state.options->temporaryCopyMade)
         return {true, "Not all volumes of the media can be put together."};
-    if (!options->skipTemporaryCopy && !IsSet("ZEPAdmInstDontCopyInstaller"))
-        return {false, "The copy fails."};
-    return {false, WhyNotCopied(*options, run)};
-}
-
-bool AnyMessage(const Journal& journal, const char* start) {
-    return std::ranges::any_of(journal.messages, [start](const Message& message) {
-        return message.text.starts_with(start);
-    });
+    if (IsCopyForbidden()) return {false, "ZEPAdmInstDontCopyInstaller is set."};
+    if (state.options->skipTemporaryCopy) return {false, SkippedText(state.options->copySkipped)};
+    return {false, "The copy fails."};
 }
 
 std::string MeaningOf(const DryRun& run) {
@@ -153,9 +129,9 @@ std::string MeaningOf(const DryRun& run) {
                    : "A console was started in place of the installer, which is not run.";
     if (run.exitCodeIsInstallers) return "The installer's own, for which the launcher waits.";
     if (run.started) return "The installer was started; the launcher does not wait for it.";
-    if (run.volumes && IsSet("ZEPAdmODTMultiVolumes"))
+    if (run.volumes && IsVolumeCountAskedFor())
         return "The number of volumes, which ZEPAdmODTMultiVolumes asks for; nothing is started.";
-    if (AnyMessage(run.journal, "The launcher crashes: ")) return "The launcher crashes.";
+    if (run.journal.crashed) return "The launcher crashes.";
     return "The launcher refuses; the message says why.";
 }
 
@@ -197,25 +173,25 @@ DryRun RunDry(const DryRunRequest& request) {
     }
     const Environment before = CurrentEnvironment();
 
-    Options options;
-    run.exitCode = Rehearse(request, rehearsal, options);
+    LauncherState state;
+    run.exitCode = Rehearse(request, rehearsal, state);
 
     run.machine = rehearsal.machine;
     run.journal = rehearsal.journal;
     run.environment = Changes(before, CurrentEnvironment());
     run.temp = GetEnvVar("TEMP");
     run.started = run.journal.commandLine.has_value();
-    run.showsCommandLine = run.started && GetEnvVar("DEBUGCMD_INSTALLK7") == "1";
+    run.showsCommandLine = run.started && IsCommandLineOnlyShown();
     run.exitCodeIsInstallers = run.journal.waited;
     if (run.started) run.installerArguments = ArgumentsOf(*run.journal.commandLine);
-    run.installer = InstallerOf(run.journal, options);
-    if (CameToVolumes(run.journal)) {
-        run.volumesChecked = !options->softMgt && !IsSet("ZEP_Online_Installation_Caf_Repositiory");
+    run.copy = DecisionOf(state);
+    if (HasInstaller(state)) {  // the search for volumes comes next
+        run.installer = InstallerOf(*state.options);
+        run.volumesChecked = AreVolumesSearched(state.options->copySkipped);
         const Environment after = CurrentEnvironment();
-        run.volumes = ViewOf(MediaOf(*options));
+        run.volumes = ViewOf(state.media);
         RestoreEnvironment(after);
     }
-    run.copy = DecisionOf(options, run);
     run.meaning = MeaningOf(run);
     RestoreEnvironment(own);
     return run;

@@ -61,8 +61,8 @@ struct DryRun {
     std::size_t Waits() const;
 };
 
-// Rehearses one run of the launcher in this process, which can be done once in each: the launcher
-// remembers some answers for as long as it runs. Throws BadInput.
+// Rehearses one run of the launcher in this process, whose environment is the same afterwards.
+// Throws BadInput.
 DryRun RunDry(const DryRunRequest& request);
 
 }  // namespace launcher::mediatool

@@ -74,7 +74,7 @@ Json CopyOf(const DryRun& run) {
     const PretendedCopy& copy = run.journal.copy;
     return {{"made", run.copy.made},
             {"reason", run.copy.reason},
-            {"files", copy.files},
+            {"files", copy.contents.size()},
             {"bytes", copy.bytes},
             {"room", OrNull(copy.room)}};
 }

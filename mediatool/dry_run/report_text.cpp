@@ -1,7 +1,6 @@
 #include <algorithm>
-#include <array>
-#include <string_view>
 
+#include "installer/installer_environment.h"
 #include "launcher/base/message.h"
 #include "mediatool/base/console.h"
 #include "mediatool/base/sentences.h"
@@ -10,14 +9,7 @@
 namespace launcher::mediatool {
 namespace {
 
-// Variables that get the same values in every run, for whatever media.
-constexpr std::array<std::string_view, 8> kFixedSwitches = {
-    "ZEPSysIRManagementActivation", "MORAppBridge",
-    "ZEPAdmInstDebugEnv",           "ZEPAdmInstDebugSummary",
-    "ZEPAdmInstDebugIndexes",       "ZEPAdmInstDebugAction",
-    "ZEPAdmInstDebugError",         "ZEPAdmInstDebugEverything"};
 constexpr std::size_t kMissingShown = 10;  // of the files that were looked for
-constexpr char kBackupPrefix[] = "ZEP_BAK_";
 
 std::string Heading(const std::string& text) {
     return Painted(Colour::Bold, text) + "\n";
@@ -124,9 +116,9 @@ std::string CopyText(const DryRun& run) {
     const PretendedCopy& copy = run.journal.copy;
     std::string text = Heading("Temporary copy");
     text += Line((run.copy.made ? "made: " : "none: ") + run.copy.reason);
-    if (copy.files == 0) return text;
-    text += Line(Counted(copy.files, "file") + ", " + Grouped(copy.bytes) + " bytes, to " +
-                 run.temp + "\\" + kPretendedUuid);
+    if (copy.contents.empty()) return text;
+    text += Line(Counted(copy.contents.size(), "file") + ", " + Grouped(copy.bytes) +
+                 " bytes, to " + run.temp + "\\" + kPretendedUuid);
     if (copy.room)
         text += Line(Grouped(*copy.room) + " bytes are free there" +
                      (copy.bytes > *copy.room ? Painted(Colour::Red, ": too few") : ""));
@@ -143,8 +135,8 @@ std::string ShortValue(const std::string& value) {
     return end == std::string::npos ? value : value.substr(0, end) + ";...";
 }
 
-bool IsFixedSwitch(const Change& change) {
-    return std::ranges::count(kFixedSwitches, change.name) > 0;
+bool IsFixed(const Change& change) {
+    return std::ranges::count(kFixedVariables, change.name, &FixedVariable::name) > 0;
 }
 
 bool IsBackup(const Change& change) {
@@ -155,15 +147,15 @@ std::string EnvironmentText(const DryRun& run, bool everything) {
     if (run.environment.empty()) return {};
     std::string text = Heading("Environment");
     std::size_t backups = 0;
-    std::size_t switches = 0;
+    std::size_t fixed = 0;
     for (const Change& change : run.environment) {
         if (everything) {
             text += Line(change.name + " = " + ValueText(change.after));
             text += Line("    before: " + ValueText(change.before));
         } else if (IsBackup(change)) {
             ++backups;
-        } else if (IsFixedSwitch(change)) {
-            ++switches;
+        } else if (IsFixed(change)) {
+            ++fixed;
         } else {
             const std::string was =
                 change.before ? "   (before: " + ShortValue(*change.before) + ")" : "";
@@ -172,10 +164,10 @@ std::string EnvironmentText(const DryRun& run, bool everything) {
                          Painted(Colour::Dim, was));
         }
     }
-    if (backups + switches > 0)
-        text +=
-            Line(Painted(Colour::Dim, "and " + Counted(backups, "backup") + " in ZEP_BAK_..., " +
-                                          Counted(switches, "fixed value") + "; --all shows them"));
+    if (backups + fixed > 0)
+        text += Line(Painted(
+            Colour::Dim, "and " + Counted(backups, "backup") + " in " + kBackupPrefix + "..., " +
+                             Counted(fixed, "fixed value") + "; --all shows them"));
     return text;
 }
 

@@ -5,29 +5,22 @@
 #include <vector>
 
 #include "fs/path.h"
-#include "media/volume_files.h"
+#include "media/volume_search.h"
 
 namespace launcher::mediatool {
 
-// How the volumes of a media lie, for the launcher.
-enum class Layout {
-    NotSplit,    // an ordinary media
-    OneFolder,   // all markers in volume 1's folder
-    Siblings,    // the folders "2", "3" ... beside volume 1's
-    Outer,       // in numbered outer volumes
-    Incomplete,  // volumes are missing or wrong
-};
+using Layout = VolumeLayout;
 
 // As it is written in outputs: "one-folder".
 std::string LayoutName(Layout layout);
 
-// What the launcher itself makes of the volumes of a media. This is its own search, with its
-// messages thrown away.
+// What the launcher itself makes of the volumes of a medium: the record of its own search.
 struct LauncherView {
     Layout layout = Layout::NotSplit;
     std::optional<VolumeCount> count;  // of the count file; nothing without one that it can read
+    std::string id;                    // that all volumes have; empty while none was read
     std::vector<std::string> folders;  // of the volumes found, volume 1 first; only volume 1's
-                                       // while the media is not whole
+                                       // while the set is not whole
     bool copies = false;               // it copies the installer before it starts it
 };
 LauncherView ViewOf(const Path& media);

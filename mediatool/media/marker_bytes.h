@@ -5,7 +5,7 @@
 
 namespace launcher::mediatool {
 
-// The bytes of the small text files of a media: what in them no editor shows.
+// The bytes of the small text files of a disc set: what in them no editor shows.
 
 inline constexpr char kUtf8Mark[] = "\xEF\xBB\xBF";
 

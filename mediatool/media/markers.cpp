@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <vector>
 
-#include "media/folder_names.h"
+#include "media/volume_text.h"
 
 namespace launcher::mediatool {
 namespace {
-
-constexpr char kKey[] = "MTBDIR=";
 
 // With the line ends.
 std::vector<std::string> LinesWithEnds(const std::string& text) {
@@ -37,10 +35,6 @@ constexpr char kBlanks[] = " \t\r\n";
 
 }  // namespace
 
-Path CountFileIn(const Path& volumeOne) {
-    return Join(Join(volumeOne, kInstFolder), kCountFileName);
-}
-
 std::string CountFileText(int volumes) {
     return std::to_string(volumes) + "\r\n";
 }
@@ -55,22 +49,14 @@ std::optional<std::string> WithCount(const std::string& text, int volumes) {
     return Joined(lines);
 }
 
-std::string MarkerName(long long number) {
-    return std::to_string(number) + ".txt";
-}
-
-Path MarkerIn(const Path& volume, long long number) {
-    return Join(volume, MarkerName(number));
-}
-
 std::string MarkerText(const std::string& id) {
-    return kKey + id + "\r\n";
+    return kMtbDirPrefix + id + "\r\n";
 }
 
 std::string WithId(const std::string& text, const std::string& id) {
     std::vector<std::string> lines = LinesWithEnds(text);
     for (std::string& line : lines)
-        if (line.starts_with(kKey)) line = kKey + id + LineEndOf(line);
+        if (line.starts_with(kMtbDirPrefix)) line = kMtbDirPrefix + id + LineEndOf(line);
     return Joined(lines);
 }
 

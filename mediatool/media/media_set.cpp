@@ -19,7 +19,8 @@ Path CheckedFolder(const std::string& text) {
         const std::string reason = LastErrorText();
         throw BadInput(Quoted(folder) + " cannot be opened: " + reason + ".");
     }
-    if (!entry->isFolder) throw BadInput(Quoted(folder) + " is a file, not the folder of a media.");
+    if (!entry->isFolder)
+        throw BadInput(Quoted(folder) + " is a file, not the folder of a medium.");
     if (!List(folder)) {
         const std::string reason = LastErrorText();
         throw BadInput(Quoted(folder) + " cannot be listed: " + reason + ".");

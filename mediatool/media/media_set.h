@@ -4,14 +4,12 @@
 #include <vector>
 
 #include "fs/path.h"
-#include "mediatool/media/markers.h"
+#include "media/folder_names.h"
+#include "media/volume_files.h"
 
 namespace launcher::mediatool {
 
-inline constexpr char kLauncherName[] = "setup.exe";
-inline constexpr char kInstallerName[] = "ZEPInsAppliGUI.exe";
-
-// The folders of one media, as the user gave them.
+// The folders of one medium, as the user gave them.
 struct MediaSet {
     Path first;               // of volume 1, where the launcher is
     std::vector<Path> given;  // all, absolute, in the order given
@@ -21,7 +19,7 @@ struct MediaSet {
 // is not there, is no folder, cannot be listed or is given twice, and when none has a launcher.
 MediaSet OpenMediaSet(const std::vector<std::string>& folders);
 
-// The same for a media that is being made: without a launcher, the folder with the markers of
+// The same for a medium that is being made: without a launcher, the folder with the markers of
 // volume 1 will do.
 MediaSet OpenUnfinishedSet(const std::vector<std::string>& folders);
 

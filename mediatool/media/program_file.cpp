@@ -8,6 +8,7 @@
 
 #include "fs/encoding.h"
 #include "mediatool/base/files.h"
+#include "platform/architecture.h"
 #include "platform/owners.h"
 
 namespace launcher::mediatool {
@@ -74,6 +75,19 @@ std::wstring_view VersionResource(const Library& program) {
             SizeofResource(program.Get(), found) / sizeof(wchar_t)};
 }
 
+struct SectionTraits {
+    using Value = HANDLE;
+    static Value None() { return nullptr; }
+    static void Release(Value value) { CloseHandle(value); }
+};
+using Section = Owner<SectionTraits>;  // CreateFileMappingW
+
+// A script is started by way of the command processor.
+bool IsScript(const Path& file) {
+    const std::string name = InLowerCase(FileName(file));
+    return name.ends_with(".bat") || name.ends_with(".cmd");
+}
+
 }  // namespace
 
 bool ProgramFile::Is64Bit() const {
@@ -100,6 +114,34 @@ std::optional<ProgramFile> ReadProgramFile(const Path& path) {
                        IsSigned(*bytes, optional),
                        EndsEarly(*bytes, optional + header->SizeOfOptionalHeader,
                                  header->NumberOfSections, entry->size)};
+}
+
+std::string ProgramKind(const Path& path) {
+    if (IsFolder(path)) return "folder";
+    if (!ReadStart(path, 1)) return "unreadable";
+    const auto program = ReadProgramFile(path);
+    if (!program) return "no program";
+    if (program->isCutOff) return "cut off";
+    if (program->isLibrary) return "library";
+    if (program->Is64Bit()) return "64-bit";
+    return program->Is32Bit() ? "32-bit" : "other machine";
+}
+
+// Whether it can be an image, Windows decides here too: an image that is only mapped runs nothing.
+std::uint32_t ImageError(const std::wstring& name) {
+    const FileHandle file(CreateFileW(name.c_str(), GENERIC_READ | GENERIC_EXECUTE,
+                                      FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) return GetLastError();
+    const Path path = FullPath(ToNarrow(name.c_str()));
+    if (IsScript(path)) return ERROR_SUCCESS;
+    const auto program = ReadProgramFile(path);
+    if (!program || program->isLibrary || program->isCutOff) return ERROR_BAD_EXE_FORMAT;
+    if (!program->Is32Bit() && !(program->Is64Bit() && Is64BitWindows()))
+        return ERROR_EXE_MACHINE_TYPE_MISMATCH;
+    const Section image(
+        CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY | SEC_IMAGE, 0, 0, nullptr));
+    return image ? ERROR_SUCCESS : GetLastError();
 }
 
 // Without the system's library for versions: one of its name beside this program would run.

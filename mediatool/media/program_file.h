@@ -22,6 +22,14 @@ struct ProgramFile {
 // Nothing when the file cannot be read or is no Windows program.
 std::optional<ProgramFile> ReadProgramFile(const Path& path);
 
+// What kind of file it is: "64-bit", "32-bit", "library", "other machine", "no program", "cut off",
+// "folder", "unreadable".
+std::string ProgramKind(const Path& path);
+
+// What Windows says of a file that is to be a process: the system's error code, 0 when it would
+// start.
+std::uint32_t ImageError(const std::wstring& name);
+
 // The name and the version in a program's resources; empty when it has none.
 struct ProgramVersion {
     std::string product;

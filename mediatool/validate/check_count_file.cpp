@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "media/folder_names.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/sentences.h"
 #include "mediatool/media/marker_bytes.h"
 #include "mediatool/validate/checks.h"
 
@@ -15,177 +15,103 @@ namespace {
 constexpr std::size_t kCountFileLimit = std::size_t{64} * 1024;
 constexpr int kMostVolumes = 99;
 
-constexpr char kUnread[] =
-    "The launcher reads no number, looks for no volumes and copies the installer to the temporary "
-    "folder.";
-constexpr char kHandedOn[] = "The line goes to the installer as it stands.";
-constexpr char kNumberOnly[] =
-    "Write the number alone on the first line, with mediatool create --force.";
-
-// The mistakes in one count file, whose path is in every finding.
-class CountFile {
-  public:
-    CountFile(const Path& path, Findings& out) : path_(path), out_(out) {}
-
-    void Check() {
-        if (IsFolder(path_)) {
-            Error("count-file-is-folder", "The count file is a folder.", kUnread);
-            return;
-        }
-        const std::optional<std::string> bytes = ReadStart(path_, kCountFileLimit);
-        if (!bytes)
-            Error("count-file-unreadable", "The count file cannot be read.", kUnread);
-        else if (bytes->empty())
-            Error("count-file-empty", "The count file is empty.", kUnread);
-        else if (IsUtf16(*bytes))
-            Error("count-file-utf16", "The count file is in UTF-16.", kUnread);
-        else if (bytes->starts_with(kUtf8Mark))
-            Error("count-file-bom", "The count file begins with a byte-order mark.", kUnread);
-        else
-            CheckLines(LinesOf(*bytes));
-    }
-
-  private:
-    void Error(const char* id, const std::string& what, const std::string& why) {
-        out_.Error(id, path_.Text(), what, why, kNumberOnly);
-    }
-    void Warning(const char* id, const std::string& what, const std::string& why) {
-        out_.Warning(id, path_.Text(), what, why, kNumberOnly);
-    }
-
-    void CheckLines(const std::vector<std::string>& lines) {
-        CheckLine(lines.front());
-        for (std::size_t i = 1; i < lines.size(); ++i) {
-            if (Trimmed(lines[i]).empty()) continue;
-            out_.Note("count-file-more-lines", path_.Text(),
-                      "The count file has more than one line.", "Only the first is read.",
-                      "Nothing, or remove the others.");
-            return;
-        }
-    }
-
-    void CheckLine(const std::string& line) {
-        const std::string trimmed = Trimmed(line);
-        if (trimmed.empty()) {
-            Error("count-file-blank-line-first", "The first line of the count file is blank.",
-                  kUnread);
-            return;
-        }
-        const std::optional<VolumeCount> count = ReadVolumeCount(path_.Text());
-        if (!count) {
-            CheckUnread(trimmed);
-            return;
-        }
-        CheckNumber(count->count);
-        CheckForm(line, trimmed);
-    }
-
-    void CheckUnread(const std::string& trimmed) {
-        const std::size_t sign = trimmed[0] == '-' || trimmed[0] == '+' ? 1 : 0;
-        if (trimmed.size() > sign && trimmed[sign] >= '0' && trimmed[sign] <= '9')
-            Error("count-file-out-of-range", "The number of volumes is too large to be read.",
-                  kUnread);
-        else
-            Error("count-file-not-a-number", "The first line of the count file is no number.",
-                  kUnread);
-    }
-
-    void CheckNumber(int count) {
-        const std::string why = "The launcher takes the media for one that is not split.";
-        if (count < 0)
-            Error("count-file-negative", "The number of volumes is below zero.", why);
-        else if (count == 0)
-            Error("count-file-zero", "The number of volumes is 0.", why);
-        else if (count == 1)
-            out_.Note("count-file-one", path_.Text(), "The number of volumes is 1.", why,
-                      "Nothing, or remove the file; with more volumes, write their number.");
-        else if (count > kMostVolumes)
-            Error("count-file-absurd", "The number of volumes is " + std::to_string(count) + ".",
-                  "The launcher looks for every one of them, three times.");
-    }
-
-    // What stands around the number.
-    void CheckForm(const std::string& line, const std::string& trimmed) {
-        const std::string digits =
-            trimmed[0] == '+' || trimmed[0] == '-' ? trimmed.substr(1) : trimmed;
-        if (line.ends_with('\r'))
-            Error("count-file-double-cr", "The first line ends with two carriage returns.",
-                  kHandedOn);
-        else if (line.find('\r') != std::string::npos)
-            Error("count-file-cr-only", "The lines end with carriage returns alone.",
-                  "The whole file is one line for the launcher, and goes to the installer as it "
-                  "stands.");
-        else if (HasControlCharacter(line))
-            Error("count-file-control-character", "There is a control character on the first line.",
-                  kHandedOn);
-        else if (!IsNumber(digits))
-            Error("count-file-more-than-number",
-                  "The first line says more than a number: \"" + line + "\".", kHandedOn);
-        else if (line != trimmed)
-            Warning("count-file-blanks", "There are blanks around the number.", kHandedOn);
-        else if (trimmed[0] == '+')
-            Warning("count-file-plus-sign", "There is a plus sign in front of the number.",
-                    kHandedOn);
-        else if (digits.size() > 1 && digits[0] == '0')
-            Warning("count-file-leading-zeros", "There are zeros in front of the number.",
-                    kHandedOn);
-    }
-
-    const Path& path_;
-    Findings& out_;
-};
-
-void CheckForCountFile(const Path& file, Findings& out) {
-    if (!Look(file)) return;
-    out.Error("count-file-misplaced", file.Text(), "The count file is in the wrong folder.",
-              "The launcher looks for inst\\volumes.txt only, and takes the media for one that is "
-              "not split.",
-              "Move it into inst.");
+std::string WithoutSign(const std::string& text) {
+    return text.substr(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
 }
 
-void CheckMisspelt(const Path& inst, Findings& out) {
-    for (const char* name : {"volumes.txt.txt", "volume.txt", "volumes", "volumes.text"}) {
-        const Path file = Join(inst, name);
-        if (!IsFile(file)) continue;
-        out.Error("count-file-misspelt", file.Text(), "The count file has the wrong name.",
-                  "The launcher looks for inst\\volumes.txt only, and takes the media for one that "
-                  "is not split.",
-                  "Rename it to volumes.txt.");
+// What is around the number.
+void CheckForm(const Path& file, const std::string& line, Findings& out) {
+    const std::string trimmed = Trimmed(line);
+    const std::string digits = WithoutSign(trimmed);
+    out.AddFirst({{line.ends_with('\r'), "count-file-double-cr"},
+                  {line.find('\r') != std::string::npos, "count-file-cr-only"},
+                  {HasControlCharacter(line), "count-file-control-character"},
+                  {!IsNumber(digits), "count-file-more-than-number"},
+                  {line != trimmed, "count-file-blanks"},
+                  {trimmed.starts_with('+'), "count-file-plus-sign"},
+                  {digits.size() > 1 && digits.starts_with('0'), "count-file-leading-zeros"}},
+                 file, {Quoted(line)});
+}
+
+// The line of which the launcher reads `count`, or nothing.
+void CheckLine(const Path& file, const std::string& line, const std::optional<VolumeCount>& read,
+               Findings& out) {
+    const std::string trimmed = Trimmed(line);
+    const bool hasDigit = IsNumber(WithoutSign(trimmed).substr(0, 1));
+    if (out.AddFirst({{trimmed.empty(), "count-file-blank-line-first"},
+                      {!read && hasDigit, "count-file-out-of-range"},
+                      {!read, "count-file-not-a-number"}},
+                     file))
+        return;
+    const int count = read->count;
+    out.AddFirst({{count < 0, "count-file-negative"},
+                  {count == 0, "count-file-zero"},
+                  {count == 1, "count-file-one"},
+                  {count > kMostVolumes, "count-file-absurd"}},
+                 file, {std::to_string(count)});
+    CheckForm(file, line, out);
+}
+
+void CheckText(const Path& file, const std::optional<VolumeCount>& read, Findings& out) {
+    const std::optional<std::string> start = ReadStart(file, kCountFileLimit);
+    const std::string bytes = start.value_or("");
+    if (out.AddFirst({{IsFolder(file), "count-file-is-folder"},
+                      {!start, "count-file-unreadable"},
+                      {bytes.empty(), "count-file-empty"},
+                      {IsUtf16(bytes), "count-file-utf16"},
+                      {bytes.starts_with(kUtf8Mark), "count-file-bom"}},
+                     file))
+        return;
+    const std::vector<std::string> lines = LinesOf(bytes);
+    CheckLine(file, lines.front(), read, out);
+    const bool hasMore = std::any_of(lines.begin() + 1, lines.end(), [](const std::string& line) {
+        return !Trimmed(line).empty();
+    });
+    if (hasMore) out.Add("count-file-more-lines", file);
+}
+
+// Where there is none: one at another place or of another name, or the markers of volumes alone.
+void CheckAbsence(const Subject& subject, Findings& out) {
+    bool isElsewhere = false;
+    const auto check = [&](const Path& file, bool isThere, FindingKind kind) {
+        if (isThere) out.Add(kind, file);
+        isElsewhere = isElsewhere || isThere;
+    };
+    for (const Path& folder : {subject.Media(), subject.Common()}) {
+        const Path file = Join(folder, kCountFile);
+        check(file, Look(file).has_value(), "count-file-misplaced");
     }
+    for (const char* name : {"volumes.txt.txt", "volume.txt", "volumes", "volumes.text"}) {
+        const Path file = Join(subject.Inst(), name);
+        check(file, IsFile(file), "count-file-misspelt");
+    }
+    if (!isElsewhere && !ReadMtbDir(MarkerIn(subject.Media(), 1).Text()).empty())
+        out.Add("count-file-missing", CountFileIn(subject.Media()));
 }
 
 // Those of the other volumes, given or found.
 void CheckLaterVolumes(const Subject& subject, Findings& out) {
-    std::vector<Path> folders = subject.set.given;
-    for (const std::string& folder : subject.view.folders)
-        folders.emplace_back(folder);
-    std::vector<std::string> seen = {subject.Media().Text()};
-    for (const Path& folder : folders) {
-        const auto isSame = [&folder](const std::string& other) {
-            return SameName(other, folder.Text());
-        };
-        if (std::ranges::any_of(seen, isSame)) continue;
-        seen.push_back(folder.Text());
+    std::vector<Path> folders = {subject.Media()};
+    const auto check = [&](const Path& folder) {
+        const auto isSame = [&](const Path& other) { return SameName(other, folder); };
+        if (std::ranges::any_of(folders, isSame)) return;
+        folders.push_back(folder);
         const Path file = CountFileIn(folder);
-        if (Look(file))
-            out.Warning("count-file-in-later-volume", file.Text(),
-                        "A volume other than the first has a count file.",
-                        "The launcher reads that of volume 1 only.", "Remove it.");
-    }
+        if (Look(file)) out.Add("count-file-in-later-volume", file);
+    };
+    std::ranges::for_each(subject.set.given, check);
+    for (const std::string& folder : subject.view.folders)
+        check(Path(folder));
 }
 
 }  // namespace
 
 void CheckCountFile(const Subject& subject, Findings& out) {
-    const Path inst = Join(subject.Media(), kInstFolder);
-    const Path file = Join(inst, kCountFileName);
-    if (Look(file)) {
-        CountFile(file, out).Check();
-    } else {
-        CheckForCountFile(Join(subject.Media(), kCountFileName), out);
-        CheckForCountFile(Join(Join(inst, kCommonFolder), kCountFileName), out);
-        CheckMisspelt(inst, out);
-    }
+    const Path file = CountFileIn(subject.Media());
+    if (Look(file))
+        CheckText(file, subject.view.count, out);
+    else
+        CheckAbsence(subject, out);
     CheckLaterVolumes(subject, out);
 }
 

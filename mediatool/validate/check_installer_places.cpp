@@ -1,8 +1,9 @@
 // Installers where no launcher looks for them, or under names that it does not know.
 
+#include <algorithm>
 #include <vector>
 
-#include "media/folder_names.h"
+#include "launcher/base/launch_options.h"
 #include "mediatool/base/files.h"
 #include "mediatool/validate/checks.h"
 
@@ -10,18 +11,10 @@ namespace launcher::mediatool {
 namespace {
 
 constexpr char kInstallerStem[] = "zepinsappligui";
-// Programs of the installer that other options of the launcher start.
-constexpr const char* kOtherPrograms[] = {"ZEPInsPipeServer.exe", "ZEPInsAppliODT.exe"};
-
-bool IsOneOf(const std::string& name, const auto& names) {
-    for (const char* other : names)
-        if (SameName(name, other)) return true;
-    return false;
-}
 
 // Installers by their name, anywhere below a folder; links are not followed.
 void FindInstallers(const Path& folder, std::vector<Path>& found) {
-    for (const Entry& entry : List(folder).value_or(std::vector<Entry>())) {
+    for (const Entry& entry : EntriesOf(folder)) {
         const Path path = Join(folder, entry.name);
         if (entry.isFolder && !entry.isLink)
             FindInstallers(path, found);
@@ -30,131 +23,110 @@ void FindInstallers(const Path& folder, std::vector<Path>& found) {
     }
 }
 
-class InstallerPlaces {
-  public:
-    InstallerPlaces(const Subject& subject, Findings& out)
-        : out_(out), media_(subject.Media()), inst_(Join(media_, kInstFolder)) {}
-
-    void Check() {
-        for (const char* flavour : kFlavours)
-            if (IsFolder(Join(inst_, flavour)) && !HasInstaller(flavour)) CheckWithout(flavour);
-        CheckUnknownFolders();
-        if (!HasInstaller("win_b64") && !HasInstaller("win_csa64")) CheckOutside();
-        CheckSecondPlace();
-    }
-
-  private:
-    Path ExeOf(const std::string& flavour) const {
-        return InstallerExecutable(media_, flavour, kInstallerName);
-    }
-    bool HasInstaller(const std::string& flavour) const { return Look(ExeOf(flavour)).has_value(); }
-
-    void ReportMisplaced(const Path& file, const std::string& flavour) {
-        out_.Error("installer-misplaced", file.Text(), "The installer is in the wrong folder.",
-                   "The launcher looks for it in inst\\" + flavour + "\\code\\bin only.",
-                   "Move it there, with the files that belong to it.");
-    }
-
-    // A folder without the installer that its name promises.
-    void CheckWithout(const std::string& flavour) {
-        std::vector<Path> found;
-        FindInstallers(Join(inst_, flavour), found);
-        if (!found.empty()) {
-            ReportMisplaced(found.front(), flavour);
-            return;
-        }
-        // A marker says that the installer is on a media of its own; other programs may be here.
-        const bool hasMarker =
-            Look(Join(Join(inst_, kCommonFolder), flavour + ".installos")).has_value();
-        const Path bin = Parent(ExeOf(flavour));
-        bool isRenamed = false;
-        const std::string other = OtherName(bin, isRenamed);
-        if (!other.empty()) {
-            ReportOtherName(ExeOf(flavour), other, isRenamed || !hasMarker);
-        } else if (!hasMarker) {
-            out_.Error("installer-missing", ExeOf(flavour).Text(),
-                       "The folder " + flavour + " has no installer in it.",
-                       "The launcher passes it by.",
-                       "Add the installer; or, when it comes on a media of its own, add "
-                       "inst\\common\\" +
-                           flavour + ".installos.");
-        }
-    }
-
-    // A file that may be the installer under another name, empty when there is none.
-    static std::string OtherName(const Path& bin, bool& isRenamed) {
-        std::string other;
-        for (const Entry& entry : List(bin).value_or(std::vector<Entry>())) {
-            const std::string name = InLowerCase(entry.name);
-            isRenamed = !entry.isFolder && name.starts_with(kInstallerStem);
-            if (isRenamed) return entry.name;
-            const bool isProgram = !entry.isFolder && name.ends_with(".exe");
-            if (other.empty() && isProgram && !IsOneOf(name, kOtherPrograms)) other = entry.name;
-        }
-        return other;
-    }
-
-    void ReportOtherName(const Path& exe, const std::string& other, bool isError) {
-        const std::string what = "The installer is missing; its folder has " + other + ".";
-        const std::string why = "The launcher looks for ZEPInsAppliGUI.exe only.";
-        if (isError)
-            out_.Error("installer-other-name", exe.Text(), what, why, "Give it that name.");
-        else
-            out_.Warning("installer-other-name", exe.Text(), what, why,
-                         "Give it that name; or nothing, when the installer comes on a media of "
-                         "its own.");
-    }
-
-    // An installer below a folder that no launcher looks into.
-    void CheckUnknownFolders() {
-        for (const Entry& entry : List(inst_).value_or(std::vector<Entry>())) {
-            if (IsOneOf(entry.name, kFlavours) || !entry.isFolder || !HasInstaller(entry.name))
-                continue;
-            out_.Error("installer-folder-unknown", ExeOf(entry.name).Text(),
-                       "The folder " + entry.name + " has an installer in it.",
-                       "The launcher looks into win_b64, win_csa64 and intel_a only.",
-                       "Give the folder one of these names.");
-        }
-    }
-
-    // Beside the folders of the flavours, or beside inst.
-    void CheckOutside() {
-        std::vector<Path> found;
-        for (const Entry& entry : List(inst_).value_or(std::vector<Entry>()))
-            if (entry.isFolder && !IsOneOf(entry.name, kFlavours) && !HasInstaller(entry.name))
-                FindInstallers(Join(inst_, entry.name), found);
-        for (const Path& folder :
-             {inst_, media_, Join(media_, kBinFolder), Join(media_, {kCodeFolder, kBinFolder})})
-            if (const Path file = Join(folder, kInstallerName); IsFile(file)) found.push_back(file);
-        for (const Path& file : found)
-            ReportMisplaced(file, "win_b64");
-        for (const char* flavour : kFlavours) {
-            const Path file = Join(media_, {flavour, kCodeFolder, kBinFolder, kInstallerName});
-            if (IsFile(file)) ReportMisplaced(file, flavour);
-        }
-    }
-
-    void CheckSecondPlace() {
-        for (const char* flavour : kFlavours) {
-            const Path exe = InstallerExecutable(Join(media_, "1"), flavour, kInstallerName);
-            if (!Look(exe) || !HasInstaller(flavour)) continue;
-            out_.Warning("installer-in-two-places", exe.Text(),
-                         "There is an installer below the folder 1 as well as below inst.",
-                         "As a separate installer media, the one below 1 is taken; as the media "
-                         "itself, the other.",
-                         "Keep one of them.");
-        }
-    }
-
-    Findings& out_;
-    const Path& media_;
-    Path inst_;
+// A file that may be the installer under another name; empty when there is none.
+struct OtherName {
+    std::string name;
+    bool isSure = false;  // it begins as the installer's does
 };
+OtherName OtherNameIn(const Path& bin) {
+    OtherName other;
+    for (const Entry& entry : EntriesOf(bin)) {
+        if (entry.isFolder) continue;
+        const std::string name = InLowerCase(entry.name);
+        if (name.starts_with(kInstallerStem)) return {entry.name, true};
+        const bool isOther =
+            name.ends_with(".exe") && !SameName(name, kPipeServerName) && !SameName(name, kOdtName);
+        if (other.name.empty() && isOther) other.name = entry.name;
+    }
+    return other;
+}
+
+void ReportMisplaced(const Path& file, const std::string& osFolder, Findings& out) {
+    out.Add("installer-misplaced", file, {osFolder});
+}
+
+// A flavour's folder without the installer that its name promises. A marker says that the installer
+// is on a medium of its own: other programs may be in the folder then.
+void CheckWithout(const Subject& subject, const FlavourHere& flavour, Findings& out) {
+    std::vector<Path> found;
+    FindInstallers(Join(subject.Inst(), flavour.osFolder), found);
+    if (!found.empty()) {
+        ReportMisplaced(found.front(), flavour.osFolder, out);
+        return;
+    }
+    const auto [other, isSure] = OtherNameIn(Parent(flavour.Exe()));
+    if (other.empty()) {
+        if (!flavour.hasMarker)
+            out.Add("installer-missing", flavour.Exe(),
+                    {flavour.osFolder, FileName(flavour.Marker())});
+        return;
+    }
+    out.AddFirst({{isSure || !flavour.hasMarker, "installer-other-name/surely"},
+                  {true, "installer-other-name"}},
+                 flavour.Exe(), {other, kInstallerName});
+}
+
+// The folders in inst that are no flavour's.
+std::vector<std::string> OtherFolders(const Subject& subject) {
+    std::vector<std::string> names;
+    for (const Entry& entry : EntriesOf(subject.Inst())) {
+        const auto isThis = [&](const Flavour& flavour) {
+            return SameName(flavour.osFolder, entry.name);
+        };
+        if (entry.isFolder && std::ranges::none_of(subject.flavours, isThis))
+            names.push_back(entry.name);
+    }
+    return names;
+}
+
+// An installer below a folder that no launcher looks into, at the place where it would be in one of
+// a flavour's name, or anywhere.
+void CheckOtherFolders(const Subject& subject, bool anywhere, Findings& out) {
+    std::vector<Path> found;
+    for (const std::string& name : OtherFolders(subject)) {
+        const Path exe = InstallerExecutable(subject.Media(), name, kInstallerName);
+        if (Look(exe))
+            out.Add("installer-folder-unknown", exe, {name});
+        else if (anywhere)
+            FindInstallers(Join(subject.Inst(), name), found);
+    }
+    for (const Path& file : found)
+        ReportMisplaced(file, subject.flavours.front().osFolder, out);
+}
+
+// Beside inst, or in it.
+void CheckOutside(const Subject& subject, Findings& out) {
+    const Path& media = subject.Media();
+    const auto check = [&](const Path& folder, const std::string& osFolder) {
+        if (const Path file = Join(folder, kInstallerName); IsFile(file))
+            ReportMisplaced(file, osFolder, out);
+    };
+    for (const Path& folder :
+         {subject.Inst(), media, Join(media, kBinFolder), Join(media, {kCodeFolder, kBinFolder})})
+        check(folder, subject.flavours.front().osFolder);
+    for (const FlavourHere& flavour : subject.flavours)
+        check(Join(media, {flavour.osFolder, kCodeFolder, kBinFolder}), flavour.osFolder);
+}
+
+void CheckSecondPlace(const Subject& subject, Findings& out) {
+    for (const FlavourHere& flavour : subject.flavours) {
+        const Path exe =
+            InstallerExecutable(Join(subject.Media(), "1"), flavour.osFolder, kInstallerName);
+        if (flavour.hasInstaller && Look(exe)) out.Add("installer-in-two-places", exe);
+    }
+}
 
 }  // namespace
 
 void CheckInstallerPlaces(const Subject& subject, Findings& out) {
-    if (IsFolder(Join(subject.Media(), kInstFolder))) InstallerPlaces(subject, out).Check();
+    if (!IsFolder(subject.Inst())) return;
+    for (const FlavourHere& flavour : subject.flavours)
+        if (!flavour.hasInstaller && IsFolder(Join(subject.Inst(), flavour.osFolder)))
+            CheckWithout(subject, flavour, out);
+    const bool has64Bit = subject.Has(&FlavourHere::hasInstaller, true);
+    CheckOtherFolders(subject, !has64Bit, out);
+    if (!has64Bit) CheckOutside(subject, out);
+    CheckSecondPlace(subject, out);
 }
 
 }  // namespace launcher::mediatool

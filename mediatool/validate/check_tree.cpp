@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "fs/encoding.h"
-#include "media/folder_names.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/names.h"
 #include "mediatool/validate/checks.h"
@@ -46,9 +45,7 @@ class Tree {
     void Check(const Path& folder) {
         const auto entries = List(folder);
         if (!entries) {
-            out_.Error("folder-unreadable", folder.Text(), "The folder cannot be listed.",
-                       "A copy of the media has an empty folder in its place.",
-                       "Give everybody the right to read it.");
+            out_.Add("folder-unreadable", folder);
             return;
         }
         for (const Entry& entry : *entries) {
@@ -68,71 +65,42 @@ class Tree {
             CheckLink(path, entry);
         else if (entry.isFolder)
             Check(Path(path));
-        else if (!CanBeRead(path))
-            ReportUnreadable(path);
+        else if (!HasItsOwnCheck(path) && !CanBeRead(path) && MayAdd(unreadable_))
+            out_.Add("file-unreadable", path);
     }
 
-    // Of the installers and the count file that is said elsewhere.
-    void ReportUnreadable(const std::string& path) {
-        const auto names = [&path](const Finding& finding) {
-            return finding.id.ends_with("-unreadable") && SameName(finding.file, path);
+    bool HasItsOwnCheck(const std::string& path) const {
+        const auto isThis = [&path](const Flavour& flavour) {
+            return SameName(flavour.installer, path);
         };
-        if (std::ranges::any_of(out_.Sorted(), names) || !MayAdd(unreadable_)) return;
-        out_.Error("file-unreadable", path, "The file cannot be read.",
-                   "A copy of the media fails, and so may the installation.",
-                   "Give everybody the right to read it, and close the program that has it open.");
+        return std::ranges::any_of(subject_.flavours, isThis) ||
+               SameName(CountFileIn(subject_.Media()).Text(), path);
     }
 
     void CheckName(const std::string& path, const Entry& entry) {
-        if (IsReservedName(entry.name))
-            out_.Error("name-reserved", path, entry.name + " is the name of a device.",
-                       "Windows opens the device in place of the file.", "Give it another name.");
-        if (EndsInDotOrBlank(entry.name))
-            out_.Error("name-ends-in-dot-or-blank", path, "The name ends with a dot or a blank.",
-                       "Windows drops it and does not find the file.", "Give it another name.");
+        if (IsReservedName(entry.name)) out_.Add("name-reserved", path, {entry.name});
+        if (EndsInDotOrBlank(entry.name)) out_.Add("name-ends-in-dot-or-blank", path);
         if (IsOutsideOemCodePage(entry.name) && MayAdd(outsideOem_))
-            out_.Note("name-outside-oem-code-page", path,
-                      "The name has characters that the console's code page lacks.",
-                      "remove.bat removes the file with its folder, but no batch script can name "
-                      "it.",
-                      "Nothing, unless a script of yours names it.");
+            out_.Add("name-outside-oem-code-page", path);
     }
 
     void CheckLength(const std::string& path, const Entry& entry) {
         const std::size_t length = copyRoot_ + WideLength(path) - WideLength(root_);
         const std::size_t most = entry.isFolder ? kLongestFolder : kLongestPath;
         if (length <= most || !MayAdd(tooLong_)) return;
-        const std::string what = "In a copy, the path would have " + std::to_string(length) +
-                                 " characters; Windows takes " + std::to_string(most) + ".";
-        const std::string action = "Shorten the names of the file or of its folders.";
-        if (subject_.view.copies)
-            out_.Error("path-too-long-in-copy", path, what,
-                       "This media is copied to the temporary folder before the installer starts, "
-                       "and the copy fails for users with long names.",
-                       action);
-        else
-            out_.Warning("path-too-long-in-copy", path, what,
-                         "A copy to the temporary folder, made when volumes are missing, would "
-                         "fail for users with long names.",
-                         action);
+        out_.Add(subject_.view.copies ? FindingKind("path-too-long-in-copy/copied")
+                                      : FindingKind("path-too-long-in-copy"),
+                 path, {std::to_string(length), std::to_string(most)});
     }
 
     void CheckLink(const std::string& path, const Entry& entry) {
         const std::optional<FileIdentity> target = IdentityOf(path);
-        const char* const action = "Put the file or folder itself in its place.";
         if (!target)
-            out_.Error("link-broken", path, "The link leads nowhere.",
-                       "The file is missing, and a copy of the media fails or lacks it.", action);
+            out_.Add("link-broken", path);
         else if (LeadsUp(path, *target))
-            out_.Error("link-loop", path, "The link leads to a folder that it is in.",
-                       "A copy of the media never ends.", "Remove the link.");
+            out_.Add("link-loop", path);
         else
-            out_.Warning(
-                "link", path,
-                entry.isFolder ? "This is a link to a folder." : "This is a link to a file.",
-                "Discs and archives may carry the link without its target; a copy follows "
-                "it.",
-                action);
+            out_.Add("link", path, {entry.isFolder ? "folder" : "file"});
     }
 
     bool LeadsUp(const std::string& path, const FileIdentity& target) const {
@@ -157,14 +125,8 @@ class Tree {
 }  // namespace
 
 void CheckTree(const Subject& subject, Findings& out) {
-    const Path inst = Join(subject.Media(), kInstFolder);
-    if (const auto entry = Look(inst); entry && entry->isFolder) Tree(subject, out).Check(inst);
-    if (!IsAscii(subject.temp))
-        out.Warning("temp-outside-oem-code-page", subject.temp,
-                    "The temporary folder's name has characters outside ASCII.",
-                    "remove.bat names it in UTF-8, but the command processor reads the console's "
-                    "code page: the copy of the installer stays.",
-                    "Set TEMP to a folder with a plain name before the launcher starts.");
+    if (IsFolder(subject.Inst())) Tree(subject, out).Check(subject.Inst());
+    if (!IsAscii(subject.temp)) out.Add("temp-outside-oem-code-page", subject.temp);
 }
 
 }  // namespace launcher::mediatool

@@ -8,10 +8,7 @@ namespace launcher::mediatool {
 
 void CheckUnfinished(const Subject& subject, Findings& out) {
     const Path mark = Join(subject.Media(), kUnfinishedMark);
-    if (!Look(mark)) return;
-    out.Error("set-unfinished", mark.Text(), "The set was not written to its end.",
-              "Files may be missing, and others may be those of an older set.",
-              "Run the same mediatool create again: it goes on where it stopped.");
+    if (Look(mark)) out.Add("set-unfinished", mark);
 }
 
 }  // namespace launcher::mediatool

@@ -1,7 +1,6 @@
 // Volumes and markers that there are too many of: numbers beyond the count file's, and numbers that
 // are there twice.
 
-#include <algorithm>
 #include <vector>
 
 #include "media/volume_files.h"
@@ -20,11 +19,11 @@ class VolumeNumbers {
           media_(subject.Media()),
           parent_(ParentOfVolumes(media_)),
           layout_(subject.view.layout),
-          count_(subject.view.count ? subject.view.count->count : 0),
+          count_(subject.view.count->count),
           folders_(subject.view.folders),
           id_(ReadMtbDir(MarkerIn(media_, 1).Text())) {}
 
-    void Check() {
+    void Check(const std::vector<Path>& given) {
         if (id_.empty() || count_ < 1) return;
         if (count_ == 1 || layout_ == Layout::OneFolder) CheckFolder(1, media_);
         if (count_ == 1 || layout_ == Layout::Siblings) CheckFoldersBeyond();
@@ -32,57 +31,61 @@ class VolumeNumbers {
         if (count_ == 1 || layout_ == Layout::OneFolder) return;
         if (layout_ == Layout::Incomplete) {
             CheckFolder(1, media_);
-            for (int k = 2; k <= std::min(count_, kMostLookedAt); ++k)
-                CheckFolder(k, Beside(k));
+            ForEachVolumeNumber(parent_, 2, count_, "",
+                                [this](VolumeNumber k) { CheckFolder(k, Beside(k)); });
+            if (!isAnyTwice_) CheckGiven(given);
         } else {
-            for (std::size_t i = 0; i < folders_.size(); ++i)
-                CheckFolder(static_cast<int>(i) + 1, Path(folders_[i]));
+            VolumeNumber number = 0;
+            for (const std::string& folder : folders_)
+                CheckFolder(++number, Path(folder));
         }
     }
 
   private:
-    Path Beside(long long k) const { return Join(parent_, std::to_string(k)); }
+    Path Beside(VolumeNumber k) const { return Join(parent_, std::to_string(k)); }
     bool IsOurs(const Path& marker) const { return ReadMtbDir(marker.Text()) == id_; }
 
     // The other numbers in the folder of volume `own`.
-    void CheckFolder(int own, const Path& folder) {
+    void CheckFolder(VolumeNumber own, const Path& folder) {
         for (const Path& marker : NumberedMarkers(folder)) {
-            const long long number = NumberIn(marker);
+            const VolumeNumber number = NumberIn(marker);
             if (number == own || !IsOurs(marker)) continue;
             if (number > count_)
                 ReportBeyond(marker);
-            else if (layout_ != Layout::OneFolder)
-                CheckElsewhere(number, marker);
+            else if (layout_ != Layout::OneFolder && IsOurs(MarkerIn(HomeOf(number), number)))
+                ReportTwice(marker);
         }
     }
 
-    // A marker in the folder of another volume: is the volume itself at its own place?
-    void CheckElsewhere(long long number, const Path& marker) {
+    Path HomeOf(VolumeNumber number) const {
         const auto index = static_cast<std::size_t>(number) - 1;
-        const Path home = number == 1               ? media_
-                          : index < folders_.size() ? Path(folders_[index])
-                                                    : Beside(number);
-        if (!IsOurs(MarkerIn(home, number))) return;
-        const std::string what = "Volume " + std::to_string(number) +
-                                 " has a second marker, in another volume's folder.";
-        const std::string action = "Remove the marker that is in the wrong folder.";
-        if (SameName(Parent(marker).Text(), media_.Text()))
-            out_.Error("volume-number-twice", marker.Text(), what,
-                       "In volume 1's folder it makes the launcher look for all volumes there.",
-                       action);
-        else
-            out_.Warning("volume-number-twice", marker.Text(), what,
-                         "The launcher does not read it; the installer may take the folder for "
-                         "that volume.",
-                         action);
+        return index < folders_.size() ? Path(folders_[index]) : Beside(number);
+    }
+
+    // A marker in the folder of another volume, while the volume itself is at its place.
+    void ReportTwice(const Path& marker) {
+        isAnyTwice_ = true;
+        out_.AddFirst({{SameName(Parent(marker), media_), "volume-number-twice/in-volume-1"},
+                       {true, "volume-number-twice"}},
+                      marker, {std::to_string(NumberIn(marker))});
+    }
+
+    // Two given folders that both claim to be the same volume.
+    void CheckGiven(const std::vector<Path>& given) {
+        for (std::size_t i = 0; i < given.size(); ++i)
+            for (const Path& marker : NumberedMarkers(given[i]))
+                for (std::size_t j = i + 1; j < given.size(); ++j)
+                    if (const Path other = Join(given[j], FileName(marker));
+                        !ReadMtbDir(other.Text()).empty())
+                        out_.Add("volume-number-twice/given", other,
+                                 {std::to_string(NumberIn(marker))});
     }
 
     void CheckFoldersBeyond() {
-        for (const Entry& entry : List(parent_).value_or(std::vector<Entry>())) {
-            if (!entry.isFolder || !IsNumber(entry.name)) continue;
+        for (const Entry& entry : EntriesOf(parent_)) {
             const Path folder = Join(parent_, entry.name);
-            const Path marker = Join(folder, entry.name + ".txt");
-            if (NumberIn(marker) > count_ && !SameName(folder.Text(), media_.Text()) &&
+            const Path marker = Join(folder, entry.name + kVolumeMarkerSuffix);
+            if (entry.isFolder && NumberIn(marker) > count_ && !SameName(folder, media_) &&
                 IsOurs(marker))
                 ReportBeyond(marker);
         }
@@ -94,11 +97,8 @@ class VolumeNumbers {
     }
 
     void ReportBeyond(const Path& marker) {
-        out_.Error("volume-beyond-count", marker.Text(),
-                   "There is a volume " + std::to_string(NumberIn(marker)) +
-                       ", but the count file says " + std::to_string(count_) + ".",
-                   "The installer is not told of it.",
-                   "Write the right number into inst\\volumes.txt, or remove the marker.");
+        out_.Add("volume-beyond-count", marker,
+                 {std::to_string(NumberIn(marker)), std::to_string(count_)});
     }
 
     Findings& out_;
@@ -106,14 +106,15 @@ class VolumeNumbers {
     Path parent_;
     Layout layout_;
     int count_;
-    std::vector<std::string> folders_;  // of the volumes that the launcher finds
-    std::string id_;                    // of the media
+    const std::vector<std::string>& folders_;  // of the volumes that the launcher finds
+    std::string id_;                           // of the set
+    bool isAnyTwice_ = false;
 };
 
 }  // namespace
 
 void CheckVolumeNumbers(const Subject& subject, Findings& out) {
-    VolumeNumbers(subject, out).Check();
+    if (subject.view.count) VolumeNumbers(subject, out).Check(subject.set.given);
 }
 
 }  // namespace launcher::mediatool

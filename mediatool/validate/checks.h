@@ -1,29 +1,40 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
+#include <vector>
 
+#include "media/flavours.h"
 #include "mediatool/media/launcher_view.h"
 #include "mediatool/media/media_set.h"
 #include "mediatool/validate/findings.h"
 
 namespace launcher::mediatool {
 
-// The flavours that a media can have, the launcher's first choice first.
-inline constexpr const char* kFlavours[] = {"win_b64", "win_csa64", "intel_a"};
-inline constexpr char kFlavourMarkerExtension[] = ".installos";
+// One of the launcher's flavours, and what of it is there.
+struct FlavourHere : Flavour {
+    bool hasInstaller;
+    bool hasMarker;
+
+    Path Exe() const { return Path(installer); }
+    Path Marker() const { return Path(marker); }
+};
 
 // What the checks look at.
 struct Subject {
     MediaSet set;
+    std::vector<FlavourHere> flavours;  // all, the launcher's first choice first
     LauncherView view;
-    // The temporary folder of the users that the media is for; empty for the longest usual one.
+    // The temporary folder of the users that the medium is for; empty for the longest usual one.
     std::string temp;
     // Told of every entry that is looked at; may be empty.
     std::function<void(std::size_t entries)> progress;
 
     const Path& Media() const { return set.first; }
+    // Whether a flavour for this kind of Windows has its installer, or its marker.
+    bool Has(bool FlavourHere::*part, bool for64Bit) const;
+    Path Inst() const { return Join(Media(), kInstFolder); }
+    Path Common() const { return Join(Inst(), kCommonFolder); }
 };
 
 // One group of mistakes each, in a file of its own.
@@ -38,7 +49,7 @@ void CheckVolumes(const Subject& subject, Findings& out);
 void CheckUnfinished(const Subject& subject, Findings& out);
 void CheckTree(const Subject& subject, Findings& out);
 
-// An identifier, as it stands in `marker`.
+// An identifier, as it is in `marker`.
 void CheckIdentifier(const std::string& id, const Path& marker, Findings& out);
 
 // The text of one volume marker that is there. Returns the identifier that the launcher reads from

@@ -1,26 +1,49 @@
 #include "mediatool/validate/findings.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace launcher::mediatool {
+namespace {
 
-void Findings::Error(std::string id, std::string file, std::string what, std::string why,
-                     std::string action) {
-    Add({Level::Error, std::move(id), std::move(file), std::move(what), std::move(why),
-         std::move(action)});
+std::string Filled(std::string_view text, const Values& values) {
+    std::string filled;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '%')
+            filled += values.at(static_cast<std::size_t>(text[++i] - '1'));
+        else
+            filled += text[i];
+    }
+    return filled;
 }
 
-void Findings::Warning(std::string id, std::string file, std::string what, std::string why,
-                       std::string action) {
-    Add({Level::Warning, std::move(id), std::move(file), std::move(what), std::move(why),
-         std::move(action)});
+}  // namespace
+
+std::string IdentifierOf(const FindingText& text) {
+    const std::string_view name = text.name;
+    return std::string(name.substr(0, name.find('/')));
 }
 
-void Findings::Note(std::string id, std::string file, std::string what, std::string why,
-                    std::string action) {
-    Add({Level::Note, std::move(id), std::move(file), std::move(what), std::move(why),
-         std::move(action)});
+std::string LevelName(Level level) {
+    if (level == Level::Error) return "error";
+    return level == Level::Warning ? "warning" : "note";
+}
+
+void Findings::Add(FindingKind kind, const std::string& file, const Values& values) {
+    const FindingText& text = kind.Text();
+    all_.push_back({text.level, IdentifierOf(text), file, Filled(text.what, values),
+                    Filled(text.why, values), Filled(text.action, values)});
+}
+
+void Findings::AddAll(Cases cases, const Path& file, const Values& values) {
+    for (const Case& each : cases)
+        if (each.holds) Add(each.kind, file, values);
+}
+
+bool Findings::AddFirst(Cases cases, const Path& file, const Values& values) {
+    const auto first = std::ranges::find(cases, true, &Case::holds);
+    if (first == cases.end()) return false;
+    Add(first->kind, file, values);
+    return true;
 }
 
 std::vector<Finding> Findings::Sorted() const {
@@ -31,10 +54,6 @@ std::vector<Finding> Findings::Sorted() const {
 
 std::size_t Findings::Count(Level level) const {
     return static_cast<std::size_t>(std::ranges::count(all_, level, &Finding::level));
-}
-
-bool Findings::Has(const std::string& id) const {
-    return std::ranges::find(all_, id, &Finding::id) != all_.end();
 }
 
 }  // namespace launcher::mediatool

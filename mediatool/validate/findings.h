@@ -1,38 +1,69 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "fs/path.h"
+#include "mediatool/validate/finding_texts.h"
 
 namespace launcher::mediatool {
 
-// How much a finding matters: an error makes the launcher do something else than the media's maker
-// meant; a warning may do so one day, or on some machines; a note is only said.
-enum class Level { Note, Warning, Error };
+std::string IdentifierOf(const FindingText& text);
+std::string LevelName(Level level);  // "error", as outputs have it
 
-// One thing about a media that its maker should know. Texts are UTF-8 sentences.
+// A row of the table of texts, by its name. A name that is not in it does not compile.
+class FindingKind {
+  public:
+    consteval FindingKind(const char* name) : text_(&Find(name)) {}  // implicit: it is a name
+
+    const FindingText& Text() const { return *text_; }
+    bool operator==(const FindingKind&) const = default;
+
+  private:
+    static consteval const FindingText& Find(std::string_view name) {
+        for (const FindingText& text : findings::kTexts)
+            if (text.name == name) return text;
+        throw "no such kind of finding";
+    }
+
+    const FindingText* text_;
+};
+
+// One thing about a medium that its maker should know. Texts are UTF-8 sentences.
 struct Finding {
     Level level;
-    std::string id;  // names the kind of mistake, for ever: "count-file-bom"
+    std::string id;  // names the kind of mistake
     std::string file;
     std::string what;
     std::string why;
     std::string action;
 };
 
+// The values %1, %2 ... of a finding's texts.
+using Values = std::vector<std::string>;
+
+// A kind of finding, where it `holds`.
+struct Case {
+    bool holds;
+    FindingKind kind;
+};
+using Cases = std::initializer_list<Case>;
+
 class Findings {
   public:
-    void Add(Finding finding) { all_.push_back(std::move(finding)); }
-    void Error(std::string id, std::string file, std::string what, std::string why,
-               std::string action);
-    void Warning(std::string id, std::string file, std::string what, std::string why,
-                 std::string action);
-    void Note(std::string id, std::string file, std::string what, std::string why,
-              std::string action);
+    void Add(FindingKind kind, const std::string& file, const Values& values = {});
+    void Add(FindingKind kind, const Path& file, const Values& values = {}) {
+        Add(kind, file.Text(), values);
+    }
+    void AddAll(Cases cases, const Path& file, const Values& values = {});
+    // Only the first that holds; false when none does.
+    bool AddFirst(Cases cases, const Path& file, const Values& values = {});
 
     // The gravest first; those of one level in the order in which they were found.
     std::vector<Finding> Sorted() const;
     std::size_t Count(Level level) const;
-    bool Has(const std::string& id) const;
 
   private:
     std::vector<Finding> all_;

@@ -1,27 +1,12 @@
 #pragma once
 
-#include <string>
-
-#include "fs/path.h"
+#include "mediatool/validate/disc_set.h"
 #include "mediatool/validate/findings.h"
 
 namespace launcher::mediatool {
 
-// A media that may be nested in numbered outer volumes.
-struct NestedMedia {
-    Path folder;     // of volume 1
-    std::string id;  // of the media
-    int count;       // of its volumes
-};
-
-// The launcher takes a file of this name for the marker of an outer volume.
-bool IsOuterMarkerName(const std::string& name);
-
-// The mistakes in the outer volumes of a media whose volumes the launcher does not find. False when
-// nothing there was meant to be one.
-bool CheckIncompleteOuterVolumes(const NestedMedia& media, Findings& out);
-
-// What may be wrong with those of a media whose volumes it finds.
-void CheckCompleteOuterVolumes(const NestedMedia& media, Findings& out);
+// Reports what is wrong with the numbered outer volumes that a disc set is nested in. False, and
+// nothing reported but stray markers, when nothing above it was meant to be an outer volume.
+bool CheckOuterVolumes(const DiscSet& set, Findings& out);
 
 }  // namespace launcher::mediatool

@@ -10,18 +10,6 @@ namespace {
 
 constexpr char kIndent[] = "           ";
 
-std::string LevelName(Level level) {
-    switch (level) {
-        case Level::Error:
-            return "error";
-        case Level::Warning:
-            return "warning";
-        case Level::Note:
-            break;
-    }
-    return "note";
-}
-
 Colour ColourOf(Level level) {
     if (level == Level::Error) return Colour::Red;
     return level == Level::Warning ? Colour::Yellow : Colour::Cyan;
@@ -43,7 +31,7 @@ std::string TextOf(const Finding& finding) {
     return text;
 }
 
-// Notes take one line: most media have some, and mean it.
+// Notes take one line: most media have some, and are meant to.
 std::string NoteText(const Finding& finding) {
     return Label(finding.level) + Painted(Colour::Bold, finding.id) + ": " + finding.what + "\n";
 }
@@ -69,8 +57,9 @@ std::string Summary(const Findings& findings) {
     const std::size_t errors = findings.Count(Level::Error);
     const std::size_t warnings = findings.Count(Level::Warning);
     const std::size_t notes = findings.Count(Level::Note);
-    std::string text = errors == 0 ? Painted(Colour::Green, "clean")
-                                   : Painted(Colour::Red, Counted(errors, "error"));
+    std::string text = errors > 0     ? Painted(Colour::Red, Counted(errors, "error"))
+                       : warnings > 0 ? "no errors"
+                                      : Painted(Colour::Green, "clean");
     if (warnings > 0) text += ", " + Painted(Colour::Yellow, Counted(warnings, "warning"));
     if (notes > 0) text += ", " + Counted(notes, "note");
     return text;

@@ -2,7 +2,10 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "fs/encoding.h"
+#include "launcher/base/launch_options.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/validate/checks.h"
@@ -10,15 +13,12 @@
 namespace launcher::mediatool {
 namespace {
 
-// So that no media that the launcher cannot put together ever passes as clean.
-void CheckVerdict(const Subject& subject, Findings& out) {
-    if (subject.view.layout != Layout::Incomplete || out.Count(Level::Error) > 0 ||
-        out.Has("volumes-elsewhere") || out.Has("volumes-on-other-drives"))
-        return;
-    out.Error("volumes-not-found", subject.Media().Text(),
-              "The launcher does not find all volumes of this media.",
-              "It copies the installer to the temporary folder and leaves the rest to it.",
-              "Compare the folders with one of the layouts.");
+std::vector<FlavourHere> FlavoursOf(const Path& media) {
+    std::vector<FlavourHere> flavours;
+    for (const Flavour& flavour : FlavoursIn(media, kInstallerName))
+        flavours.push_back({flavour, Look(Path(flavour.installer)).has_value(),
+                            Look(Path(flavour.marker)).has_value()});
+    return flavours;
 }
 
 // A path that means the same from everywhere.
@@ -60,17 +60,24 @@ LauncherView ViewFromEverywhere(const Path& media) {
 
 }  // namespace
 
+bool Subject::Has(bool FlavourHere::*part, bool for64Bit) const {
+    return std::ranges::any_of(flavours, [&](const FlavourHere& flavour) {
+        return flavour.needs64BitWindows == for64Bit && flavour.*part;
+    });
+}
+
 Validation Validate(const ValidateRequest& request) {
     Subject subject;
     if (request.temp) subject.temp = CheckedTemp(*request.temp);
     subject.set = OpenUnfinishedSet(request.folders);
+    subject.flavours = FlavoursOf(subject.Media());
     subject.view = ViewFromEverywhere(subject.Media());
     subject.progress = request.progress;
 
     Validation result;
-    for (const auto check : {CheckUnfinished, CheckLauncher, CheckRootEntries, CheckInstallerPlaces,
-                             CheckInstallers, CheckFlavourMarkers, CheckCountFile,
-                             CheckVolumeNumbers, CheckVolumes, CheckTree, CheckVerdict})
+    for (const auto check :
+         {CheckUnfinished, CheckLauncher, CheckRootEntries, CheckInstallerPlaces, CheckInstallers,
+          CheckFlavourMarkers, CheckCountFile, CheckVolumeNumbers, CheckVolumes, CheckTree})
         check(subject, result.findings);
     for (const Path& folder : subject.set.given)
         result.media.push_back(folder.Text());

@@ -12,8 +12,8 @@ namespace launcher::mediatool {
 
 struct ValidateRequest {
     std::vector<std::string> folders;
-    // The temporary folder of the users that the media is for, a full path; nothing for the longest
-    // usual one.
+    // The temporary folder of the users that the medium is for, a full path; nothing for the
+    // longest usual one.
     std::optional<std::string> temp;
     std::function<void(std::size_t entries)> progress;
 };
@@ -24,7 +24,7 @@ struct Validation {
     Findings findings;
 };
 
-// Looks for mistakes in a media. Throws BadInput.
+// Looks for mistakes in a medium. Throws BadInput.
 Validation Validate(const ValidateRequest& request);
 
 }  // namespace launcher::mediatool

@@ -1,6 +1,7 @@
 // Media in places of all kinds.
 
 #include <string>
+#include <system_error>
 
 #include "tests/e2e/support/launcher_test.h"
 #include "tests/support/links.h"
@@ -84,20 +85,34 @@ TEST_F(Places, DriveRootInSoftwareManagement) {
                 ElementsAre("--mgt", "", "--var", "Radio_ZEPSoftwareMgtCheck?List=true"));
 }
 
-TEST_F(Places, LauncherOnANetworkPath) {
+// In a folder that has a network path.
+class NetworkPlaces : public LauncherTest {
+  protected:
+    void SetUp() override {
+        LauncherTest::SetUp();
+        std::error_code ignored;
+        if (!stdfs::exists(NetworkFolder(), ignored))
+            GTEST_SKIP() << "this machine does not share its disks with this user";
+    }
+    void TearDown() override {
+        std::error_code ignored;
+        stdfs::remove_all(root, ignored);
+    }
+
+    const stdfs::path root = NetworkFolder() / (scratch.Dir().filename().native() + L"-network");
+};
+
+TEST_F(NetworkPlaces, RunTheLauncher) {
     // Wine's GetModuleFileNameW gives such a program a name that cannot be opened. Runs on Windows;
     // media on a network path are tested below, on both.
     if (IsWine()) GTEST_SKIP() << "Wine tells such a program a name that leads nowhere";
-    const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
     const Media media = Media(root).AddInstaller(UsualOs());
     const LauncherRun run = Run(media, {"-wait", "x"});
     EXPECT_THAT(run, EndsQuietlyWith(0));
     EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text(), "x"));
-    stdfs::remove_all(root);
 }
 
-TEST_F(Places, MediaOnANetworkPath) {
-    const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
+TEST_F(NetworkPlaces, HoldAMedia) {
     const Media media = Media(root).AddInstaller(UsualOs(), "ZEPInsAppliODT.exe");
     variables["CurrentMediaDir"] = media.Text();
     const LauncherRun run = Run(EmptyMedia(), {"--odt"});
@@ -106,11 +121,9 @@ TEST_F(Places, MediaOnANetworkPath) {
               "\"" + media.InstallerText(UsualOs(), "ZEPInsAppliODT.exe") + "\" \"-CDpath\" \"" +
                   media.Text() + "\"");
     EXPECT_EQ(run.Installer().Variable("MORInst"), media.Text("inst"));
-    stdfs::remove_all(root);
 }
 
-TEST_F(Places, MediaOnANetworkPathIsCopied) {
-    const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
+TEST_F(NetworkPlaces, HoldAMediaThatIsCopied) {
     const Media media =
         Media(root).AddInstaller(UsualOs(), "ZEPInsAppliODT.exe").MakeSplit(2, "SET");
     variables["CurrentMediaDir"] = media.Text();
@@ -118,18 +131,15 @@ TEST_F(Places, MediaOnANetworkPathIsCopied) {
     EXPECT_THAT(run, EndsQuietlyWith(0));
     EXPECT_EQ(run.Installer().Variable("ZEPAdmInstOriginalMediaDir"), media.Text());
     EXPECT_EQ(run.LeftInTemp().size(), 1u);
-    stdfs::remove_all(root);
 }
 
-TEST_F(Places, InstallerOnANetworkPath) {
-    const stdfs::path root = NetworkFolder() / scratch.Dir().filename();
+TEST_F(NetworkPlaces, HoldTheInstaller) {
     AddStandInInstaller(root, UsualOs());
     const Media media = EmptyMedia().AddMarker(UsualOs());
     const LauncherRun run = Run(media, {"-wait", "-installerPath", ToUtf8(root)});
     EXPECT_THAT(run, EndsQuietlyWith(0));
     EXPECT_EQ(run.Installer().Variable("MORInstaller"), ToUtf8(root) + "\\inst\\");
     EXPECT_THAT(run.Installer().Arguments(), ElementsAre("-CDpath", media.Text()));
-    stdfs::remove_all(root);
 }
 
 }  // namespace

@@ -28,14 +28,14 @@ using testing::UnorderedElementsAre;
 
 class CopyFolderTest : public test::FileTest {
   protected:
-    void CopyTree() const { CopyFolder(folder_.Text("from"), folder_.Text("to")); }
+    void CopyTree() const { CopyDirectory(folder_.Text("from"), folder_.Text("to")); }
     test::Tree Original() const { return test::TreeBelow(folder_.Dir() / "from"); }
     test::Tree Copied() const { return test::TreeBelow(folder_.Dir() / "to"); }
 };
 
 TEST_F(CopyFolderTest, MakesAnEmptyFolderOfAnEmptyOne) {
     folder_.MakeDir("from");
-    CopyFolder(folder_.Text("from"), folder_.Text("deep\\to"));
+    CopyDirectory(folder_.Text("from"), folder_.Text("deep\\to"));
     EXPECT_EQ(GetType(folder_.Text("deep\\to")), FileType::Directory);
     EXPECT_THAT(test::TreeBelow(folder_.Dir() / "deep" / "to"), IsEmpty());
 }
@@ -47,7 +47,7 @@ TEST_F(CopyFolderTest, MakesBothLevelsOfAnEmptyFolderInAFolder) {
 }
 
 TEST_F(CopyFolderTest, MakesAnEmptyFolderOfOneThatCannotBeListed) {
-    CopyFolder(folder_.Text("missing"), folder_.Text("to"));
+    CopyDirectory(folder_.Text("missing"), folder_.Text("to"));
     EXPECT_THAT(Copied(), IsEmpty());
 
     folder_.Write("from\\locked\\file");
@@ -189,7 +189,7 @@ TEST_F(CopyFolderTest, ReportsAFileWhereAFolderShouldBe) {
 }
 
 TEST_F(CopyFolderTest, ThrowsForAnEmptySource) {
-    EXPECT_THAT([&] { CopyFolder("", folder_.Text("to")); },
+    EXPECT_THAT([&] { CopyDirectory("", folder_.Text("to")); },
                 Throws("FindFirstFile - Path is empty"));
 }
 

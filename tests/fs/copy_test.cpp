@@ -223,6 +223,19 @@ TEST_F(CopyTest, ReadsThroughOneBufferOf64KiB) {
     EXPECT_EQ(sizes, std::vector<DWORD>(4, 65536));
 }
 
+// A hint to the cache, for media that answer slowly.
+TEST_F(CopyTest, SaysThatItReadsTheSourceFromItsStartToItsEnd) {
+    std::vector<bool> hints;
+    CopyWith<decltype(&CreateFileW)>(
+        "CreateFileW", [&](auto real, LPCWSTR name, DWORD access, auto share, auto security,
+                           auto disposition, DWORD flags, HANDLE like) {
+            if (name == ToWide(source_) && access == GENERIC_READ)
+                hints.push_back((flags & FILE_FLAG_SEQUENTIAL_SCAN) != 0);
+            return real(name, access, share, security, disposition, flags, like);
+        });
+    EXPECT_EQ(hints, std::vector<bool>{true});
+}
+
 // A file that cannot be read to its end cannot be told from one that was cut meanwhile.
 TEST_F(CopyTest, TakesAReadErrorAsTheEnd) {
     const std::string content = Content(200000);

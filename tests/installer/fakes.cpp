@@ -18,12 +18,12 @@ bool LocateInstaller(LaunchOptions&, const std::string& folder, bool quiet) {
     return test::below.findsInstaller;
 }
 
-ComApartment::ComApartment() : initialised_(false) {
+ComApartment::ComApartment() : initialised_(true) {
     test::Record("COM begins");
 }
 
 ComApartment::~ComApartment() {
-    test::Record("COM ends");
+    if (initialised_) test::Record("COM ends");
 }
 
 HRESULT ComApartment::CreateInstance(REFCLSID classId, REFIID iid, void** object) const {

@@ -14,6 +14,8 @@
 namespace launcher {
 namespace {
 
+constexpr DWORD kPatience = 60'000;  // milliseconds
+
 FileHandle OpenFile(const std::string& path, DWORD sharing) {
     FileHandle file(CreateFileW(ToWide(path).c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING,
                                 FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -71,7 +73,7 @@ class RemoveScriptTest : public testing::Test {
 
     void ExpectRemoved(const std::string& temporaryDir) const {
         const ScriptRun run(ScriptElsewhere(temporaryDir));
-        EXPECT_TRUE(run.EndsWithin(20'000));
+        EXPECT_TRUE(run.EndsWithin(kPatience));
         EXPECT_FALSE(PathExists(temporaryDir));
         EXPECT_TRUE(PathExists(folder.Text()));
     }
@@ -125,7 +127,7 @@ TEST_F(RemoveScriptTest, IsSkippedSilentlyWhenItCannotBeMade) {
 bool CommandProcessorHoldsScripts(const test::TemporaryFolder& folder) {
     const std::string dir = folder.Text("probe");
     const ScriptRun run(folder.Write("probe/probe.bat", "@rmdir /Q /S \"" + dir + "\"\r\n"));
-    EXPECT_TRUE(run.EndsWithin(20'000));
+    EXPECT_TRUE(run.EndsWithin(kPatience));
     return PathExists(dir);
 }
 
@@ -133,7 +135,7 @@ TEST_F(RemoveScriptTest, RemovesTheCopyAndItself) {
     const std::string dir = NewTemporaryDir("UUID");
     WriteRemoveScript(dir);
     const ScriptRun run(dir + "remove.bat");
-    EXPECT_TRUE(run.EndsWithin(20'000));
+    EXPECT_TRUE(run.EndsWithin(kPatience));
     if (PathExists(dir)) {
         EXPECT_THAT(test::TreeBelow(test::FromUtf8(dir)), testing::IsEmpty());
     }
@@ -155,7 +157,7 @@ TEST_F(RemoveScriptTest, KeepsTryingWhileTheInstallerRuns) {
     EXPECT_TRUE(PathExists(dir + "media.xml"));
 
     file.Reset();
-    EXPECT_TRUE(run.EndsWithin(20'000));
+    EXPECT_TRUE(run.EndsWithin(kPatience));
     EXPECT_FALSE(PathExists(dir));
 }
 

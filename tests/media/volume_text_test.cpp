@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -67,6 +68,7 @@ TEST(ReadTextLine, FailsAtTheEnd) {
 // What a marker holds and the id that is read from it: the rest of the first line that begins with
 // the seven characters, to the byte.
 TEST(FindMtbDir, GivesTheRestOfTheFirstLineThatBeginsWithIt) {
+    constexpr std::size_t kLong = 1'048'576;
     struct {
         std::string content;
         std::string id;
@@ -91,9 +93,9 @@ TEST(FindMtbDir, GivesTheRestOfTheFirstLineThatBeginsWithIt) {
         {"MTBDIR=\xff\xfe\x80\n", "\xff\xfe\x80"},
         {"", ""},
         {"one\r\ntwo\r\n", ""},
-        {std::string(1 << 20, 'x') + "\nMTBDIR=A\n", "A"},
-        {std::string(1 << 20, 'x') + "MTBDIR=A\n", ""},
-        {"MTBDIR=" + std::string(1 << 20, 'v') + "\r\n", std::string(1 << 20, 'v')},
+        {std::string(kLong, 'x') + "\nMTBDIR=A\n", "A"},
+        {std::string(kLong, 'x') + "MTBDIR=A\n", ""},
+        {"MTBDIR=" + std::string(kLong, 'v') + "\r\n", std::string(kLong, 'v')},
     };
     for (const auto& [content, id] : rows) {
         InputStream input(content);

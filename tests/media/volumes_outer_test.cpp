@@ -4,8 +4,11 @@
 
 #include "fs/encoding.h"
 #include "fs/path.h"
+#include "launcher/base/launch_options.h"
+#include "media/volume_search.h"
 #include "tests/media/volumes_fixture.h"
 #include "tests/support/hook.h"
+#include "tests/support/journal.h"
 
 namespace launcher::test {
 namespace {
@@ -50,6 +53,23 @@ TEST_F(OuterVolumesTest, HoldTheVolumesUnderTheSamePath) {
                                                     {FoundOuter(8, "Q/8"), Found(2, "Q/8/R/2"),
                                                      FoundOuter(9, "Q/9"), Found(3, "Q/9/R/3")},
                                                     {At("Q/8/R/2"), At("Q/9/R/3")}));
+}
+
+TEST_F(OuterVolumesTest, AreToldBetweenTheMessages) {
+    Nested(2);
+    Outer(8, "Y", 2, "X");
+    journal.clear();
+    LaunchOptions options(0, nullptr, "", true, false);
+    options.mediaDir = Path(At("Q/7/R/V"));
+    FindVolumes(options, [](const std::string& name, const std::string& value) {
+        journal.push_back(name + "=" + value);
+    });
+    EXPECT_THAT(journal,
+                testing::ElementsAre(
+                    Composed("2"), "ZEPAdmInstVolumesCount=2", "ZEPAdmInstMTBDIR=X",
+                    Found(1, "Q/7/R/V"), "ZEPAdmInstMTBDIR=Y", FoundOuter(7, "Q/7"),
+                    "ZEPAdmInstFirstAMVolume=7", "ZEPAdmInstFirstAMPath=" + At("Q/7"),
+                    "ZEPAdmInstAMRelativePath=R", FoundOuter(8, "Q/8"), Found(2, "Q/8/R/2")));
 }
 
 TEST_F(OuterVolumesTest, AreNotLookedForWhenThereIsNoMarker) {

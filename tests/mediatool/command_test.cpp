@@ -99,13 +99,14 @@ TEST_F(Command, CreateThatIsRefused) {
 TEST_F(Command, WrongUse) {
     EXPECT_THAT(Complaint({}), StartsWith("mediatool: "));
     EXPECT_EQ(Complaint({"burn", "--fast"}),
-              "mediatool: There is no command \"burn\"; there are dry-run, validate, create and "
+              "mediatool: There is no command \"burn\"; there are run, dry-run, validate, create and "
               "checksum.\n");
     EXPECT_THAT(Complaint({"validate"}), HasSubstr("media is required"));
     EXPECT_THAT(Complaint({"validate", "--fast", media.Text()}), HasSubstr("--fast"));
     EXPECT_THAT(Complaint({"validate", scratch.Text("keine Größe")}), HasSubstr("keine Größe"));
     EXPECT_THAT(Complaint({"validate", scratch.Text()}), HasSubstr("no launcher (setup.exe)"));
-    EXPECT_THAT(Complaint({"validate", media.Text(), "--", "-wait"}), HasSubstr("Only dry-run"));
+    EXPECT_THAT(Complaint({"validate", media.Text(), "--", "-wait"}),
+                HasSubstr("Only run and dry-run"));
     EXPECT_THAT(Complaint({"dry-run", scratch.Text()}), HasSubstr("no launcher (setup.exe)"));
     EXPECT_THAT(Complaint({"dry-run", media.Text(), "--windows", "XP"}), HasSubstr("XP"));
     EXPECT_THAT(Complaint({"dry-run", media.Text(), "--env", "=x"}), HasSubstr("NAME=VALUE"));

@@ -7,7 +7,7 @@
 
 #include "mediatool/base/failures.h"
 #include "mediatool/create/create.h"
-#include "tests/mediatool/mistake_row.h"
+#include "tests/mediatool/validate/mistake_row.h"
 
 namespace launcher::test {
 

@@ -20,8 +20,8 @@ bool Toss(Random& random) {
 
 const char* const kCopyWarnings[] = {
     " WARN: This media is composed of multiple volumes.",
-    " WARN: If it is not done already, please copy each volume on a local hard drive before "
-    "starting the installation.",
+    (" WARN: If it is not done already, please copy each volume on a local hard drive before "
+     "starting the installation."),
     " WARN: Not doing so might result in the installation leaving temporary files behind."};
 
 // What every run that finds its installer begins with.

@@ -9,7 +9,7 @@
 namespace launcher::test {
 namespace {
 
-constexpr DWORD kClaimPatience = 60000;  // milliseconds
+constexpr DWORD kClaimPatience = 180000;  // milliseconds
 
 std::wstring MutexName(const std::wstring& thing) {
     return L"launcher-test-" + thing;

@@ -4,7 +4,7 @@
 
 namespace launcher::test {
 
-// How many handles this process has open.
+// How many handles this process has open, without those of threads that Windows starts in it.
 std::size_t OpenHandleCount();
 
 // Fails the test when fewer or more handles are open at its end than at its beginning: as the

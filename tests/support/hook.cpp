@@ -16,8 +16,20 @@ T* At(std::size_t offset) {
     return reinterpret_cast<T*>(reinterpret_cast<std::byte*>(GetModuleHandleW(nullptr)) + offset);
 }
 
-// The place in this program's import table that holds the address of `function`.
+// The first place in this program's import table that holds the address of `function`.
 void** FindSlot(std::string_view function) {
+    void** found = nullptr;
+    ForEachImport([&](std::string_view name, void** slot) {
+        if (found == nullptr && name == function) found = slot;
+    });
+    if (found == nullptr)
+        throw std::runtime_error("this program does not import " + std::string(function));
+    return found;
+}
+
+}  // namespace
+
+void ForEachImport(const std::function<void(std::string_view, void**)>& visit) {
     const auto* headers =
         At<IMAGE_NT_HEADERS>(static_cast<std::size_t>(At<IMAGE_DOS_HEADER>(0)->e_lfanew));
     const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
@@ -29,28 +41,25 @@ void** FindSlot(std::string_view function) {
             if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
             const auto* import =
                 At<IMAGE_IMPORT_BY_NAME>(static_cast<std::size_t>(names->u1.AddressOfData));
-            if (reinterpret_cast<const char*>(import->Name) == function) return slots;
+            visit(reinterpret_cast<const char*>(import->Name), slots);
         }
     }
-    throw std::runtime_error("this program does not import " + std::string(function));
 }
 
-void Write(void** slot, void* value) {
+void WriteImport(void** slot, void* value) {
     DWORD protection = 0;
     VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection);
     *slot = value;
     VirtualProtect(slot, sizeof *slot, protection, &protection);
 }
 
-}  // namespace
-
 ImportPatch::ImportPatch(const char* function, void* replacement)
     : slot_(FindSlot(function)), original_(*slot_) {
-    Write(slot_, replacement);
+    WriteImport(slot_, replacement);
 }
 
 ImportPatch::~ImportPatch() {
-    Write(slot_, original_);
+    WriteImport(slot_, original_);
 }
 
 }  // namespace launcher::test

@@ -4,9 +4,17 @@
 
 #include <functional>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace launcher::test {
+
+// Calls `visit` with each function that this program imports by its name, and with the place in its
+// import table that holds the address. One function may have several such places.
+void ForEachImport(const std::function<void(std::string_view name, void** slot)>& visit);
+
+// Makes the program call `value` through that place from now on.
+void WriteImport(void** slot, void* value);
 
 // Replaces a Windows function for everything linked into this test program while it lives, by
 // changing the program's own import table: the way to see how the code takes a call that fails

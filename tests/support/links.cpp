@@ -62,6 +62,27 @@ void RunOnHost(const std::wstring& program, const std::wstring& arguments, const
         Sleep(5);
 }
 
+BY_HANDLE_FILE_INFORMATION InformationOf(const stdfs::path& folder) {
+    BY_HANDLE_FILE_INFORMATION information{};
+    const HANDLE handle =
+        CreateFileW(folder.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return information;
+    GetFileInformationByHandle(handle, &information);
+    CloseHandle(handle);
+    return information;
+}
+
+// Wine gives a new drive its volume's serial number a moment later: until then, what is reached
+// through the drive is another file than the same one reached without it.
+void WaitForSerialNumber(const stdfs::path& drive, const stdfs::path& folder) {
+    constexpr int kShortPatience = 400;  // times 5 milliseconds
+    for (int i = 0; i < kShortPatience && InformationOf(drive).dwVolumeSerialNumber !=
+                                              InformationOf(folder).dwVolumeSerialNumber;
+         ++i)
+        Sleep(5);
+}
+
 // In the place of a link that leads nowhere, which nobody here can see.
 void LinkOnHost(const std::wstring& link, const std::wstring& target, const stdfs::path& path) {
     RunOnHost(L"ln", L"-sfn \"" + target + L"\" \"" + link + L"\"", path, true);
@@ -85,6 +106,13 @@ void RemoveDrive(const std::wstring& letter) {
         UnlinkOnHost(DriveOnHost(letter), letter + L"\\");
     else
         DefineDosDeviceW(DDD_REMOVE_DEFINITION, letter.c_str(), nullptr);
+}
+
+// Windows shares each drive, C: as C$.
+stdfs::path AdministratorsShare(const stdfs::path& path) {
+    std::wstring name = path.native();
+    name.at(1) = L'$';
+    return name;
 }
 
 std::string FreeDrive() {
@@ -131,6 +159,7 @@ MappedDrive::MappedDrive(const std::string& drive, const stdfs::path& folder)
     else
         DefineDosDeviceW(0, letter_.c_str(), folder.c_str());
     if (!IsThere(Root())) throw std::runtime_error("no drive " + Root().string());
+    if (IsWine()) WaitForSerialNumber(Root(), folder);
 }
 
 MappedDrive::~MappedDrive() {
@@ -154,8 +183,9 @@ bool SmallDisk::IsThere() const {
 
 stdfs::path NetworkName(const stdfs::path& path) {
     const stdfs::path server = L"\\\\localhost\\";
+    if (!IsWine()) return server / AdministratorsShare(path);
     const stdfs::path share = server / L"C$";
-    if (IsWine() && !IsThere(share)) {
+    if (!IsThere(share)) {
         const std::wstring folder = DevicesOnHost() + L"unc/localhost/";
         RunOnHost(L"mkdir", L"-p \"" + folder + L"\"", server, true);
         LinkOnHost(folder + L"C$", L"../../c:", share);
@@ -165,11 +195,7 @@ stdfs::path NetworkName(const stdfs::path& path) {
 }
 
 stdfs::path NetworkFolder() {
-    if (!IsWine()) {
-        std::wstring temp = stdfs::temp_directory_path().native();
-        temp[1] = L'$';  // the administrators' share of a drive
-        return L"\\\\localhost\\" + temp;
-    }
+    if (!IsWine()) return NetworkName(UsersTemp());
     stdfs::create_directories(
         BuiltFile(ToNarrow((DevicesOnHost() + L"unc/localhost/share").c_str()).c_str()));
     return L"\\\\localhost\\share";

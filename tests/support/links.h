@@ -58,11 +58,12 @@ class SmallDisk {
     std::filesystem::path below_;  // a file in the folder itself, which the disk hides
 };
 
-// The name of a file of the local disk C: over the network. On Windows only administrators can
-// open it.
+// The name of a local file over the network; under Wine of one on C:. On Windows administrators
+// alone can open it, where the machine shares its disks at all.
 std::filesystem::path NetworkName(const std::filesystem::path& path);
 
-// A network path that leads to this machine's own disk: a folder that can be written to.
+// A network path that leads to a folder of this machine that can be written to; on Windows with the
+// same conditions.
 std::filesystem::path NetworkFolder();
 
 }  // namespace launcher::test

@@ -11,6 +11,14 @@ namespace launcher::test {
 
 namespace stdfs = std::filesystem;
 
+stdfs::path UsersTemp() {
+    const stdfs::path temp = stdfs::temp_directory_path();
+    std::wstring name(32768, L'\0');
+    name.resize(GetLongPathNameW(temp.c_str(), name.data(), static_cast<DWORD>(name.size())));
+    if (name.empty()) return temp;
+    return name;
+}
+
 namespace {
 
 stdfs::path NewFolder() {
@@ -19,7 +27,7 @@ stdfs::path NewFolder() {
         const std::wstring name = kTemporaryFolderName + std::to_wstring(GetCurrentProcessId()) +
                                   L"-" + std::to_wstring(GetTickCount64()) + L"-" +
                                   std::to_wstring(++counter);
-        const stdfs::path folder = stdfs::temp_directory_path() / name;
+        const stdfs::path folder = UsersTemp() / name;
         if (stdfs::create_directories(folder)) return folder;
     }
 }
@@ -28,9 +36,12 @@ stdfs::path NewFolder() {
 
 TemporaryFolder::TemporaryFolder() : dir_(NewFolder()) {}
 
+// A virus scanner may still look at a file that has just been written.
 TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    stdfs::remove_all(dir_, ignored);
+    constexpr int kPatience = 20;  // times 100 milliseconds
+    std::error_code error;
+    for (int i = 0; stdfs::remove_all(dir_, error), error && i < kPatience; ++i)
+        Sleep(100);
 }
 
 std::string TemporaryFolder::Text() const {

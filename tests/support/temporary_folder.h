@@ -10,6 +10,10 @@ namespace launcher::test {
 // What the name of every temporary folder begins with.
 inline constexpr wchar_t kTemporaryFolderName[] = L"launcher-test-";
 
+// The user's temporary folder by its long name: "TEMP" may hold a short one (RUNNER~1), and Windows
+// answers with long ones.
+std::filesystem::path UsersTemp();
+
 // A new empty folder below the user's temporary folder, removed with all it holds at the end.
 // Links below it are removed, not followed.
 class TemporaryFolder {

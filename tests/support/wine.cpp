@@ -70,10 +70,11 @@ WineSettings::~WineSettings() {
 }
 
 void WineSettings::PoseAs(const std::string& version) {
-    WriteString(key_, L"Version", ToWide(version));
+    if (IsWine()) WriteString(key_, L"Version", ToWide(version));
 }
 
 void WineSettings::OverrideDll(const std::string& dll, const std::string& order) {
+    if (!IsWine()) return;
     const std::string file = dll + ".dll";
     if (!Claim::Exists(ToWide(file))) PutBack(SystemFile(file));
     WriteString(key_ + L"\\DllOverrides", ToWide(dll).c_str(), ToWide(order));

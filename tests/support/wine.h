@@ -22,7 +22,7 @@ bool StumbledOverWine(const std::vector<std::string>& messages);
 std::filesystem::path BuiltFile(const char* path);
 
 // What Wine keeps in its registry for programs of one file name: nothing at first, and again at the
-// end.
+// end. On Windows it does nothing.
 class WineSettings {
   public:
     explicit WineSettings(const std::string& exeName);

@@ -57,10 +57,10 @@ code_without_a_pipe() {
 # the program has said something
 stopped_by() {
     rm -f seen
-    cat pipe >seen &
+    cat pipe >>seen &
     reader=$!
     # shellcheck disable=SC2016  # for the inner shell
-    TMPDIR=$work/temp setsid sh -c 'if [ "$1" = pipe ]; then exec >pipe; else exec >seen 2>pipe; fi
+    TMPDIR=$work/temp setsid sh -c 'if [ "$1" = pipe ]; then exec >pipe; else exec >>seen 2>pipe; fi
         exec "$2" "$3" cmd.exe /c "echo before& notepad& echo after"' sh "$3" "$run" "$prefix" &
     script=$!
     for _ in $(seq 600); do

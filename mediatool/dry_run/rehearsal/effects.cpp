@@ -33,6 +33,12 @@ void WriteConsoleLine(const std::string& text, Severity severity, bool toErrors)
     WriteDown({text, severity, /*box=*/false, toErrors, /*dialog=*/false});
 }
 
+bool TracesInBoxes() {
+    mediatool::Rehearsal* const rehearsal = CurrentRehearsal();
+    return rehearsal != nullptr &&
+           mediatool::FirstAnswer(rehearsal->tracesInBoxes, IsTraceSwitchOn);
+}
+
 void EndProcess(int exitCode) {
     throw mediatool::ProcessEnd{exitCode};
 }

@@ -1,13 +1,11 @@
 // What the machine says of itself.
 
 #include "fs/encoding.h"
-#include "fs/environment.h"
 #include "fs/file_type.h"
 #include "fs/path.h"
 #include "launcher/uuid_text.h"
 #include "media/volume_files.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
-#include "mediatool/dry_run/rehearsal/this_machine.h"
 #include "platform/administrator.h"
 #include "platform/architecture.h"
 #include "platform/module_path.h"
@@ -31,23 +29,25 @@ void WriteDownLookup(const std::string& path, bool found) {
 }  // namespace
 
 bool IsAdministrator() {
-    const std::optional<bool>& pretended = Machine().isAdministrator;
-    if (!pretended) return ThisMachineIsAdministrator();
-    // The variable counts for every administrator, of this machine or not; asked once, as there.
-    static const bool answer = *pretended && GetEnvVar("ZEPProcessNotAdmin").empty();
-    return answer;
+    const auto detect = [] {
+        const std::optional<bool>& pretended = Machine().isAdministrator;
+        return pretended ? *pretended && !IsAdministratorHidden() : DetectAdministrator();
+    };
+    mediatool::Rehearsal* const rehearsal = mediatool::CurrentRehearsal();
+    return rehearsal == nullptr ? detect()
+                                : mediatool::FirstAnswer(rehearsal->isAdministrator, detect);
 }
 
 bool Is64BitWindows() {
-    return Machine().is64Bit.value_or(ThisMachineIs64BitWindows());
+    return Machine().is64Bit.value_or(Detect64BitWindows());
 }
 
 bool HasRequiredWebLibrary() {
-    return !Machine().hasOldWebLibrary && ThisMachineHasRequiredWebLibrary();
+    return !Machine().hasOldWebLibrary && DetectRequiredWebLibrary();
 }
 
 bool IsWindows8OrNewer() {
-    return Machine().isWindows8OrNewer.value_or(ThisMachineIsWindows8OrNewer());
+    return Machine().isWindows8OrNewer.value_or(DetectWindows8());
 }
 
 std::string GetModuleFileNameText() {
@@ -64,19 +64,15 @@ std::string NewUuidText(bool) {
 }
 
 bool PathExists(const std::string& path) {
-    const bool found = ThisMachinePathExists(path);
+    const bool found = IsThere(path);
     WriteDownLookup(path, found);
     return found;
 }
 
 // A volume's marker, which the launcher opens without a question whether it is there.
 std::string ReadMtbDir(const std::string& path) {
-    WriteDownLookup(path, ThisMachinePathExists(path));
-    return ThisMachineReadMtbDir(path);
-}
-
-std::optional<VolumeCount> ReadVolumeCount(const std::string& path) {
-    return ThisMachineReadVolumeCount(path);
+    WriteDownLookup(path, IsThere(path));
+    return MtbDirInFile(path);
 }
 
 }  // namespace launcher

@@ -7,21 +7,12 @@
 #include "fs/encoding.h"
 #include "fs/environment.h"
 #include "fs/open_file.h"
-#include "fs/owners.h"
 #include "mediatool/base/files.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
 #include "mediatool/media/program_file.h"
-#include "platform/architecture.h"
 
 namespace launcher::mediatool {
 namespace {
-
-struct SectionTraits {
-    using Value = HANDLE;
-    static Value None() { return nullptr; }
-    static void Release(Value value) { CloseHandle(value); }
-};
-using Section = Owner<SectionTraits>;  // CreateFileMappingW
 
 // The programs that a command line may mean, in the order in which Windows tries them: what stands
 // in quotes; without quotes the text up to each blank, as the program's path may hold some.
@@ -53,30 +44,6 @@ bool IsSearchedFor(const std::wstring& name) {
            (name.size() < 2 || name[1] != L':');
 }
 
-// A script is started by way of the command processor.
-bool IsScript(const Path& file) {
-    const std::string name = InLowerCase(FileName(file));
-    return name.ends_with(".bat") || name.ends_with(".cmd");
-}
-
-// What Windows says of a file that is to be a process. Whether it can be an image, Windows decides
-// here too: an image that is only mapped runs nothing.
-DWORD ImageError(const std::wstring& name) {
-    const FileHandle file(CreateFileW(name.c_str(), GENERIC_READ | GENERIC_EXECUTE,
-                                      FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) return GetLastError();
-    const Path path = FullPath(ToNarrow(name.c_str()));
-    if (IsScript(path)) return ERROR_SUCCESS;
-    const auto program = ReadProgramFile(path);
-    if (!program || program->isLibrary || program->isCutOff) return ERROR_BAD_EXE_FORMAT;
-    if (!program->Is32Bit() && !(program->Is64Bit() && Is64BitWindows()))
-        return ERROR_EXE_MACHINE_TYPE_MISMATCH;
-    const Section image(
-        CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY | SEC_IMAGE, 0, 0, nullptr));
-    return image ? ERROR_SUCCESS : GetLastError();
-}
-
 struct Verdict {
     bool found;  // nothing else is tried then
     DWORD error;
@@ -84,12 +51,11 @@ struct Verdict {
 
 // For what is in the copy, or would be.
 Verdict JudgeInCopy(const Path& program) {
-    const Rehearsal& rehearsal = *CurrentRehearsal();
-    const PretendedCopy& copy = rehearsal.journal.copy;
+    const PretendedCopy& copy = CurrentRehearsal()->journal.copy;
     const auto file = copy.contents.find(CopyKey(program));
     if (file != copy.contents.end()) return {true, ImageError(ToWide(file->second.source))};
-    if (rehearsal.HasFolder(program)) return {false, ERROR_ACCESS_DENIED};
-    if (rehearsal.HasFolder(Parent(program))) return {false, ERROR_FILE_NOT_FOUND};
+    if (copy.HasFolder(program)) return {false, ERROR_ACCESS_DENIED};
+    if (copy.HasFolder(Parent(program))) return {false, ERROR_FILE_NOT_FOUND};
     return {false, ERROR_PATH_NOT_FOUND};
 }
 

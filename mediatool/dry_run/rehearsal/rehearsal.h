@@ -1,13 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
-#include "fs/path.h"
+#include "mediatool/dry_run/rehearsal/pretended_copy.h"
 
 namespace launcher {
 enum class Severity : std::uint32_t;
@@ -44,18 +42,6 @@ struct Lookup {
     bool found;
 };
 
-struct PretendedFile {
-    std::string source;
-    std::uint64_t bytes = 0;
-};
-
-struct PretendedCopy {
-    std::map<std::string, PretendedFile> contents;  // by CopyKey of the copy's path
-    std::size_t files = 0;
-    std::uint64_t bytes = 0;
-    std::optional<std::uint64_t> room;  // bytes free at the target; unknown without it
-};
-
 struct Journal {
     std::vector<Message> messages;
     std::vector<Lookup> lookups;
@@ -63,14 +49,15 @@ struct Journal {
     bool wroteRemoveScript = false;
     std::optional<std::string> commandLine;  // of the process that would have been started
     bool waited = false;                     // for its end
+    bool crashed = false;
 };
 
 struct Rehearsal {
     PretendedMachine machine;
     Journal journal;
-    std::set<std::string> pretendedFolders;  // made by the copy, by CopyKey
-
-    bool HasFolder(const Path& folder) const;
+    // What the launcher's process would remember of its first question.
+    std::optional<bool> isAdministrator;
+    std::optional<bool> tracesInBoxes;
 };
 
 // The one that is running; null outside of it, when the replacements change nothing either.
@@ -85,19 +72,16 @@ class RehearsalScope {
     ~RehearsalScope();
 };
 
+// The answer that is remembered, detected now when there is none yet.
+template <class Detect>
+bool FirstAnswer(std::optional<bool>& answer, const Detect& detect) {
+    if (!answer) answer = detect();
+    return *answer;
+}
+
 // What ends the launcher's process. No std::exception, so that nothing of the launcher catches it.
 struct ProcessEnd {
     int exitCode;
 };
-
-// The name of the temporary folder, in place of a random one.
-inline constexpr char kPretendedUuid[] = "{UUID}";
-
-// The number of characters that a path has in a run, where the name of the temporary folder is
-// longer than here.
-std::size_t LengthInRun(const std::string& path);
-
-// A path in the copy as it is listed here: the one that Windows makes of it, in lower case.
-std::string CopyKey(const Path& path);
 
 }  // namespace launcher::mediatool

@@ -20,8 +20,9 @@ constexpr int kForwardButton = 202;
 
 constexpr int kBoxText = 0xFFFF;  // the text of a message box
 // Milliseconds.
-constexpr DWORD kPatience = 20000;
-constexpr DWORD kShortPatience = 3000;
+constexpr DWORD kPatience = 60000;
+constexpr DWORD kShortPatience = 10000;
+constexpr DWORD kRepeatAfter = 2000;
 constexpr DWORD kPollInterval = 10;
 
 template <class Condition>
@@ -151,11 +152,15 @@ void DialogDriver::Cancel() {
     PressAndWait(IDCANCEL);
 }
 
-// Until the dialog is gone, so that nobody else finds it to answer it.
+// Until the dialog is gone, so that nobody else finds it to answer it. A dialog that is still at
+// work may take no notice: it is pressed again.
 void DialogDriver::PressAndWait(int button) {
-    Press(dialog_, button);
-    if (!Becomes(kPatience, [&] { return !IsOpen(dialog_); }))
-        throw std::runtime_error("the folder dialog does not close");
+    const ULONGLONG end = GetTickCount64() + kPatience;
+    do {
+        Press(dialog_, button);
+        if (Becomes(kRepeatAfter, [&] { return !IsOpen(dialog_); })) return;
+    } while (GetTickCount64() < end);
+    throw std::runtime_error("the folder dialog does not close");
 }
 
 }  // namespace launcher::test

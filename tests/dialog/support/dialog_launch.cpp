@@ -9,7 +9,7 @@
 namespace launcher::test {
 
 Media DialogTest::MarkedMedia(const std::string& osFolder) const {
-    const std::string name = "setup-" + std::to_string(GetCurrentProcessId()) + ".exe";
+    const std::string name = "setup-" + ToUtf8(scratch.Dir().filename()) + ".exe";
     Media media(scratch.Dir() / "far" / "near" / "between" / "media", name);
     media.AddMarker(osFolder);
     return media;

@@ -62,7 +62,8 @@ void BoxWatcher::See(HWND window) {
     const HWND text = GetDlgItem(window, kBoxTextId);
     const auto [entry, isNew] = answered_.try_emplace(window, 0);
     if (isNew && text != nullptr)
-        boxes_.push_back({TextOf(window), TextOf(text), ReadFile(output_).size()});
+        boxes_.push_back(
+            {TextOf(window), TextOf(text), output_.empty() ? 0 : ReadFile(output_).size()});
     if (isNew && text == nullptr) dialogs_.push_back(TextOf(window));
     const ULONGLONG now = GetTickCount64();
     if (now - entry->second < kPatience / 5) return;

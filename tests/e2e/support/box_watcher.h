@@ -22,7 +22,8 @@ struct Box {
 // presses a box's button, cancels a dialog.
 class BoxWatcher {
   public:
-    // `output` is the file of the process's standard output.
+    // `output` is the file of the process's standard output; empty when nobody asks what was
+    // written before a box.
     BoxWatcher(DWORD processId, std::filesystem::path output)
         : processId_(processId), output_(std::move(output)) {}
 

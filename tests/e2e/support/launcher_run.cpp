@@ -3,6 +3,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
@@ -17,8 +18,8 @@ namespace stdfs = std::filesystem;
 
 namespace {
 
-constexpr DWORD kPollInterval = 10;       // milliseconds
-constexpr ULONGLONG kLongestRun = 60000;  // milliseconds
+constexpr DWORD kPollInterval = 10;        // milliseconds
+constexpr ULONGLONG kLongestRun = 120000;  // milliseconds
 
 FileHandle InheritableFile(const stdfs::path& path) {
     SECURITY_ATTRIBUTES attributes{sizeof attributes, nullptr, TRUE};
@@ -26,11 +27,32 @@ FileHandle InheritableFile(const stdfs::path& path) {
                                   &attributes, CREATE_ALWAYS, 0, nullptr));
 }
 
-// So that the launcher inherits the streams made for it, and nothing of this process's own.
-void KeepOwnStreams() {
-    for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE})
-        SetHandleInformation(GetStdHandle(stream), HANDLE_FLAG_INHERIT, 0);
-}
+// The only handles that a new process inherits: nothing of this process's own, nor of what started
+// it.
+class InheritedHandles {
+  public:
+    explicit InheritedHandles(std::vector<HANDLE> handles) : handles_(std::move(handles)) {
+        SIZE_T size = 0;
+        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        list_.resize(size);
+        if (!InitializeProcThreadAttributeList(List(), 1, 0, &size) ||
+            !UpdateProcThreadAttribute(List(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST,
+                                       handles_.data(), handles_.size() * sizeof(HANDLE), nullptr,
+                                       nullptr))
+            throw std::runtime_error("no list of handles");
+    }
+    InheritedHandles(const InheritedHandles&) = delete;
+    InheritedHandles& operator=(const InheritedHandles&) = delete;
+    ~InheritedHandles() { DeleteProcThreadAttributeList(List()); }
+
+    LPPROC_THREAD_ATTRIBUTE_LIST List() {
+        return reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(list_.data());
+    }
+
+  private:
+    std::vector<HANDLE> handles_;
+    std::vector<char> list_;
+};
 
 // All that is started in it ends with it.
 HANDLE NewJob() {
@@ -121,14 +143,15 @@ LauncherProcess::~LauncherProcess() {
 }
 
 void LauncherProcess::Start() {
-    KeepOwnStreams();
     const FileHandle output = InheritableFile(start_.workFolder / "output");
     const FileHandle errors = InheritableFile(start_.workFolder / "errors");
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = output.Get();
-    startup.hStdError = start_.oneStream ? output.Get() : errors.Get();
+    InheritedHandles inherited({output.Get(), errors.Get()});
+    STARTUPINFOEXW startup{};
+    startup.lpAttributeList = inherited.List();
+    startup.StartupInfo.cb = sizeof startup;
+    startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+    startup.StartupInfo.hStdOutput = output.Get();
+    startup.StartupInfo.hStdError = start_.oneStream ? output.Get() : errors.Get();
     std::map<std::string, std::string> variables = start_.variables;
     variables.insert({{"TEMP", ToUtf8(temp_)},
                       {"TMP", ToUtf8(temp_)},
@@ -138,9 +161,10 @@ void LauncherProcess::Start() {
     line.insert(line.end(), start_.arguments.begin(), start_.arguments.end());
     std::wstring commandLine = ToWide(QuoteArguments(line));
     const auto create = [&] {
-        return CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE,
-                              CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT, environment.data(),
-                              start_.workFolder.c_str(), &startup, &process_);
+        return CreateProcessW(
+            nullptr, commandLine.data(), nullptr, nullptr, TRUE,
+            CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT,
+            environment.data(), start_.workFolder.c_str(), &startup.StartupInfo, &process_);
     };
     for (Repeats repeats; !create();) {
         const DWORD error = GetLastError();

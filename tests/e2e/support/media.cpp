@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "media/volume_files.h"
 #include "mediatool/media/markers.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wine.h"
@@ -97,7 +98,7 @@ void CopyStandIn(const stdfs::path& destination) {
 }
 
 void WriteVolumeMarker(const stdfs::path& folder, int number, const std::string& id) {
-    WriteBelow(folder, mediatool::MarkerName(number), mediatool::MarkerText(id));
+    WriteBelow(folder, MarkerName(number), mediatool::MarkerText(id));
 }
 
 }  // namespace launcher::test

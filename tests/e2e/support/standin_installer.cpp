@@ -64,13 +64,21 @@ void AddEnvironment(ReportText& report) {
     FreeEnvironmentStringsW(block);
 }
 
+// The handle of the current folder, which Windows itself opens as inheritable in every process, is
+// handed on from each to the next.
+bool IsFolder(HANDLE handle) {
+    BY_HANDLE_FILE_INFORMATION file{};
+    return GetFileInformationByHandle(handle, &file) &&
+           (file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 // The files among the handles that came with the process: nothing else has opened one yet.
 void AddOpenFiles(ReportText& report) {
     for (ULONG_PTR value = 4; value < 0x1000; value += 4) {
         const HANDLE handle = reinterpret_cast<HANDLE>(value);
         DWORD flags = 0;
         if (!GetHandleInformation(handle, &flags) || (flags & HANDLE_FLAG_INHERIT) == 0 ||
-            GetFileType(handle) != FILE_TYPE_DISK)
+            GetFileType(handle) != FILE_TYPE_DISK || IsFolder(handle))
             continue;
         std::wstring path(32768, L'\0');
         path.resize(

@@ -1,12 +1,12 @@
-// The dry run against the launcher itself: both get the same media, command line, environment and
-// Windows, made from a number, and have to come to the same end.
+// The dry run and the watched run against the launcher itself: all get the same media, command
+// line, environment and Windows, made from a number, and have to come to the same end.
 //
 // AGREEMENT_CASES and AGREEMENT_SEED set how many cases each of the 15 tests has and where their
 // numbers begin.
 //
-// Both are the same object code but for the outermost effects. So a mistake in the launcher's own
-// rules is in both and agrees with itself here, by design: this finds what the dry run foresees
-// wrongly. That the rules are right is for the tests of the launcher.
+// The dry run and the launcher are the same object code but for the outermost effects. So a mistake
+// in the launcher's own rules is in both and agrees with itself here, by design: this finds what
+// the dry run foresees wrongly. That the rules are right is for the tests of the launcher.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,6 +25,7 @@
 #include "tests/mediatool/agreement/case.h"
 #include "tests/mediatool/agreement/messages.h"
 #include "tests/mediatool/agreement/new_files.h"
+#include "tests/mediatool/agreement/watched.h"
 #include "tests/mediatool/support/mediatool_run.h"
 #include "tests/support/repeats.h"
 #include "tests/support/temporary_folder.h"
@@ -154,6 +155,10 @@ class Agreement : public testing::TestWithParam<unsigned> {
         CompareInstallersPlace(real, dry);
         CompareVolumes(real, dry);
         if (real.report) CompareInstaller(*real.report, dry, made, work.Dir());
+        if (!start.oneStream && CanBeWatched(made)) {
+            Count("watched runs");
+            CompareWatched(made, variables_, work.Dir(), real);
+        }
     }
 
     std::vector<std::string> DryRunLine(const Case& made, const std::vector<std::string>& options) {
@@ -306,6 +311,7 @@ class Agreement : public testing::TestWithParam<unsigned> {
                                                 {"dialogs", 10},
                                                 {"picked folders", 30},
                                                 {"whole sets", 10},
+                                                {"watched runs", 10},
                                                 {"pretended machines", 10},
                                                 {"by -installerPath", 20},
                                                 {"by ZEP_TALVOR_Installer", 20}};

@@ -5,6 +5,7 @@
 #include <random>
 #include <stdexcept>
 
+#include "media/volume_files.h"
 #include "mediatool/media/markers.h"
 #include "tests/support/links.h"
 #include "tests/support/wine.h"
@@ -179,7 +180,7 @@ class Maker {
                                         "MTBDIR=SET \r\n", ""};
         if (IsFree() && Chance(6)) return;
         const bool odd = IsFree() && Chance(8);
-        Put(folder / mediatool::MarkerName(number), odd ? Pick(kOdd) : mediatool::MarkerText(id));
+        Put(folder / MarkerName(number), odd ? Pick(kOdd) : mediatool::MarkerText(id));
         if (odd) Note("odd marker " + std::to_string(number));
     }
 

@@ -5,7 +5,10 @@
 // It uses no library but kernel32, not even the C runtime: it may itself stand in the place of any
 // of them.
 
-#define NOIME  // some functions of imm32 are defined here
+// Some functions of imm32 are defined here: its header stays out, by its name in Microsoft's and in
+// Wine's headers.
+#define NOIME
+#define NOIMM
 #include <windows.h>
 
 namespace {

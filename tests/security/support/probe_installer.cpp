@@ -1,15 +1,13 @@
 // A stand-in for the installer that looks at what its process was given by the one that started
 // it, and writes it to the file named by PROBE_REPORT, in UTF-8 lines:
 //
-//   handle TYPE PATH      an inherited handle; the path for files only
+//   handle TYPE PATH      an inherited handle that is no folder's; the path for files only
 //   error mode NUMBER
 //   library folder PATH   what GetDllDirectoryW answers
 //   policy NUMBER FLAGS   a mitigation policy of the process
 //   library NAME PATH     where Windows found a library of PROBE_LIBRARIES, names with ';' between
 
 #include <windows.h>
-// windows.h first: the other header needs it.
-#include <winternl.h>
 
 #include <cstdint>
 #include <sstream>
@@ -18,12 +16,14 @@
 #include "fs/encoding.h"
 #include "fs/environment.h"
 #include "fs/owners.h"
+#include "tests/support/handle_type.h"
 
 namespace {
 
 using launcher::GetEnvVar;
 using launcher::ToNarrow;
 using launcher::ToWide;
+using launcher::test::TypeOf;
 
 constexpr DWORD kMaxLength = 32768;
 
@@ -33,14 +33,6 @@ Function FunctionOf(const wchar_t* library, const char* name) {
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name)));
 }
 
-std::string TypeOf(HANDLE handle) {
-    static const auto queryObject = FunctionOf<decltype(&NtQueryObject)>(L"ntdll", "NtQueryObject");
-    alignas(PUBLIC_OBJECT_TYPE_INFORMATION) char buffer[1024] = {};
-    if (queryObject(handle, ObjectTypeInformation, buffer, sizeof buffer, nullptr) < 0) return "?";
-    const auto& name = reinterpret_cast<PUBLIC_OBJECT_TYPE_INFORMATION*>(buffer)->TypeName;
-    return ToNarrow(std::wstring(name.Buffer, name.Length / sizeof(wchar_t)).c_str());
-}
-
 std::string PathOf(HANDLE handle) {
     std::wstring path(kMaxLength, L'\0');
     if (GetFileType(handle) == FILE_TYPE_DISK)
@@ -48,12 +40,22 @@ std::string PathOf(HANDLE handle) {
     return ToNarrow(path.c_str());
 }
 
+// The handle of the current folder, which Windows itself opens as inheritable in every process, is
+// handed on from each to the next.
+bool IsFolder(HANDLE handle) {
+    BY_HANDLE_FILE_INFORMATION file{};
+    return GetFileType(handle) == FILE_TYPE_DISK && GetFileInformationByHandle(handle, &file) &&
+           (file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 void WriteHandles(std::ostream& report) {
     for (std::uintptr_t value = 4; value < 0x1000; value += 4) {
         const HANDLE handle = reinterpret_cast<HANDLE>(value);
         DWORD flags = 0;
-        if (GetHandleInformation(handle, &flags) && (flags & HANDLE_FLAG_INHERIT) != 0)
-            report << "handle " << TypeOf(handle) << ' ' << PathOf(handle) << '\n';
+        if (GetHandleInformation(handle, &flags) && (flags & HANDLE_FLAG_INHERIT) != 0 &&
+            !IsFolder(handle))
+            report << "handle " << ToNarrow(TypeOf(handle).c_str()) << ' ' << PathOf(handle)
+                   << '\n';
     }
 }
 

@@ -1,6 +1,6 @@
 // Every kind of mistake in the volumes of a split media and their markers.
 
-#include "tests/mediatool/mistake_row.h"
+#include "tests/mediatool/validate/mistake_row.h"
 
 namespace launcher::test {
 namespace {
@@ -156,8 +156,8 @@ const Mistake kOuterMistakes[] = {
 INSTANTIATE_TEST_SUITE_P(Outer, VolumeMistakeTest, testing::ValuesIn(kOuterMistakes), MistakeName);
 
 bool Finds(const Validation& validation, const std::string& id) {
-    EXPECT_TRUE(validation.findings.Has(id)) << "found only: " << Ids(validation);
-    return validation.findings.Has(id);
+    EXPECT_TRUE(Has(validation, id)) << "found only: " << Ids(validation);
+    return Has(validation, id);
 }
 
 TEST(GivenFolders, ThatNoLayoutFits) {
@@ -176,7 +176,7 @@ TEST(GivenFolders, OneThatTheLauncherDoesNotComeTo) {
     SampleMedia media(Layout::Siblings);
     media.Marker("../../other/3.txt");
     EXPECT_TRUE(Finds(media.Validate({"../2", "../3", "../../other"}), "folder-not-a-volume"));
-    EXPECT_FALSE(media.Validate({"../2", "../3"}).findings.Has("folder-not-a-volume"));
+    EXPECT_FALSE(Has(media.Validate({"../2", "../3"}), "folder-not-a-volume"));
 }
 
 TEST(GivenFolders, ALaterVolumeWithACountFile) {
@@ -191,7 +191,7 @@ TEST(Identifiers, ThatAZeroByteTellsApartDoNotDifferInCase) {
     const Validation validation = media.Validate();
     EXPECT_TRUE(Finds(validation, "volume-id-differs"));
     EXPECT_TRUE(Finds(validation, "volume-id-control-character"));
-    EXPECT_FALSE(validation.findings.Has("volume-id-case-differs")) << Ids(validation);
+    EXPECT_FALSE(Has(validation, "volume-id-case-differs")) << Ids(validation);
 }
 
 TEST(StrayMarkers, AreToldTogetherWithTheMissingVolumes) {
@@ -199,7 +199,7 @@ TEST(StrayMarkers, AreToldTogetherWithTheMissingVolumes) {
     media.Remove("../2").Remove("../3").Write("../7.txt", "notes of a meeting");
     const Validation validation = media.Validate();
     EXPECT_TRUE(Finds(validation, "volumes-elsewhere"));
-    EXPECT_FALSE(validation.findings.Has("volume-marker-no-id")) << Ids(validation);
+    EXPECT_FALSE(Has(validation, "volume-marker-no-id")) << Ids(validation);
     EXPECT_EQ(validation.findings.Sorted().front().action, "Delete or rename it.");
 }
 

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include "mediatool/base/failures.h"
-#include "tests/mediatool/mistake_row.h"
+#include "tests/mediatool/validate/mistake_row.h"
 #include "tests/support/wine.h"
 
 namespace launcher::test {
@@ -46,14 +46,14 @@ TEST(CleanMedia, WithTheRealLauncherGetsNotesOnly) {
     SampleMedia media;
     CopyFileW(BuiltFile(SETUP_PROGRAM).c_str(), FromUtf8(media.Text("setup.exe")).c_str(), FALSE);
     const Validation validation = media.Validate();
-    EXPECT_FALSE(validation.findings.Has("launcher-not-this-one")) << Ids(validation);
-    EXPECT_FALSE(validation.findings.Has("launcher-other-version")) << Ids(validation);
-    EXPECT_TRUE(validation.findings.Has("launcher-not-signed"));
+    EXPECT_FALSE(Has(validation, "launcher-not-this-one")) << Ids(validation);
+    EXPECT_FALSE(Has(validation, "launcher-other-version")) << Ids(validation);
+    EXPECT_TRUE(Has(validation, "launcher-not-signed"));
     EXPECT_EQ(validation.findings.Sorted().size(), validation.findings.Count(Level::Note));
 }
 
 TEST(CleanMedia, WithAnotherLauncherSaysSo) {
-    EXPECT_TRUE(SampleMedia().Validate().findings.Has("launcher-not-this-one"));
+    EXPECT_TRUE(Has(SampleMedia().Validate(), "launcher-not-this-one"));
 }
 
 std::string Complaint(const std::vector<std::string>& folders) {
@@ -75,7 +75,7 @@ TEST(NoMedia, IsToldInOneSentence) {
     EXPECT_THAT(Complaint({folder.Text("Größe 漢字")}),
                 testing::StartsWith("\"" + folder.Text("Größe 漢字") + "\" cannot be opened: "));
     EXPECT_EQ(Complaint({folder.Text("file")}),
-              "\"" + folder.Text("file") + "\" is a file, not the folder of a media.");
+              "\"" + folder.Text("file") + "\" is a file, not the folder of a medium.");
     EXPECT_EQ(Complaint({folder.Text("empty")}),
               "\"" + folder.Text("empty") + "\" has no launcher (setup.exe) in it.");
     EXPECT_EQ(Complaint({folder.Text("set")}),

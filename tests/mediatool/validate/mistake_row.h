@@ -44,6 +44,11 @@ inline std::string MistakeName(const testing::TestParamInfo<Mistake>& info) {
     return name;
 }
 
+inline bool Has(const Validation& validation, const std::string& id) {
+    const std::vector<Finding> findings = validation.findings.Sorted();
+    return std::ranges::find(findings, id, &Finding::id) != findings.end();
+}
+
 inline std::string Ids(const Validation& validation) {
     std::string ids;
     for (const Finding& finding : validation.findings.Sorted())
@@ -63,12 +68,12 @@ inline const Validation& WithoutMistakes(Layout layout) {
 // The kinds that a mistake added, and with a minus those that it took away, in the order of the
 // alphabet: "installer-empty -not-for-32-bit-windows". All others are those of a media without
 // mistakes.
-inline std::string Changes(const Validation& validation, Layout layout = Layout::NotSplit) {
+inline std::string Changes(const std::vector<Finding>& findings, Layout layout) {
     std::set<std::string> before;
     std::set<std::string> after;
     for (const Finding& finding : WithoutMistakes(layout).findings.Sorted())
         before.insert(finding.id);
-    for (const Finding& finding : validation.findings.Sorted())
+    for (const Finding& finding : findings)
         after.insert(finding.id);
     std::string changes;
     const auto add = [&changes](const std::string& text) {
@@ -81,12 +86,14 @@ inline std::string Changes(const Validation& validation, Layout layout = Layout:
     return changes;
 }
 
+inline std::string Changes(const Validation& validation, Layout layout = Layout::NotSplit) {
+    return Changes(validation.findings.Sorted(), layout);
+}
+
 // The same without one kind.
 inline std::string ChangesBut(const std::string& id, const Validation& validation, Layout layout) {
-    Validation rest = validation;
-    rest.findings = {};
-    for (Finding& finding : validation.findings.Sorted())
-        if (finding.id != id) rest.findings.Add(std::move(finding));
+    std::vector<Finding> rest = validation.findings.Sorted();
+    std::erase_if(rest, [&id](const Finding& finding) { return finding.id == id; });
     return Changes(rest, layout);
 }
 
@@ -95,7 +102,7 @@ class MistakeTest : public testing::TestWithParam<Mistake> {
     // Makes the mistake in a media that did not have it. It is found by its name, and all is said
     // about it; nothing else is found but what the row names.
     static void ExpectToBeFound(const Mistake& mistake) {
-        ASSERT_FALSE(WithoutMistakes(mistake.layout).findings.Has(mistake.id))
+        ASSERT_FALSE(Has(WithoutMistakes(mistake.layout), mistake.id))
             << "before the mistake was made";
         SampleMedia media(mistake.layout);
         mistake.make(media);

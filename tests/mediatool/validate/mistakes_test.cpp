@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "tests/mediatool/mistake_row.h"
+#include "tests/mediatool/validate/mistake_row.h"
 #include "tests/support/wine.h"
 
 namespace launcher::test {
@@ -137,7 +137,7 @@ TEST_P(CutOffPrograms, AreFound) {
     const SampleMedia media;
     const std::filesystem::path file = FromUtf8(media.Text(name));
     CopyFileW(BuiltFile(SETUP_PROGRAM).c_str(), file.c_str(), FALSE);
-    EXPECT_FALSE(media.Validate().findings.Has(id));
+    EXPECT_FALSE(Has(media.Validate(), id));
     std::filesystem::resize_file(file, std::filesystem::file_size(file) / 2);
     const std::vector<Finding> findings = media.Validate().findings.Sorted();
     EXPECT_EQ(findings.front().id, id);
@@ -154,9 +154,9 @@ INSTANTIATE_TEST_SUITE_P(Programs, CutOffPrograms,
 // The 32-bit refusal is in the ordinary media already: it must go when an installer comes.
 TEST(InstallerNotes, SayThatThereIsNothingFor32BitWindowsOnlyWhenThereIsNot) {
     SampleMedia media;
-    EXPECT_TRUE(media.Validate().findings.Has("not-for-32-bit-windows"));
+    EXPECT_TRUE(Has(media.Validate(), "not-for-32-bit-windows"));
     media.Write(kExe32, ProgramBytes(kX86));
-    EXPECT_FALSE(media.Validate().findings.Has("not-for-32-bit-windows"));
+    EXPECT_FALSE(Has(media.Validate(), "not-for-32-bit-windows"));
 }
 
 const Mistake kCountFileMistakes[] = {

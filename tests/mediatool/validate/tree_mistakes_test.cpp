@@ -8,7 +8,7 @@
 #include "fs/owners.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
-#include "tests/mediatool/mistake_row.h"
+#include "tests/mediatool/validate/mistake_row.h"
 #include "tests/support/hook.h"
 #include "tests/support/links.h"
 
@@ -44,7 +44,7 @@ TEST(TreeMistakes, AReservedName) {
     ASSERT_TRUE(WriteRaw(file));
     ExpectFound(media.Validate(), "name-reserved", Level::Error);
     RemoveRaw(file);
-    EXPECT_FALSE(media.Validate().findings.Has("name-reserved"));
+    EXPECT_FALSE(Has(media.Validate(), "name-reserved"));
 }
 
 TEST(TreeMistakes, ANameThatEndsInADot) {
@@ -73,7 +73,7 @@ TEST(TreeMistakes, APathThatGetsTooLongInACopy) {
     mediatool::ValidateRequest request;
     request.folders = {media.Text()};
     request.temp = "C:\\T";
-    EXPECT_FALSE(mediatool::Validate(request).findings.Has("path-too-long-in-copy"));
+    EXPECT_FALSE(Has(mediatool::Validate(request), "path-too-long-in-copy"));
 }
 
 TEST(TreeMistakes, APathThatGetsTooLongInACopyThatWillBeMade) {
@@ -90,7 +90,7 @@ TEST(TreeMistakes, ATemporaryFolderThatRemoveBatCannotName) {
     request.temp = "C:\\Users\\José\\Temp";
     ExpectFound(mediatool::Validate(request), "temp-outside-oem-code-page", Level::Warning);
     request.temp = "C:\\Users\\Jose\\Temp";
-    EXPECT_FALSE(mediatool::Validate(request).findings.Has("temp-outside-oem-code-page"));
+    EXPECT_FALSE(Has(mediatool::Validate(request), "temp-outside-oem-code-page"));
 }
 
 TEST(TreeMistakes, ATemporaryFolderThatIsNoFullPathIsRefused) {
@@ -238,13 +238,13 @@ TEST(LockedFiles, AnInstaller) {
     const LockedFile lock(media.Text(kExe));
     const Validation validation = media.Validate();
     ExpectFound(validation, "installer-unreadable", Level::Error);
-    EXPECT_FALSE(validation.findings.Has("file-unreadable"));
+    EXPECT_FALSE(Has(validation, "file-unreadable"));
 }
 
 TEST(LockedFiles, AnyFileBelowInst) {
     SampleMedia media;
     media.Write("inst/data/part.bin", "part");
-    EXPECT_FALSE(media.Validate().findings.Has("file-unreadable"));
+    EXPECT_FALSE(Has(media.Validate(), "file-unreadable"));
     const LockedFile lock(media.Text("inst/data/part.bin"));
     const Validation validation = media.Validate();
     ExpectFound(validation, "file-unreadable", Level::Error);

@@ -1,0 +1,55 @@
+// The files of the copy: their room is counted, but nothing is written.
+
+#include "fs/copied_file.h"
+
+#include <utility>
+
+#include "fs/encoding.h"
+#include "fs/open_file.h"
+#include "mediatool/base/files.h"
+#include "mediatool/dry_run/rehearsal/pretended_copy.h"
+#include "mediatool/dry_run/rehearsal/rehearsal.h"
+
+namespace launcher {
+namespace {
+
+// Into a folder that is not there, or a name that cannot be, nothing is written: a look at the file
+// fails for the same reason.
+DWORD ErrorOfOpening(const std::wstring& name) {
+    const std::string text = ToNarrow(name.c_str());
+    if (mediatool::LengthInRun(text) > mediatool::kLongestPath) return ERROR_PATH_NOT_FOUND;
+    const Path path(text);
+    if (mediatool::CopyBelow(path).HasFolder(Parent(path))) return ERROR_SUCCESS;
+    const bool isThere = static_cast<bool>(OpenForAttributes(name));
+    const DWORD error = GetLastError();
+    return isThere || error == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : error;
+}
+
+}  // namespace
+
+bool CopiedFile::Open(DWORD) {
+    const DWORD error = ErrorOfOpening(path_);
+    SetLastError(error);
+    return error == ERROR_SUCCESS;
+}
+
+bool CopiedFile::Fill(const SourceFile& source) {
+    const Path path(ToNarrow(path_.c_str()));
+    mediatool::PretendedCopy& copy = mediatool::CopyBelow(path);
+    LARGE_INTEGER size{};
+    GetFileSizeEx(source.handle.Get(), &size);
+    // A file that is copied over another takes the room of one.
+    const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
+    mediatool::PretendedFile& copied = copy.contents[mediatool::CopyKey(path)];
+    copied.source = ToNarrow(source.path.c_str());
+    copy.bytes += bytes - std::exchange(copied.bytes, bytes);
+    const bool fits = !copy.room || copy.bytes <= *copy.room;
+    SetLastError(fits ? ERROR_SUCCESS : ERROR_DISK_FULL);
+    return fits;
+}
+
+bool CopiedFile::SetTimes(const FILETIME&, const FILETIME&) {
+    return true;
+}
+
+}  // namespace launcher

@@ -1,0 +1,45 @@
+#include "mediatool/dry_run/rehearsal/pretended_copy.h"
+
+#include <windows.h>
+
+#include "fs/encoding.h"
+#include "mediatool/base/files.h"
+#include "mediatool/dry_run/rehearsal/rehearsal.h"
+
+namespace launcher::mediatool {
+namespace {
+
+std::optional<std::uint64_t> RoomAt(const Path& path) {
+    for (Path folder = path; !IsEmpty(folder); folder = Parent(folder)) {
+        ULARGE_INTEGER room{};
+        const std::wstring name = ToWide(folder.Text()) + L"\\";
+        if (GetDiskFreeSpaceExW(name.c_str(), &room, nullptr, nullptr)) return room.QuadPart;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+bool PretendedCopy::HasFolder(const Path& folder) const {
+    return folders.contains(CopyKey(folder));
+}
+
+PretendedCopy& CopyBelow(const Path& path) {
+    PretendedCopy& copy = CurrentRehearsal()->journal.copy;
+    if (!copy.room) copy.room = RoomAt(path);
+    return copy;
+}
+
+std::string CopyKey(const Path& path) {
+    return InLowerCase(FullPath(path.Text()).Text());
+}
+
+std::size_t LengthInRun(const std::string& path) {
+    constexpr std::size_t kUuidLength = 36;
+    const std::string uuid = kPretendedUuid;
+    const std::size_t length = WideLength(path);
+    const bool isInCopy = path.find(uuid) != std::string::npos;
+    return isInCopy ? length - uuid.size() + kUuidLength : length;
+}
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,77 @@
+#include "mediatool/run/command.h"
+
+#include <utility>
+
+#include "mediatool/base/failures.h"
+#include "mediatool/base/files.h"
+#include "mediatool/base/sentences.h"
+#include "mediatool/media/media_set.h"
+#include "mediatool/run/command_line.h"
+#include "mediatool/base/interruption.h"
+#include "mediatool/run/reporter.h"
+#include "mediatool/run/start.h"
+#include "mediatool/run/time_limit.h"
+
+namespace launcher::mediatool {
+namespace {
+
+void CheckLauncher(const std::string& launcher) {
+    const auto entry = Look(Path(launcher));
+    if (!entry) throw NotStarted("There is no launcher " + Quoted(launcher) + ".", kNoLauncher);
+    if (entry->isFolder) throw NotStarted(Quoted(launcher) + " is a folder.", kCannotStart);
+}
+
+}  // namespace
+
+RunCommand::RunCommand(CLI::App& app)
+    : command(app.add_subcommand("run", "Run a media's launcher unattended.")) {
+    command->add_option("media", media_, "The media's folder.")->required();
+    command
+        ->add_option("--time-limit", timeLimit_,
+                     "End the launcher after this time: a number with s, m, h or d.")
+        ->type_name("TIME");
+    command->add_option("--log", log_, "Add the lines, boxes and summary to a text file.")
+        ->type_name("FILE");
+    command->add_flag("--json", json_, "Print JSON, at the end.");
+    command->add_flag("--end-installer", endInstaller_,
+                      "At the time limit and at Ctrl+C, end the installer too.");
+    command->footer(
+        "The launcher's own arguments stand after --, as in: mediatool run D:\\ -- -wait\n"
+        "Exit code: the launcher's own; else 124 the time limit is over, 125 wrong use, 126 the "
+        "launcher cannot be started, 127 there is none, 130 interrupted.");
+}
+
+int RunCommand::Run(std::vector<std::string> launcherArguments) {
+    const Interruption interruption;
+    const RunRequest request = Request(std::move(launcherArguments));
+    const std::string commandLine = CommandLineOf(request.launcher, request.arguments);
+    if (WideLength(commandLine) > kLongestCommandLine)
+        throw BadInput("The launcher's arguments are longer than Windows takes.");
+    Reporter reporter(log_, json_);
+    reporter.Begin(commandLine);
+    try {
+        CheckLauncher(request.launcher);
+        if (!WaitsForInstaller(request.arguments))
+            reporter.Say("Without -wait, only the launcher is waited for, not the installer.");
+        const WatchedRun run = RunWatched(request, interruption, reporter);
+        reporter.Conclude(run, request);
+        return static_cast<int>(run.exitCode);
+    } catch (const NotStarted& failure) {
+        reporter.Say(failure.what());
+        return failure.ExitCode();
+    }
+}
+
+RunRequest RunCommand::Request(std::vector<std::string> launcherArguments) const {
+    RunRequest request;
+    const Path folder = FullPath(media_);
+    if (!IsFolder(folder)) throw BadInput("There is no folder " + Quoted(media_) + ".");
+    request.launcher = Join(folder, kLauncherName).Text();
+    request.arguments = std::move(launcherArguments);
+    if (command->count("--time-limit") > 0) request.timeLimit = TimeLimitOf(timeLimit_);
+    if (command->count("--log") > 0 && log_.empty()) throw BadInput("--log is empty.");
+    request.endInstaller = endInstaller_;
+    return request;
+}
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <vector>
+
+#include "mediatool/run/owners.h"
+
+namespace launcher::mediatool {
+
+// A process, held so that its number goes to no other.
+struct Member {
+    DWORD id = 0;
+    KernelObject process;
+};
+
+struct SeenInstaller {
+    DWORD processId = 0;
+    bool stillRunning = false;
+};
+
+// A launcher and the processes that come from it.
+class Family {
+  public:
+    explicit Family(Member launcher);
+
+    // Has all that the launcher starts from now on end with it in EndAll, also what its parents no
+    // longer tell of. For a launcher that is suspended. On a Windows without nested jobs (7) inside
+    // a job of the caller's, it does nothing.
+    void BindTogether();
+
+    HANDLE Launcher() const { return members_.front().process.Get(); }
+    DWORD LauncherId() const { return members_.front().id; }
+
+    // Looks for what the launcher has started: the installer, or what DEBUGCMD_INSTALLK7 names.
+    // True once it has been seen; one that begins and ends between two looks is not.
+    bool LookForInstaller();
+    std::optional<SeenInstaller> Installer() const;
+
+    // Ends the launcher, with this exit code, and returns when it has ended. What it started goes
+    // on.
+    void EndLauncher(UINT exitCode) const;
+    // Ends the whole family likewise.
+    void EndAll(UINT exitCode);
+
+    // The processes of Windows that show a report of the launcher's crash.
+    std::vector<DWORD> CrashReporters() const;
+
+  private:
+    bool AdoptChildren();
+    bool AnyRuns() const;
+
+    std::vector<Member> members_;  // the launcher first, then the installer
+    KernelObject job_;
+};
+
+}  // namespace launcher::mediatool

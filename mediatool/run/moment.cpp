@@ -1,0 +1,65 @@
+#include "mediatool/run/moment.h"
+
+#include <windows.h>
+
+namespace launcher::mediatool {
+namespace {
+
+SYSTEMTIME InUtc(Moment moment) {
+    const FILETIME time{static_cast<DWORD>(moment), static_cast<DWORD>(moment >> 32)};
+    SYSTEMTIME utc{};
+    FileTimeToSystemTime(&time, &utc);
+    return utc;
+}
+
+SYSTEMTIME InLocalTime(Moment moment) {
+    const SYSTEMTIME utc = InUtc(moment);
+    SYSTEMTIME local{};
+    SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local);
+    return local;
+}
+
+// With zeros in front.
+std::string Digits(std::uint64_t number, std::size_t count) {
+    std::string digits = std::to_string(number);
+    if (digits.size() < count) digits.insert(0, count - digits.size(), '0');
+    return digits;
+}
+
+std::string DateOf(const SYSTEMTIME& time) {
+    return Digits(time.wYear, 4) + "-" + Digits(time.wMonth, 2) + "-" + Digits(time.wDay, 2);
+}
+
+std::string ClockOf(const SYSTEMTIME& time) {
+    return Digits(time.wHour, 2) + ":" + Digits(time.wMinute, 2) + ":" + Digits(time.wSecond, 2);
+}
+
+}  // namespace
+
+Moment Now() {
+    FILETIME time{};
+    GetSystemTimeAsFileTime(&time);
+    return (Moment{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+}
+
+std::string ClockText(Moment moment) {
+    return ClockOf(InLocalTime(moment));
+}
+
+std::string DateAndClockText(Moment moment) {
+    const SYSTEMTIME local = InLocalTime(moment);
+    return DateOf(local) + " " + ClockOf(local);
+}
+
+std::string UtcText(Moment moment) {
+    const SYSTEMTIME utc = InUtc(moment);
+    return DateOf(utc) + "T" + ClockOf(utc) + "." + Digits(utc.wMilliseconds, 3) + "Z";
+}
+
+std::string LengthText(std::uint64_t milliseconds) {
+    const std::uint64_t seconds = milliseconds / 1000;
+    return std::to_string(seconds / 3600) + ":" + Digits(seconds / 60 % 60, 2) + ":" +
+           Digits(seconds % 60, 2);
+}
+
+}  // namespace launcher::mediatool

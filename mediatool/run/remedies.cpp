@@ -1,0 +1,80 @@
+#include "mediatool/run/remedies.h"
+
+#include <algorithm>
+
+namespace launcher::mediatool {
+namespace {
+
+constexpr std::string_view kAnything = "...";
+
+std::string_view Trimmed(std::string_view text) {
+    const std::size_t start = text.find_first_not_of(" \r");
+    if (start == std::string_view::npos) return {};
+    return text.substr(start, text.find_last_not_of(" \r") + 1 - start);
+}
+
+// The parts between two of `border`, without those before the first and after the last.
+std::vector<std::string_view> Between(std::string_view text, char border) {
+    std::vector<std::string_view> parts;
+    std::size_t start = text.find(border);
+    while (start != std::string_view::npos) {
+        const std::size_t end = text.find(border, start + 1);
+        if (end != std::string_view::npos) parts.push_back(text.substr(start + 1, end - start - 1));
+        start = end;
+    }
+    return parts;
+}
+
+// The texts in `code`.
+std::vector<std::string_view> CodeIn(std::string_view cell) {
+    const std::vector<std::string_view> parts = Between(cell, '`');
+    std::vector<std::string_view> code;
+    for (std::size_t i = 0; i < parts.size(); i += 2)
+        code.push_back(parts[i]);
+    return code;
+}
+
+std::string Plain(std::string_view cell) {
+    std::string text(cell);
+    std::erase(text, '`');
+    return text;
+}
+
+// All pieces of the known message, in order, the first at the start.
+bool IsBeginningOf(std::string_view known, std::string_view message) {
+    for (bool atStart = true;; atStart = false) {
+        const std::size_t end = known.find(kAnything);
+        const std::string_view piece = known.substr(0, end);
+        const std::size_t found = message.find(piece);
+        if (found == std::string_view::npos || (atStart && found != 0)) return false;
+        if (end == std::string_view::npos) return true;
+        message.remove_prefix(found + piece.size());
+        known.remove_prefix(end + kAnything.size());
+    }
+}
+
+}  // namespace
+
+std::vector<Remedy> RemediesOn(std::string_view page) {
+    std::vector<Remedy> remedies;
+    while (!page.empty()) {
+        const std::size_t end = std::min(page.find('\n'), page.size() - 1);
+        const std::vector<std::string_view> cells = Between(page.substr(0, end), '|');
+        page.remove_prefix(end + 1);
+        if (cells.size() != 3) continue;
+        for (const std::string_view message : CodeIn(cells[0]))
+            remedies.push_back({std::string(message), Plain(Trimmed(cells[2]))});
+    }
+    return remedies;
+}
+
+std::optional<std::string> RemedyFor(const std::string& message) {
+    static const std::vector<Remedy> remedies = RemediesOn(kMessagesPage);
+    const auto known = std::ranges::find_if(remedies, [&message](const Remedy& remedy) {
+        return IsBeginningOf(remedy.message, message);
+    });
+    if (known == remedies.end()) return std::nullopt;
+    return known->remedy;
+}
+
+}  // namespace launcher::mediatool

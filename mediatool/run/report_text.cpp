@@ -1,0 +1,133 @@
+#include <algorithm>
+#include <utility>
+
+#include "fs/environment.h"
+#include "fs/text.h"
+#include "mediatool/base/console.h"
+#include "mediatool/run/command_line.h"
+#include "mediatool/run/launcher_line.h"
+#include "mediatool/run/remedies.h"
+#include "mediatool/run/report.h"
+
+namespace launcher::mediatool {
+namespace {
+
+class Summary {
+  public:
+    explicit Summary(bool coloured) : coloured_(coloured) {}
+
+    void Heading(const std::string& text) { text_ += InColour(Colour::Bold, text) + "\n"; }
+    // Each of its lines behind the indent.
+    void Item(const std::string& item, std::size_t indent = 2) {
+        std::string text = std::string(indent, ' ') + WithoutLineEnds(item);
+        ReplaceAll(text, "\n", "\n" + std::string(indent, ' '), 0);
+        text_ += text + "\n";
+    }
+    std::string InColour(Colour colour, const std::string& text) const {
+        return coloured_ ? Painted(colour, text) : text;
+    }
+    const std::string& Text() const { return text_; }
+
+  private:
+    bool coloured_;
+    std::string text_;
+};
+
+// "3010", "3221225477 (0xC0000005)"
+std::string CodeText(std::uint32_t code) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text = std::to_string(code);
+    if (code < 0x80000000) return text;
+    text += " (0x";
+    for (int shift = 28; shift >= 0; shift -= 4)
+        text += kDigits[(code >> shift) & 0xF];
+    return text + ")";
+}
+
+std::string InstallerNumber(const WatchedRun& run) {
+    return "process " + std::to_string(run.installer->processId);
+}
+
+std::string MeaningOfAnEnd(const WatchedRun& run, const std::string& what) {
+    if (!run.installer) return what + ": the launcher was ended; no installer was seen.";
+    return what + ": the launcher was ended; the installer, " + InstallerNumber(run) +
+           (run.installer->stillRunning ? ", goes on." : ", has ended.");
+}
+
+// After this one there was an installer.
+constexpr char kCrashed[] = "Cannot wait for process";
+
+bool AnyBox(const WatchedRun& run, const std::string& beginning) {
+    return std::ranges::any_of(run.boxes, [&beginning](const AnsweredBox& box) {
+        return box.box.text.starts_with(beginning);
+    });
+}
+
+void AddBoxes(Summary& summary, const WatchedRun& run) {
+    if (run.boxes.empty()) return;
+    summary.Heading("Boxes, each of which would have waited");
+    for (const AnsweredBox& box : run.boxes)
+        summary.Item(box.box.text);
+}
+
+struct Advice {
+    std::string message;  // its first line
+    std::string remedy;
+};
+
+void Advise(std::vector<Advice>& advice, const std::string& message) {
+    const std::string first = WithoutLineEnds(message.substr(0, message.find('\n')));
+    const auto remedy = RemedyFor(message);
+    if (remedy && !remedy->empty() && std::ranges::count(advice, first, &Advice::message) == 0)
+        advice.push_back({first, *remedy});
+}
+
+void AddAdvice(Summary& summary, const WatchedRun& run) {
+    std::vector<Advice> advice;
+    for (const AnsweredBox& box : run.boxes)
+        if (!box.box.dialog) Advise(advice, box.box.text);
+    for (const SeenLine& line : run.lines)
+        if (line.origin == Origin::LauncherOutput || line.origin == Origin::LauncherErrors)
+            Advise(advice, MessageOf(line.text));
+    if (!advice.empty()) summary.Heading("What to do");
+    for (const Advice& item : advice) {
+        summary.Item(item.message);
+        summary.Item(item.remedy, 4);
+    }
+}
+
+}  // namespace
+
+std::string WithoutLineEnds(std::string text) {
+    std::erase(text, '\r');
+    while (text.ends_with('\n'))
+        text.pop_back();
+    return text;
+}
+
+std::string MeaningOf(const WatchedRun& run, const RunRequest& request) {
+    if (run.endedBy == EndedBy::TimeLimit) return MeaningOfAnEnd(run, "The time limit is over");
+    if (run.endedBy == EndedBy::Interrupt) return MeaningOfAnEnd(run, "Interrupted");
+    const bool waits = WaitsForInstaller(request.arguments);
+    if (run.installer && waits && !AnyBox(run, kCrashed)) return "The installer's own.";
+    if (run.exitCode == 1 && !run.boxes.empty())
+        return "The launcher refuses; the message says why.";
+    if (run.exitCode == 0 && !waits)
+        return "The launcher has started the installer, and does not wait for it.";
+    if (waits) return "The installer's own, which ended before it was seen, or the launcher's.";
+    return "The launcher's; not one that it has of its own.";
+}
+
+std::string TextOf(const WatchedRun& run, const RunRequest& request, bool coloured) {
+    Summary summary(coloured);
+    AddBoxes(summary, run);
+    AddAdvice(summary, run);
+    summary.Heading("Exit code");
+    const Colour colour = run.exitCode == 0 ? Colour::Green : Colour::Red;
+    summary.Item(summary.InColour(colour, CodeText(run.exitCode)) + ": " + MeaningOf(run, request));
+    summary.Heading("Time");
+    summary.Item(LengthText(run.milliseconds));
+    return summary.Text();
+}
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,101 @@
+#include "mediatool/run/stream_file.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "fs/encoding.h"
+#include "mediatool/base/files.h"
+
+namespace launcher::mediatool {
+namespace {
+
+constexpr std::size_t kReadAtOnce = 1 << 16;
+constexpr char kReplacement[] = "\xEF\xBF\xBD";
+
+// The user's folder; for a user whose TEMP leads nowhere, the one that every Windows has.
+std::vector<std::wstring> PossibleFolders() {
+    std::wstring temp(MAX_PATH + 2, L'\0');
+    temp.resize(GetTempPathW(static_cast<DWORD>(temp.size()), temp.data()));
+    std::wstring windows(MAX_PATH, L'\0');
+    windows.resize(GetWindowsDirectoryW(windows.data(), static_cast<UINT>(windows.size())));
+    return {temp, windows + L"\\Temp\\"};
+}
+
+// Another run may still use the file of a process that had the same number.
+std::wstring FileNameNumber(unsigned number) {
+    return L"mediatool-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(number) +
+           L".tmp";
+}
+
+FileHandle NewFileIn(const std::wstring& folder, std::wstring& path) {
+    SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+    for (unsigned number = 1;; ++number) {
+        path = folder + FileNameNumber(number);
+        FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ,
+                                    &inheritable, CREATE_NEW,
+                                    FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+        const DWORD error = file ? ERROR_SUCCESS : GetLastError();
+        const bool isTaken = error == ERROR_FILE_EXISTS || error == ERROR_SHARING_VIOLATION;
+        if (file || !isTaken || number == 1000) return file;
+    }
+}
+
+std::string WellFormed(std::string line) {
+    if (line.ends_with('\r')) line.pop_back();
+    // In one pass: what an installer writes may be megabytes of zero bytes.
+    std::string readable;
+    for (const char byte : line)
+        if (byte == '\0')
+            readable += kReplacement;
+        else
+            readable += byte;
+    return ToNarrow(ToWide(readable).c_str());
+}
+
+}  // namespace
+
+StreamFile::StreamFile() {
+    std::wstring path;
+    for (const std::wstring& folder : PossibleFolders())
+        if (!writer_) writer_ = NewFileIn(folder, path);
+    if (writer_)
+        reader_ = FileHandle(CreateFileW(path.c_str(), GENERIC_READ,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                         nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!reader_)
+        throw std::runtime_error(
+            "There is no temporary folder to follow the launcher's output in.");
+}
+
+std::vector<std::string> StreamFile::TakeLines() {
+    LARGE_INTEGER size{};
+    LARGE_INTEGER position{};
+    GetFileSizeEx(reader_.Get(), &size);
+    SetFilePointerEx(reader_.Get(), {}, &position, FILE_CURRENT);
+    std::vector<std::string> lines;
+    std::string piece(kReadAtOnce, '\0');
+    for (auto left = size.QuadPart - position.QuadPart; left > 0;) {
+        const auto wanted = std::min<long long>(left, kReadAtOnce);
+        DWORD count = 0;
+        if (!::ReadFile(reader_.Get(), piece.data(), static_cast<DWORD>(wanted), &count, nullptr) ||
+            count == 0)
+            break;
+        left -= count;
+        std::size_t start = 0;
+        for (std::size_t end; (end = piece.find('\n', start)) < count; start = end + 1) {
+            rest_.append(piece, start, end - start);
+            lines.push_back(WellFormed(std::exchange(rest_, {})));
+        }
+        rest_.append(piece, start, count - start);
+    }
+    return lines;
+}
+
+std::string StreamFile::TakeRest() {
+    return WellFormed(std::exchange(rest_, {}));
+}
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,88 @@
+// A report of the launcher's crash, which Windows shows from a process of its own: WerFault.exe,
+// which is told the number of the process that it is about. Here another program has its name.
+
+#include "fs/encoding.h"
+#include "mediatool/run/box_watcher.h"
+#include "mediatool/run/family.h"
+#include "mediatool/run/processes.h"
+#include "tests/e2e/support/launcher_run.h"
+#include "tests/mediatool/run/support/watched_process.h"
+#include "tests/support/isolated_test.h"
+#include "tests/support/wine.h"
+
+namespace launcher::mediatool {
+namespace {
+
+namespace stdfs = std::filesystem;
+
+class CrashReport : public test::IsolatedTest {
+  protected:
+    CrashReport() {
+        stdfs::copy_file(test::BuiltFile(ACTING_INSTALLER), folder_.Dir() / "WerFault.exe");
+    }
+    ~CrashReport() override {
+        event_.Set();
+        EXPECT_TRUE(test::NoneRunsBelow(folder_.Dir()));
+    }
+
+    Member Start(const std::string& arguments) {
+        SetEnvironmentVariableW(
+            L"STANDIN_ACTS", ToWide("box The program has stopped|wait " + event_.Name()).c_str());
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        PROCESS_INFORMATION process{};
+        std::wstring line =
+            ToWide(test::QuoteArguments({folder_.Text("WerFault.exe")}) + " " + arguments);
+        while (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                               &startup, &process))
+            if (GetLastError() != ERROR_INTERNAL_ERROR) throw std::runtime_error("not started");
+        const KernelObject thread(process.hThread);
+        return {process.dwProcessId, KernelObject(process.hProcess)};
+    }
+
+    // This process, as a launcher.
+    static Family OwnFamily() {
+        const DWORD id = GetCurrentProcessId();
+        return Family({id, KernelObject(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE,
+                                                    FALSE, id))});
+    }
+
+    static std::string About(DWORD processId) {
+        return "-u -p " + std::to_string(processId) + " -s 1234";
+    }
+
+    test::TemporaryFolder folder_;
+    test::NamedEvent event_;
+};
+
+TEST_F(CrashReport, IsKnownByTheProcessThatItIsAbout) {
+    const Member other = Start(About(GetCurrentProcessId() + 1));
+    const Member own = Start(About(GetCurrentProcessId()));
+    if (StartedWith(own.process.Get()).empty())
+        GTEST_SKIP() << "needs a Windows that tells the command lines of others";
+    EXPECT_EQ(OwnFamily().CrashReporters(), std::vector<DWORD>{own.id});
+}
+
+TEST_F(CrashReport, IsNoInstaller) {
+    const Member own = Start(About(GetCurrentProcessId()));
+    Family family = OwnFamily();
+    EXPECT_FALSE(family.LookForInstaller());
+}
+
+TEST_F(CrashReport, IsTakenDownAndClosed) {
+    const Member reporter = Start(About(1));
+    BoxWatcher watcher(GetCurrentProcessId());
+    std::vector<SeenBox> boxes;
+    for (int i = 0; i < 500 && boxes.empty(); ++i) {
+        Sleep(20);
+        boxes = watcher.Look({});
+        EXPECT_TRUE(boxes.empty());
+        boxes = watcher.Look({reporter.id});
+    }
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_EQ(boxes[0].text, "The program has stopped");
+    EXPECT_FALSE(boxes[0].dialog);
+}
+
+}  // namespace
+}  // namespace launcher::mediatool

@@ -1,0 +1,112 @@
+// What the launcher is started with, and what keeps it from being started.
+
+#include "tests/mediatool/run/support/run_test.h"
+#include "tests/support/wine.h"
+
+namespace launcher::test {
+namespace {
+
+namespace stdfs = std::filesystem;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class Start : public RunTest {
+  protected:
+    // What a program in the launcher's place saw.
+    InstallerReport SeenByTheLauncher(const Words& arguments) {
+        Watched(StandInAsLauncher(), arguments);
+        const auto report = ReadInstallerReport(scratch.Dir() / "report");
+        if (!report) throw std::runtime_error("it was not started");
+        return *report;
+    }
+};
+
+TEST_F(Start, GivesTheArgumentsAsTheyAre) {
+    const Words arguments = {"-wait", "",           "a\"b",  "D:\\",     "D:\\a b\\", "\\\"",
+                             "-env",  "Größe=漢字", "a\\\\", "ελληνικά", "*",         "%PATH%"};
+    EXPECT_EQ(SeenByTheLauncher(arguments).Arguments(), arguments);
+}
+
+TEST_F(Start, KeepsTheFolderAndTheEnvironment) {
+    variables["ZEP_OF_THE_CALLER"] = "Größe";
+    const InstallerReport report = SeenByTheLauncher({});
+    EXPECT_EQ(FromUtf8(report.folder), scratch.Dir());
+    EXPECT_EQ(report.Variable("ZEP_OF_THE_CALLER"), "Größe");
+}
+
+// Not those of the caller, whose output is a file too.
+TEST_F(Start, HandsOnNoFilesButTheTwoStreams) {
+    const std::vector<std::string> files = SeenByTheLauncher({}).inheritedFiles;
+    EXPECT_EQ(files.size(), 2u);
+    for (const std::string& file : files)
+        EXPECT_THAT(file, HasSubstr("\\mediatool-"));
+}
+
+TEST_F(Start, LeavesNoStreamsBehind) {
+    Watched(UsualMedia(), {"-wait"});
+    EXPECT_TRUE(NoneRunsBelow(scratch.Dir()));
+    EXPECT_TRUE(stdfs::is_empty(temp));
+}
+
+TEST_F(Start, IsPossibleWithoutAFolderForTemporaryFiles) {
+    temp = scratch.Dir() / "gone";
+    EXPECT_EQ(Watched(UsualMedia(), {"-wait"}).run.exitCode, 0u);
+}
+
+class NoStart : public RunTest {
+  protected:
+    // One sentence, and nothing else.
+    static void ExpectComplaint(const MediatoolRun& run, DWORD exitCode, const std::string& text) {
+        EXPECT_EQ(run.exitCode, exitCode);
+        EXPECT_EQ(run.output, "");
+        EXPECT_THAT(run.errors, StartsWith("mediatool: "));
+        EXPECT_THAT(run.errors, HasSubstr(text));
+        EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << run.errors;
+    }
+    void ExpectRefusal(const Words& line, const std::string& text) const {
+        ExpectComplaint(RunMediatool(line, scratch.Dir(), Variables()), 125, text);
+        EXPECT_FALSE(stdfs::exists(scratch.Dir() / "report"));
+    }
+};
+
+TEST_F(NoStart, AfterBadInput) {
+    const std::string media = StandInAsLauncher().Text();
+    ExpectRefusal({"run"}, "media is required");
+    ExpectRefusal({"run", "no such folder"}, "There is no folder \"no such folder\".");
+    ExpectRefusal({"run", media, "-wait"}, "(the launcher's own arguments go after --)");
+    ExpectRefusal({"run", media, "--no-such-option"}, "--no-such-option");
+    ExpectRefusal({"run", media, "--time-limit", "soon"}, "--time-limit takes a time such as 90m");
+    ExpectRefusal({"run", media, "--time-limit"}, "--time-limit");
+    ExpectRefusal({"run", media, "--log", ""}, "--log is empty.");
+    ExpectRefusal({"run", media, "--log", media}, "The log \"");
+    ExpectRefusal({"run", media, "--log", "no\\such\\folder\\log.txt"}, " cannot be written: ");
+}
+
+// Longer than mediatool's own command line: the launcher's path is full.
+TEST_F(NoStart, WithMoreArgumentsThanWindowsTakes) {
+    const stdfs::path deep = scratch.Dir() / std::string(150, 'd');
+    stdfs::create_directories(deep);
+    const std::string argument(32730 - BuiltFile(MEDIATOOL_PROGRAM).string().size(), 'x');
+    ExpectComplaint(RunMediatool({"run", ".", "--", argument}, deep, Variables()), 125,
+                    "The launcher's arguments are longer than Windows takes.");
+}
+
+TEST_F(NoStart, OfALauncherThatIsNotThere) {
+    const Media media = EmptyMedia();
+    stdfs::remove(media.Root() / "setup.exe");
+    ExpectComplaint(Told(media, {"-wait"}), 127, "There is no launcher \"");
+}
+
+TEST_F(NoStart, OfALauncherThatIsNoProgram) {
+    const Media media = EmptyMedia();
+    WriteFile(media.Root() / "setup.exe", "text");
+    ExpectComplaint(Told(media, {"-wait"}), 126, " (error 193).");
+    stdfs::remove(media.Root() / "setup.exe");
+    stdfs::create_directory(media.Root() / "setup.exe");
+    ExpectComplaint(Told(media, {"-wait"}), 126, "\\setup.exe\" is a folder.");
+}
+
+}  // namespace
+}  // namespace launcher::test

@@ -1,0 +1,125 @@
+// The files that the launcher's streams lead to, and whose lines are whose.
+
+#include "mediatool/run/stream_file.h"
+
+#include <windows.h>
+
+#include "fs/environment.h"
+#include "mediatool/run/streams.h"
+#include "tests/support/isolated_test.h"
+#include "tests/support/temporary_folder.h"
+
+namespace launcher::mediatool {
+namespace {
+
+namespace stdfs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+void WriteTo(HANDLE file, const std::string& bytes) {
+    DWORD written = 0;
+    ::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+}
+
+class StreamFileTest : public test::IsolatedTest {
+  protected:
+    StreamFileTest() { SetEnvVar("TMP", test::ToUtf8(folder_.Dir())); }
+    std::size_t FilesLeft() const {
+        return static_cast<std::size_t>(
+            std::distance(stdfs::directory_iterator(folder_.Dir()), stdfs::directory_iterator()));
+    }
+
+    test::TemporaryFolder folder_;
+};
+
+TEST_F(StreamFileTest, GivesCompleteLinesOnly) {
+    StreamFile file;
+    WriteTo(file.Writer(), "one\r\ntwo\nthr");
+    EXPECT_THAT(file.TakeLines(), ElementsAre("one", "two"));
+    EXPECT_THAT(file.TakeLines(), IsEmpty());
+    WriteTo(file.Writer(), "ee\r");
+    EXPECT_THAT(file.TakeLines(), IsEmpty());
+    WriteTo(file.Writer(), "\n\nrest");
+    EXPECT_THAT(file.TakeLines(), ElementsAre("three", ""));
+    EXPECT_EQ(file.TakeRest(), "rest");
+    EXPECT_EQ(file.TakeRest(), "");
+}
+
+TEST_F(StreamFileTest, GivesLinesLongerThanItsPieces) {
+    StreamFile file;
+    const std::string line(200'000, 'x');
+    WriteTo(file.Writer(), line + "\n" + line);
+    EXPECT_THAT(file.TakeLines(), ElementsAre(line));
+    EXPECT_EQ(file.TakeRest(), line);
+}
+
+TEST_F(StreamFileTest, ReplacesWhatIsNoText) {
+    StreamFile file;
+    constexpr char kBytes[] = "a\0b\xE9z Größe\n";
+    WriteTo(file.Writer(), std::string(kBytes, sizeof kBytes - 1));
+    EXPECT_THAT(file.TakeLines(), ElementsAre("a\xEF\xBF\xBD"
+                                              "b\xEF\xBF\xBDz Größe"));
+}
+
+TEST_F(StreamFileTest, LeavesNothingBehind) {
+    {
+        StreamFile file;
+        EXPECT_EQ(FilesLeft(), 1u);
+        file.CloseWriter();
+    }
+    EXPECT_EQ(FilesLeft(), 0u);
+}
+
+// As long as somebody has the other end, as an installer that goes on.
+TEST_F(StreamFileTest, TakesWhatIsWrittenAfterItsEnd) {
+    HANDLE installers = INVALID_HANDLE_VALUE;
+    {
+        const StreamFile file;
+        DuplicateHandle(GetCurrentProcess(), file.Writer(), GetCurrentProcess(), &installers, 0,
+                        FALSE, DUPLICATE_SAME_ACCESS);
+    }
+    DWORD written = 0;
+    EXPECT_TRUE(::WriteFile(installers, "more\n", 5, &written, nullptr));
+    EXPECT_EQ(written, 5u);
+    CloseHandle(installers);
+    EXPECT_EQ(FilesLeft(), 0u);
+}
+
+TEST_F(StreamFileTest, IsMadeForAUserWhoseFolderLeadsNowhere) {
+    SetEnvVar("TMP", test::ToUtf8(folder_.Dir() / "gone"));
+    StreamFile file;
+    WriteTo(file.Writer(), "one\n");
+    EXPECT_THAT(file.TakeLines(), ElementsAre("one"));
+}
+
+class Attribution : public StreamFileTest {
+  protected:
+    // The lines that these bytes come to, with those of the installer in front of a ">".
+    std::vector<std::string> Attributed(const std::string& bytes, bool installerIsThere) {
+        WriteTo(stream_.ForLauncher(), bytes);
+        std::vector<std::string> texts;
+        for (const SeenLine& line : stream_.TakeLines(installerIsThere))
+            texts.push_back((line.origin == Origin::InstallerOutput ? ">" : "") + line.text);
+        return texts;
+    }
+
+    WatchedStream stream_{Origin::LauncherOutput, Origin::InstallerOutput};
+};
+
+TEST_F(Attribution, IsByTheFormUntilTheInstallerIsThere) {
+    EXPECT_THAT(Attributed(" INFO: a\n       b\nERROR: c\n", false),
+                ElementsAre(" INFO: a", "       b", "ERROR: c"));
+}
+
+TEST_F(Attribution, GivesAllAfterALineOfTheInstallersToIt) {
+    EXPECT_THAT(Attributed(" INFO: a\nhello\n INFO: b\n", false),
+                ElementsAre(" INFO: a", ">hello", "> INFO: b"));
+    EXPECT_THAT(Attributed(" INFO: c\n", false), ElementsAre("> INFO: c"));
+}
+
+TEST_F(Attribution, GivesAllToTheInstallerThatWasThere) {
+    EXPECT_THAT(Attributed(" INFO: a\n", true), ElementsAre("> INFO: a"));
+}
+
+}  // namespace
+}  // namespace launcher::mediatool

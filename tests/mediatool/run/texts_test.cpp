@@ -1,0 +1,133 @@
+// Small texts: time limits, moments, the form of the launcher's lines, meanings of exit codes.
+
+#include <gtest/gtest.h>
+
+#include "mediatool/base/failures.h"
+#include "mediatool/run/launcher_line.h"
+#include "mediatool/run/moment.h"
+#include "mediatool/run/report.h"
+#include "mediatool/run/time_limit.h"
+
+namespace launcher::mediatool {
+namespace {
+
+TEST(TimeLimit, IsANumberWithAUnit) {
+    EXPECT_EQ(TimeLimitOf("45"), 45000u);
+    EXPECT_EQ(TimeLimitOf("45s"), 45000u);
+    EXPECT_EQ(TimeLimitOf("90m"), 90u * 60 * 1000);
+    EXPECT_EQ(TimeLimitOf("2h"), 2u * 3600 * 1000);
+    EXPECT_EQ(TimeLimitOf("1d"), 24u * 3600 * 1000);
+    EXPECT_EQ(TimeLimitOf("366d"), 366ull * 24 * 3600 * 1000);
+}
+
+class BadTimeLimit : public testing::TestWithParam<const char*> {};
+
+TEST_P(BadTimeLimit, IsRefused) {
+    EXPECT_THROW(TimeLimitOf(GetParam()), BadInput);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, BadTimeLimit,
+                         testing::Values("", "0", "0m", "m", "-1", "+1", "1.5h", "1 h", "90min",
+                                         "90M", "1h30m", "367d", "31622401", " 5",
+                                         "99999999999999999999", "18446744073709551615d"));
+
+// 9 July 2027, 20:09:08.765 UTC
+constexpr Moment kMoment = 134'596'373'487'650'000;
+
+TEST(MomentText, IsUtcForPrograms) {
+    EXPECT_EQ(UtcText(kMoment), "2027-07-09T20:09:08.765Z");
+    EXPECT_EQ(UtcText(0), "1601-01-01T00:00:00.000Z");
+}
+
+TEST(MomentText, OfTheClockIsTheEndOfTheOneWithTheDate) {
+    EXPECT_TRUE(DateAndClockText(kMoment).ends_with(" " + ClockText(kMoment)));
+    EXPECT_EQ(ClockText(kMoment).size(), 8u);
+    EXPECT_EQ(DateAndClockText(kMoment).size(), 19u);
+}
+
+TEST(MomentText, OfALengthHasHoursInFront) {
+    EXPECT_EQ(LengthText(999), "0:00:00");
+    EXPECT_EQ(LengthText(3'899'000), "1:04:59");
+    EXPECT_EQ(LengthText(360'000'000), "100:00:00");
+}
+
+TEST(LauncherLine, BeginsInOneOfFourWays) {
+    for (const char* line : {" INFO: a", " WARN: a", "ERROR: a", "       a", "       "}) {
+        EXPECT_TRUE(LooksLikeLaunchers(line)) << line;
+        EXPECT_EQ(MessageOf(line), std::string(line).substr(7));
+    }
+    for (const char* line : {"", "a", "INFO: a", "  INFO: a", " info: a", "      a", "ERROR:a"}) {
+        EXPECT_FALSE(LooksLikeLaunchers(line)) << line;
+        EXPECT_EQ(MessageOf(line), line);
+    }
+}
+
+WatchedRun RunWith(std::uint32_t exitCode, bool installer, const std::string& box = {}) {
+    WatchedRun run;
+    run.exitCode = exitCode;
+    if (installer) run.installer = SeenInstaller{4711, true};
+    if (!box.empty()) run.boxes.push_back({{box, false}, 0});
+    return run;
+}
+
+std::string Meaning(const WatchedRun& run, bool waits) {
+    RunRequest request;
+    if (waits) request.arguments = {"-wait"};
+    return MeaningOf(run, request);
+}
+
+TEST(Meaning, OfTheInstallersCode) {
+    EXPECT_EQ(Meaning(RunWith(3010, true), true), "The installer's own.");
+    EXPECT_EQ(Meaning(RunWith(1, true), true), "The installer's own.");
+    EXPECT_EQ(Meaning(RunWith(3010, false), true),
+              "The installer's own, which ended before it was seen, or the launcher's.");
+}
+
+TEST(Meaning, OfARefusal) {
+    EXPECT_EQ(Meaning(RunWith(1, false, "text"), true),
+              "The launcher refuses; the message says why.");
+    EXPECT_EQ(Meaning(RunWith(1, true, "Cannot wait for process\nx"), true),
+              "The launcher refuses; the message says why.");
+}
+
+TEST(Meaning, WithoutWaiting) {
+    EXPECT_EQ(Meaning(RunWith(0, true), false),
+              "The launcher has started the installer, and does not wait for it.");
+}
+
+TEST(Meaning, OfAnEndNamesTheInstaller) {
+    WatchedRun run = RunWith(124, true);
+    run.endedBy = EndedBy::TimeLimit;
+    EXPECT_EQ(Meaning(run, true),
+              "The time limit is over: the launcher was ended; the installer, process 4711, goes "
+              "on.");
+    run.installer->stillRunning = false;
+    EXPECT_EQ(Meaning(run, true),
+              "The time limit is over: the launcher was ended; the installer, process 4711, has "
+              "ended.");
+    run = RunWith(130, false);
+    run.endedBy = EndedBy::Interrupt;
+    EXPECT_EQ(Meaning(run, true), "Interrupted: the launcher was ended; no installer was seen.");
+}
+
+TEST(Summary, ShowsALargeCodeAsPeopleKnowItToo) {
+    EXPECT_EQ(TextOf(RunWith(0xC0000005, false), {}, false),
+              "Exit code\n"
+              "  3221225477 (0xC0000005): The launcher's; not one that it has of its own.\n"
+              "Time\n  0:00:00\n");
+}
+
+TEST(Summary, NamesEachRemedyOnce) {
+    WatchedRun run = RunWith(1, false, "Bad -env argument");
+    run.boxes.push_back(run.boxes.front());
+    run.lines.push_back({" WARN: Bad -env argument", Origin::LauncherOutput, 0});
+    run.lines.push_back({"Bad -installerPath argument", Origin::InstallerOutput, 0});
+    EXPECT_EQ(TextOf(run, {}, false),
+              "Boxes, each of which would have waited\n"
+              "  Bad -env argument\n  Bad -env argument\n"
+              "What to do\n  Bad -env argument\n    give it its value\n"
+              "Exit code\n  1: The launcher refuses; the message says why.\nTime\n  0:00:00\n");
+}
+
+}  // namespace
+}  // namespace launcher::mediatool
