@@ -42,6 +42,15 @@ CLI::Option* MayBeGivenAgain(CLI::Option* option) {
         ->allow_extra_args(false);
 }
 
+// Shows them on `line`, with the rate since that work began.
+TellAmounts ShownOn(Progress& line) {
+    return [&line, what = std::string(), begin = 0ULL](const Amounts& amounts) mutable {
+        if (what != amounts.what) begin = Now();
+        what = amounts.what;
+        line.Show(TextOf(amounts, Now() - begin));
+    };
+}
+
 struct ValidateCommand {
     explicit ValidateCommand(CLI::App& app)
         : command(app.add_subcommand("validate", "Look for mistakes in a media.")) {
@@ -52,14 +61,20 @@ struct ValidateCommand {
         command->add_option("--temp", temp,
                             "The temporary folder of the users it is for (default: the longest "
                             "usual one).");
+        command->add_flag("--no-content", noContent,
+                          "Leave out the lists of checksums, SHA256SUMS.");
         command->add_flag("--json", json, "Print JSON.");
         command->footer("Exit code: 0 clean, 1 a finding of severity error, 2 wrong use.");
     }
 
     int Run() {
-        Progress progress("Entries looked at:");
+        Progress line;
         ValidateRequest watched = request;
-        watched.progress = [&progress](std::size_t count) { progress.Show(count); };
+        watched.progress = [&line](std::size_t count) {
+            line.Show("Entries looked at: " + std::to_string(count));
+        };
+        watched.verifying = ShownOn(line);
+        watched.content = !noContent;
         if (command->count("--temp") > 0) watched.temp = temp;
         const Validation validation = Validate(watched);
         PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
@@ -69,6 +84,7 @@ struct ValidateCommand {
     CLI::App* command;
     ValidateRequest request;
     std::string temp;
+    bool noContent = false;
     bool json = false;
 };
 
@@ -112,13 +128,9 @@ struct CreateCommand {
         if (ofOuter[1]->count() > 0) request.firstOuter = NumberGiven("--first-outer", firstOuter);
         if (ofOuter.front()->count() > 0 && request.outerId.empty())
             throw BadInput("--outer-id is empty.");
-        Progress line("");
-        unsigned long long begin = 0;  // of the writing
+        Progress line;
         CreateRequest watched = request;
-        watched.progress = [&](const CreateProgress& progress) {
-            if (progress.isWriting && begin == 0) begin = Now();
-            line.Show(ProgressText(progress, Now() - begin));
-        };
+        watched.progress = ShownOn(line);
         const Creation creation = Create(watched);
         if (request.isDry) {
             PrintOut(json ? Printed(JsonOfDry(creation, request)) : TextOfDry(creation));
@@ -163,12 +175,9 @@ struct ChecksumCommand {
     }
 
     int Run() {
-        Progress line("");
-        const unsigned long long begin = Now();
+        Progress line;
         ChecksumRequest watched = request;
-        watched.progress = [&](const CreateProgress& progress) {
-            line.Show(ProgressText(progress, Now() - begin));
-        };
+        watched.progress = ShownOn(line);
         const Checksums checksums = WriteChecksums(watched);
         PrintOut(json ? Printed(JsonOf(checksums)) : TextOf(checksums));
         return kSuccess;
@@ -312,8 +321,7 @@ class Mediatool {
         if (arguments.empty() || arguments.front().starts_with('-')) return;
         const std::string& name = arguments.front();
         for (const CLI::App* command :
-             {run_.command, dryRun_.command, validate_.command, create_.command,
-              checksum_.command})
+             {run_.command, dryRun_.command, validate_.command, create_.command, checksum_.command})
             if (command->get_name() == name) return;
         throw BadInput("There is no command \"" + name +
                        "\"; there are run, dry-run, validate, create and checksum.");

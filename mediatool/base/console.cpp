@@ -81,17 +81,12 @@ Progress::~Progress() {
     if (visible_) PrintError("\r" + std::string(width_, ' ') + "\r");
 }
 
-void Progress::Show(std::size_t count) {
-    Show(std::to_string(count));
-}
-
-void Progress::Show(const std::string& text) {
+void Progress::Show(const std::string& line) {
     const unsigned long long now = GetTickCount64();
     if (shown_ == 0) shown_ = now;
     if (now - shown_ < kBetween || !IsTerminal(STD_ERROR_HANDLE)) return;
     shown_ = now;
     visible_ = true;
-    const std::string line = what_.empty() ? text : what_ + " " + text;
     width_ = std::max(width_, line.size());
     PrintError("\r" + line + std::string(width_ - line.size(), ' '));
 }

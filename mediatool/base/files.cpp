@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "fs/encoding.h"
@@ -22,6 +23,7 @@ Entry EntryFrom(const WIN32_FIND_DATAW& data) {
     if (!entry.isFolder) entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
     const FILETIME& written = data.ftLastWriteTime;
     entry.modified = (std::uint64_t{written.dwHighDateTime} << 32) | written.dwLowDateTime;
+    entry.attributes = data.dwFileAttributes;
     return entry;
 }
 
@@ -112,6 +114,21 @@ std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
         return std::nullopt;
     bytes.resize(count);
     return bytes;
+}
+
+void ReadWhole(const Path& file, const std::function<void(std::string_view)>& take,
+               const std::string& what) {
+    constexpr DWORD kPiece = 256 * 1024;  // bytes
+    const FileHandle handle(CreateFileW(Extended(file.Text()).c_str(), GENERIC_READ, kShareAll,
+                                        nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
+                                        nullptr));
+    if (!handle) RefuseFor(file, what);
+    const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
+    for (DWORD count = 0;;) {
+        if (!ReadFile(handle.Get(), piece.get(), kPiece, &count, nullptr)) RefuseFor(file, what);
+        if (count == 0) return;
+        take({piece.get(), count});
+    }
 }
 
 bool CanBeRead(const std::string& path) {

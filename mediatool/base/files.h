@@ -3,8 +3,10 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fs/path.h"
@@ -20,6 +22,7 @@ struct Entry {
     bool isLink = false;
     std::uint64_t size = 0;      // bytes; 0 for a folder
     std::uint64_t modified = 0;  // in units of 100 ns, as Windows counts
+    std::uint32_t attributes = 0;
 };
 
 // The absolute, normalised path that `text` means. Empty for the empty text.
@@ -40,6 +43,11 @@ std::vector<Entry> EntriesOf(const Path& folder);  // none when it cannot be lis
 
 // The first `limit` bytes of a file; nothing when it cannot be read.
 std::optional<std::string> ReadStart(const Path& path, std::size_t limit);
+
+// Gives the bytes of a file to `take`, piece by piece. Throws Refused, "cannot be WHAT", when it
+// cannot be read to its end.
+void ReadWhole(const Path& file, const std::function<void(std::string_view)>& take,
+               const std::string& what);
 
 // Both leave the reason in GetLastError(). A path here need not be normalised.
 bool CanBeRead(const std::string& path);

@@ -24,7 +24,6 @@ struct Cryptography {
     Cryptography();
 
     decltype(&BCryptOpenAlgorithmProvider) openProvider;
-    decltype(&BCryptCloseAlgorithmProvider) closeProvider;
     decltype(&BCryptCreateHash) createHash;
     decltype(&BCryptHashData) hashData;
     decltype(&BCryptFinishHash) finishHash;
@@ -32,19 +31,12 @@ struct Cryptography {
 };
 const Cryptography& TheCryptography();
 
-struct ProviderTraits {
-    using Value = BCRYPT_ALG_HANDLE;
-    static Value None() { return nullptr; }
-    static void Release(Value value) { TheCryptography().closeProvider(value, 0); }
-};
-
 struct HashTraits {
     using Value = BCRYPT_HASH_HANDLE;
     static Value None() { return nullptr; }
     static void Release(Value value) { TheCryptography().destroyHash(value); }
 };
 
-using ProviderHandle = Owner<ProviderTraits>;  // BCryptOpenAlgorithmProvider
-using HashHandle = Owner<HashTraits>;          // BCryptCreateHash
+using HashHandle = Owner<HashTraits>;  // BCryptCreateHash
 
 }  // namespace launcher::mediatool

@@ -15,23 +15,21 @@ void Check(NTSTATUS status) {
     if (status < 0) throw std::runtime_error("Windows computes no SHA-256 checksums.");
 }
 
+// Both stay open and loaded: they are used to the end of the run.
 BCRYPT_ALG_HANDLE Provider() {
-    static const ProviderHandle provider = [] {
-        ProviderHandle opened;
-        Check(TheCryptography().openProvider(opened.Put(), BCRYPT_SHA256_ALGORITHM, nullptr, 0));
+    static const BCRYPT_ALG_HANDLE provider = [] {
+        BCRYPT_ALG_HANDLE opened = nullptr;
+        Check(TheCryptography().openProvider(&opened, BCRYPT_SHA256_ALGORITHM, nullptr, 0));
         return opened;
     }();
-    return provider.Get();
+    return provider;
 }
 
 }  // namespace
 
-// The library stays loaded: it is used to the end of the run.
 Cryptography::Cryptography() {
     Check(LoadLibraryExW(kLibrary, nullptr, 0) == nullptr ? -1 : 0);
     openProvider = ModuleFunction<decltype(openProvider)>(kLibrary, "BCryptOpenAlgorithmProvider");
-    closeProvider =
-        ModuleFunction<decltype(closeProvider)>(kLibrary, "BCryptCloseAlgorithmProvider");
     createHash = ModuleFunction<decltype(createHash)>(kLibrary, "BCryptCreateHash");
     hashData = ModuleFunction<decltype(hashData)>(kLibrary, "BCryptHashData");
     finishHash = ModuleFunction<decltype(finishHash)>(kLibrary, "BCryptFinishHash");

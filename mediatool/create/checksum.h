@@ -1,18 +1,17 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "mediatool/base/amounts.h"
 #include "mediatool/base/json.h"
-#include "mediatool/create/create.h"
 
 namespace launcher::mediatool {
 
 struct ChecksumRequest {
-    std::vector<std::string> folders;  // of a media, or of its volumes
+    std::vector<std::string> folders;  // of a medium, or of its volumes
     bool force = false;                // write over lists that are there
-    std::function<void(const CreateProgress&)> progress;
+    TellAmounts progress = [](const Amounts&) {};
 };
 
 struct Checksums {
@@ -21,8 +20,8 @@ struct Checksums {
     std::uint64_t bytes = 0;
 };
 
-// Writes the list of checksums of each volume of a media: of those that the launcher finds and
-// those that are given. Throws BadInput for what is no media, and Refused when a list is there
+// Writes the list of checksums of each volume of a medium: of those that the launcher finds and
+// those that are given. Throws BadInput for what is no medium, and Refused when a list is there
 // already, when the set is unfinished, and when a file cannot be read; nothing is written then.
 Checksums WriteChecksums(const ChecksumRequest& request);
 

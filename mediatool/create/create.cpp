@@ -1,7 +1,7 @@
 #include "mediatool/create/create.h"
 
 #include <map>
-#include <set>
+#include <optional>
 
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
@@ -36,11 +36,9 @@ Creation CreationOf(const CreateRequest& request, const Plan& plan) {
 // Carries a plan out.
 class Carrying {
   public:
-    Carrying(const CreateRequest& request, Plan& plan, const Creation& creation)
+    Carrying(const CreateRequest& request, const Plan& plan, const Creation& creation)
         : request_(request), plan_(plan), writer_(plan) {
-        progress_.isWriting = true;
-        progress_.allFiles = creation.copiedFiles;
-        progress_.allBytes = creation.copiedBytes;
+        copied_ = {"Copying", 0, creation.copiedFiles, 0, creation.copiedBytes};
     }
 
     void Run() {
@@ -48,7 +46,7 @@ class Carrying {
             for (const std::vector<Path>* folders : {&plan_.volumes, &plan_.emptyFolders})
                 for (const Path& folder : *folders)
                     writer_.MakeFolder(folder);
-            for (PlannedFile& file : plan_.files)
+            for (const PlannedFile& file : plan_.files)
                 Write(file);
             writer_.Finish();
         } catch (const Refused& failure) {
@@ -57,53 +55,62 @@ class Carrying {
     }
 
   private:
-    void Write(PlannedFile& file) {
-        Tell(0);
+    void Write(const PlannedFile& file) {
+        Tell(copied_);
         if (file.isList)
-            writer_.Write(file.path, ListOf(Parent(file.path)));
-        else if (file.fate != Fate::Kept && file.IsCopy())
+            writer_.Write(file, ListOf(Parent(file.path)));
+        else if (file.fate == Fate::Kept)
+            hashes_.insert({InLowerCase(file.path.Text()), file.hash});
+        else if (file.IsCopy())
             Copy(file);
-        else if (file.fate != Fate::Kept)
-            writer_.Write(file.path, file.content);
+        else
+            writer_.Write(file, file.content);
     }
 
-    void Copy(PlannedFile& file) {
+    void Copy(const PlannedFile& file) {
         std::optional<Sha256> hash;
         if (request_.checksums) hash.emplace();
         writer_.Copy(file, [&](std::string_view bytes) {
             if (hash) hash->Add(bytes);
-            Tell(bytes.size());
+            copied_.bytes += bytes.size();
+            Tell(copied_);
         });
-        if (hash) file.hash = hash->Digits();
-        ++progress_.files;
+        if (hash) hashes_.insert({InLowerCase(file.path.Text()), hash->Digits()});
+        ++copied_.files;
     }
 
     // What was copied has its checksum; what create wrote itself, or what was there, is read.
     std::string ListOf(const Path& volume) {
-        std::map<std::string, std::string> known;
-        for (const PlannedFile& file : plan_.files)
-            if (!file.hash.empty()) known.insert({InLowerCase(file.path.Text()), file.hash});
-        std::set<std::string> volumes;
-        for (const Path& other : plan_.volumes)
-            volumes.insert(InLowerCase(other.Text()));
-        return ChecksumsText(volume, FilesOfVolume(volume, volumes), [&](const Path& file) {
-            const auto hash = known.find(InLowerCase(file.Text()));
-            return hash != known.end() ? hash->second
-                                       : ChecksumOf(file, [this](std::uint64_t) { Tell(0); });
+        const auto refuse = [](const Path& folder) { RefuseFor(folder, "listed"); };
+        std::string list;
+        for (const auto& [name, size] : FilesOfVolume(volume, plan_.volumes, refuse)) {
+            std::string& hash = hashes_[InLowerCase(Join(volume, name).Text())];
+            if (hash.empty()) hash = ReadChecksum(Join(volume, name));
+            list += ChecksumLine(hash, name);
+        }
+        return list;
+    }
+
+    std::string ReadChecksum(const Path& file) {
+        ++read_.files;
+        return ChecksumOf(file, [this](std::uint64_t bytes) {
+            read_.bytes += bytes;
+            Tell(read_);
         });
     }
 
-    void Tell(std::uint64_t bytes) {
+    void Tell(const Amounts& amounts) {
         if (interruption_.HasCome()) throw Refused("Interrupted; what was new is taken back.");
-        progress_.bytes += bytes;
-        if (request_.progress) request_.progress(progress_);
+        request_.progress(amounts);
     }
 
     const CreateRequest& request_;
-    Plan& plan_;
+    const Plan& plan_;
     Interruption interruption_;
     Writer writer_;
-    CreateProgress progress_;
+    Amounts copied_;
+    Amounts read_ = {.what = "Checksums"};
+    std::map<std::string, std::string> hashes_;  // by path in lower case; empty when not known yet
 };
 
 }  // namespace

@@ -1,22 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "mediatool/base/amounts.h"
 #include "mediatool/media/launcher_view.h"
 
 namespace launcher::mediatool {
-
-// How far create has come. The totals grow while the content is still being looked at.
-struct CreateProgress {
-    bool isWriting = false;
-    std::size_t files = 0;
-    std::size_t allFiles = 0;
-    std::uint64_t bytes = 0;
-    std::uint64_t allBytes = 0;
-};
 
 struct CreateRequest {
     std::string id;
@@ -33,7 +24,7 @@ struct CreateRequest {
     int firstOuter = 1;           // the number of the first outer volume
     std::string inner = "media";  // the folder in each outer volume that holds the inner one
 
-    std::function<void(const CreateProgress&)> progress;
+    TellAmounts progress = [](const Amounts&) {};
 };
 
 // What becomes of a file: a new one, one in the place of another, or one that an unfinished run has

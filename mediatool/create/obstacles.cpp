@@ -18,18 +18,32 @@ constexpr std::uint64_t kSameTime = 20'000'000;
 
 class Obstacles {
   public:
-    Obstacles(const CreateRequest& request, Plan& plan) : request_(request), plan_(plan) {}
+    Obstacles(const CreateRequest& request, Plan& plan)
+        : request_(request),
+          plan_(plan),
+          seen_{.what = "Comparing", .allFiles = plan.files.size()} {}
 
     void Meet() {
         for (const std::vector<Path>* folders : {&plan_.volumes, &plan_.emptyFolders})
             for (const Path& folder : *folders)
                 NeedFolder(folder);
-        for (PlannedFile& file : plan_.files)
+        for (PlannedFile& file : plan_.files) {
             MeetFile(file);
+            Tell();
+        }
+        if (!request_.checksums)
+            for (const Path& folder : plan_.FoldersOfVolumes())
+                if (const Path list = Join(folder, kChecksumsName); IsFile(list))
+                    RefuseOldList(list);
         if (request_.force) RefuseLosses();
     }
 
   private:
+    void Tell() {
+        ++seen_.files;
+        request_.progress(seen_);
+    }
+
     void NeedFolder(const Path& folder) {
         if (IsEmpty(folder) || !folders_.insert(InLowerCase(folder.Text())).second) return;
         const auto entry = Look(folder);
@@ -55,17 +69,20 @@ class Obstacles {
             std::max(there.modified, file.modified) - std::min(there.modified, file.modified);
         if (apart > kSameTime) return false;
         if (!request_.checksums) return true;
-        file.hash = ChecksumOf(file.path, {});
-        return ChecksumOf(file.source, {}) == file.hash;
+        const auto tell = [this](std::uint64_t) { request_.progress(seen_); };
+        file.hash = ChecksumOf(file.path, tell);
+        return ChecksumOf(file.source, tell) == file.hash;
     }
 
     // No file may be overwritten that is still to be copied, whatever its other name.
-    void RefuseLosses() const {
+    void RefuseLosses() {
         const auto isReplaced = [](const PlannedFile& file) { return file.fate == Fate::Replaced; };
         if (std::ranges::none_of(plan_.files, isReplaced)) return;
         std::map<FileIdentity, Path> taken;
+        seen_ = {.what = "Checking", .allFiles = plan_.copies};
         for (const PlannedFile& file : plan_.files) {
             if (!file.IsCopy()) continue;
+            Tell();
             if (!CanBeRead(file.source.Text())) RefuseFor(file.source, "read");
             if (const auto identity = IdentityOf(file.source.Text()))
                 taken.insert({*identity, file.source});
@@ -85,9 +102,14 @@ class Obstacles {
     const CreateRequest& request_;
     Plan& plan_;
     std::set<std::string> folders_;  // looked at, in lower case
+    Amounts seen_;
 };
 
 }  // namespace
+
+void RefuseOldList(const Path& list) {
+    throw Refused(Quoted(list) + " would not hold for the new set; --checksums writes it anew.");
+}
 
 void MeetWhatIsThere(const CreateRequest& request, Plan& plan) {
     Obstacles(request, plan).Meet();

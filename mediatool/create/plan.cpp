@@ -106,7 +106,6 @@ class Content {
         for (PlannedFile& marker : markers)
             markers_.insert({InLowerCase(marker.path.Text()), &marker});
         countFile_ = &markers.front();
-        if (!request.checksums) return;
         for (const Path& volume : plan.volumes)
             lists_.insert(InLowerCase(Join(volume, kChecksumsName).Text()));
     }
@@ -132,10 +131,13 @@ class Content {
 
   private:
     void Add(const Path& from, const Path& to, const Entry& entry) {
-        plan_.files.push_back(
-            {.path = to, .source = from, .size = entry.size, .modified = entry.modified});
+        plan_.files.push_back({.path = to,
+                               .source = from,
+                               .size = entry.size,
+                               .modified = entry.modified,
+                               .attributes = entry.attributes});
         bytes_ += entry.size;
-        if (request_.progress) request_.progress({false, 0, plan_.files.size(), 0, bytes_});
+        request_.progress({.what = "Content", .files = plan_.files.size(), .bytes = bytes_});
     }
 
     // It stands where a file is going to be that create itself writes.
@@ -145,7 +147,10 @@ class Content {
                            " is left from a set that was not written to its end; finish that set, "
                            "or remove the file.");
         const std::string key = InLowerCase(to.Text());
-        if (lists_.contains(key) && !entry.isFolder) return true;
+        if (lists_.contains(key) && !entry.isFolder) {
+            if (!request_.checksums) RefuseOldList(from);
+            return true;
+        }
         const auto found = markers_.find(key);
         if (found == markers_.end()) return false;
         PlannedFile& marker = *found->second;
@@ -238,6 +243,7 @@ Plan PlanOf(const CreateRequest& request) {
         plan.volumes.push_back(VolumeFolder(request, plan.out, k));
     std::vector<PlannedFile> markers = MarkersOf(request, plan);
     PlanContent(request, markers, plan);
+    plan.copies = plan.files.size();
     plan.files.insert(plan.files.end(), markers.begin(), markers.end());
     for (const Path& volume : request.checksums ? plan.FoldersOfVolumes() : std::vector<Path>())
         plan.files.push_back({.path = Join(volume, kChecksumsName), .isList = true});

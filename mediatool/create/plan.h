@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,8 @@ struct PlannedFile {
     Path source{};          // that it is a copy of; empty for one that create itself writes
     std::string content{};  // of such a one
     std::uint64_t size = 0;
-    std::uint64_t modified = 0;  // of the source
+    std::uint64_t modified = 0;  // of the source, as its attributes
+    std::uint32_t attributes = 0;
     Fate fate = Fate::New;
     bool isList = false;  // of checksums; its content is known at the end
     std::string hash{};   // once it is known
@@ -28,10 +30,12 @@ struct Plan {
     Path out;
     std::vector<Path> volumes;  // their folders
     std::vector<Path> emptyFolders;
-    std::vector<PlannedFile> files;  // the content, the count file, the markers
+    std::vector<PlannedFile> files;  // the content, the count file, the markers, the lists
+    std::size_t copies = 0;          // how many of them are content
     bool resumes = false;            // an unfinished set is there
 
     const Path& VolumeOne() const { return volumes.front(); }
+    std::span<const PlannedFile> Own() const { return std::span(files).subspan(copies); }
     std::vector<Path> FoldersOfVolumes() const;  // each once
     Path Mark() const;
 };
@@ -52,6 +56,9 @@ Plan PlanOf(const CreateRequest& request);
 // where a folder is to be, a folder where a file is to be, and a file to be overwritten that is
 // still to be copied; Refused for one that cannot be overwritten, or may not be.
 void MeetWhatIsThere(const CreateRequest& request, Plan& plan);
+
+// Throws Refused for a list of checksums that would not hold for the new set.
+[[noreturn]] void RefuseOldList(const Path& list);
 
 // Throws Refused when a file that is there, or comes with the content, would keep the launcher from
 // finding the new set: the marker of another volume, or what the launcher takes for one.

@@ -1,7 +1,5 @@
 #include "mediatool/create/report.h"
 
-#include <algorithm>
-#include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
 
@@ -15,18 +13,6 @@ std::string ActionOn(const CreatedFile& file) {
     if (file.fate == Fate::Kept) return "keep";
     if (file.fate == Fate::Replaced) return "replace";
     return file.source.empty() ? "write" : "copy";
-}
-
-// With three digits or so: "1.2 GB".
-std::string Size(std::uint64_t bytes) {
-    const char* const units[] = {"bytes", "KB", "MB", "GB", "TB"};
-    std::size_t unit = 0;
-    std::uint64_t tenths = bytes * 10;
-    for (; tenths >= 10000 && unit + 1 < std::size(units); ++unit)
-        tenths /= 1000;
-    const std::string whole = std::to_string(tenths / 10);
-    return whole + (unit == 0 || tenths >= 1000 ? "" : "." + std::to_string(tenths % 10)) + " " +
-           units[unit];
 }
 
 struct Totals {
@@ -46,16 +32,17 @@ std::map<std::string, Totals> TotalsOf(const Creation& creation) {
     return totals;
 }
 
-}  // namespace
-
-std::string ProgressText(const CreateProgress& progress, std::uint64_t milliseconds) {
-    if (!progress.isWriting)
-        return "Content: " + Counted(progress.allFiles, "file") + ", " + Size(progress.allBytes);
-    const std::uint64_t rate = progress.bytes * 1000 / std::max<std::uint64_t>(milliseconds, 1);
-    return "Copying: " + std::to_string(progress.files) + " of " +
-           Counted(progress.allFiles, "file") + ", " + Size(progress.bytes) + " of " +
-           Size(progress.allBytes) + ", " + Size(rate) + "/s";
+// What every output of create begins with.
+Json Head(const Creation& creation, const CreateRequest& request) {
+    return {{"schema", 1},
+            {"command", "create"},
+            {"id", request.id},
+            {"outerId", creation.outerId.empty() ? Json() : Json(creation.outerId)},
+            {"layout", LayoutName(creation.layout)},
+            {"folders", creation.folders}};
 }
+
+}  // namespace
 
 std::string TextOf(const Creation& creation) {
     std::string text;
@@ -85,20 +72,6 @@ std::string TextOfDry(const Creation& creation) {
                     std::to_string(total.bytes) + " bytes\n";
     return text;
 }
-
-namespace {
-
-// What every output of create begins with.
-Json Head(const Creation& creation, const CreateRequest& request) {
-    return {{"schema", 1},
-            {"command", "create"},
-            {"id", request.id},
-            {"outerId", creation.outerId.empty() ? Json() : Json(creation.outerId)},
-            {"layout", LayoutName(creation.layout)},
-            {"folders", creation.folders}};
-}
-
-}  // namespace
 
 Json JsonOf(const Creation& creation, const CreateRequest& request) {
     Json json = Head(creation, request);

@@ -15,7 +15,4 @@ Json JsonOf(const Creation& creation, const CreateRequest& request);
 std::string TextOfDry(const Creation& creation);
 Json JsonOfDry(const Creation& creation, const CreateRequest& request);
 
-// One line about a run that is under way; `milliseconds` since its writing began.
-std::string ProgressText(const CreateProgress& progress, std::uint64_t milliseconds);
-
 }  // namespace launcher::mediatool

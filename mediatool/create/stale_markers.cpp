@@ -77,9 +77,8 @@ class StaleMarkers {
     }
 
     bool IsWritten(const Path& place) const {
-        return std::ranges::any_of(plan_.files, [&place](const PlannedFile& file) {
-            return !file.IsCopy() && SameName(file.path, place);
-        });
+        return std::ranges::any_of(
+            plan_.Own(), [&place](const PlannedFile& file) { return SameName(file.path, place); });
     }
 
     // In a folder where the launcher looks for the marker of the first outer volume, it takes any

@@ -8,7 +8,6 @@
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
-#include "mediatool/media/checksums.h"
 #include "mediatool/media/unfinished.h"
 
 namespace launcher::mediatool {
@@ -38,14 +37,13 @@ FILETIME FileTime(std::uint64_t units) {
 // A file under its temporary name. A failure is told of `blamed`, as what cannot be done with it.
 class NewFile {
   public:
-    NewFile(Path path, DWORD attributes, const Path& blamed, const char* what)
-        : path_(std::move(path)),
-          temporary_(Join(Parent(path_), kUnfinishedFile)),
+    NewFile(const Path& path, DWORD attributes, const Path& blamed, const char* what)
+        : path_(path),
+          temporary_(Join(Parent(path), kUnfinishedFile)),
           blamed_(blamed),
-          what_(what) {
-        Remove(temporary_);
-        file_ = FileHandle(CreateFileW(Extended(temporary_.Text()).c_str(), GENERIC_WRITE, 0,
-                                       nullptr, CREATE_NEW, attributes, nullptr));
+          what_(what),
+          file_(CreateFileW(Extended(temporary_.Text()).c_str(), GENERIC_WRITE, 0, nullptr,
+                            CREATE_ALWAYS, attributes, nullptr)) {
         if (!file_) RefuseFor(blamed_, what_);
     }
     NewFile(const NewFile&) = delete;
@@ -67,19 +65,18 @@ class NewFile {
         if (!SetFileTime(file_.Get(), nullptr, nullptr, &modified)) RefuseFor(blamed_, what_);
     }
 
-    // On the disk before it has its name: the name stands for a whole file also after the power
-    // failed.
+    // Nothing waits for the disk here: what Windows has taken survives the end of this process,
+    // and to wait once for each of 50,000 files would take longer than to copy them.
     void GiveName() {
-        if (!FlushFileBuffers(file_.Get())) RefuseFor(blamed_, what_);
         file_.Reset();
         if (!MoveFileExW(Extended(temporary_.Text()).c_str(), Extended(path_.Text()).c_str(),
-                         MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+                         MOVEFILE_REPLACE_EXISTING))
             RefuseFor(blamed_, what_);
         isWhole_ = true;
     }
 
   private:
-    Path path_;
+    const Path& path_;
     Path temporary_;
     const Path& blamed_;
     const char* what_;
@@ -96,7 +93,7 @@ void WriteUnderTemporaryName(const Path& file, const std::string& content) {
 Writer::Writer(const Plan& plan) : mark_(plan.Mark()), wasMarked_(plan.resumes) {
     try {
         MakeFolder(plan.VolumeOne());
-        if (!wasMarked_) Mark(mark_);
+        if (!wasMarked_) Mark();
     } catch (...) {
         TakeBack();  // no destructor runs
         throw;
@@ -108,57 +105,59 @@ Writer::Writer(const Plan& plan) : mark_(plan.Mark()), wasMarked_(plan.resumes) 
             Remove(Join(Parent(file.path), kUnfinishedFile));
 }
 
-void Writer::Mark(const Path& mark) {
-    made_.push_back(mark);
-    const FileHandle file(CreateFileW(Extended(mark.Text()).c_str(), GENERIC_WRITE, FILE_SHARE_READ,
-                                      nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+void Writer::Mark() {
+    made_.push_back(mark_);
+    const FileHandle file(CreateFileW(Extended(mark_.Text()).c_str(), GENERIC_WRITE,
+                                      FILE_SHARE_READ, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
+                                      nullptr));
     DWORD written = 0;
-    if (!file || !WriteFile(file.Get(), kMarkText, sizeof kMarkText - 1, &written, nullptr) ||
-        !FlushFileBuffers(file.Get()))
-        RefuseFor(mark, "written");
+    if (!file || !WriteFile(file.Get(), kMarkText, sizeof kMarkText - 1, &written, nullptr))
+        RefuseFor(mark_, "written");
 }
 
 void Writer::MakeFolder(const Path& folder) {
-    if (IsEmpty(folder) || IsFolder(folder)) return;
-    MakeFolder(Parent(folder));
-    if (!CreateDirectoryW(Extended(folder.Text()).c_str(), nullptr)) RefuseFor(folder, "made");
-    made_.push_back(folder);
+    if (IsEmpty(folder) || folder.Text() == lastFolder_) return;
+    if (!IsFolder(folder)) {
+        MakeFolder(Parent(folder));
+        if (!CreateDirectoryW(Extended(folder.Text()).c_str(), nullptr)) RefuseFor(folder, "made");
+        made_.push_back(folder);
+    }
+    lastFolder_ = folder.Text();
 }
 
-void Writer::Write(const Path& file, const std::string& content) {
-    MakeFolder(Parent(file));
-    NewFile text(file, FILE_ATTRIBUTE_NORMAL, file, "written");
+void Writer::Write(const PlannedFile& file, const std::string& content) {
+    MakeFolder(Parent(file.path));
+    NewFile text(file.path, FILE_ATTRIBUTE_NORMAL, file.path, "written");
     text.Add(content);
-    Name(text, file);
+    GiveName(text, file);
 }
 
+// Not by CopyFileW: the bytes are wanted for the checksum, and what a download has beside its bytes
+// (the mark of the web) belongs on no medium.
 void Writer::Copy(const PlannedFile& file, const std::function<void(std::string_view)>& take) {
     MakeFolder(Parent(file.path));
-    const DWORD attributes = GetFileAttributesW(Extended(file.source.Text()).c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) RefuseFor(file.source, "copied");
-    NewFile copy(file.path, attributes & kCopiedAttributes, file.source, "copied");
+    NewFile copy(file.path, file.attributes & kCopiedAttributes, file.source, "copied");
     const auto both = [&](std::string_view bytes) {
         copy.Add(bytes);
         take(bytes);
     };
     ReadWhole(file.source, both, "copied");
     copy.SetModified(file.modified);
-    Name(copy, file.path);
+    GiveName(copy, file);
 }
 
-void Writer::Name(NewFile& file, const Path& path) {
-    const bool isNew = !Look(path);
-    file.GiveName();
-    if (isNew)
-        made_.push_back(path);
+void Writer::GiveName(NewFile& whole, const PlannedFile& file) {
+    whole.GiveName();
+    if (file.fate == Fate::New)
+        made_.push_back(file.path);
     else
         ++replaced_;
 }
 
 void Writer::Finish() {
+    if (!Remove(mark_)) RefuseFor(mark_, "removed");
     made_.clear();
     replaced_ = 0;
-    if (!Remove(mark_)) RefuseFor(mark_, "removed");
     wasMarked_ = false;
 }
 

@@ -24,7 +24,7 @@ class Writer {
     ~Writer() { TakeBack(); }
 
     void MakeFolder(const Path& folder);
-    void Write(const Path& file, const std::string& content);
+    void Write(const PlannedFile& file, const std::string& content);
     // `take` sees the bytes and may throw.
     void Copy(const PlannedFile& file, const std::function<void(std::string_view)>& take);
 
@@ -34,13 +34,14 @@ class Writer {
     std::string TakeBack();
 
   private:
-    void Mark(const Path& mark);
-    void Name(NewFile& file, const Path& path);
+    void Mark();
+    void GiveName(NewFile& whole, const PlannedFile& file);
 
     std::vector<Path> made_;
     std::size_t replaced_ = 0;
     Path mark_;
     bool wasMarked_;
+    std::string lastFolder_;  // that is there for certain
 };
 
 // Writes a file under a temporary name, which it loses when it is whole. Throws Refused.

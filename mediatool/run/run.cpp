@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "mediatool/run/command_line.h"
 #include "mediatool/base/interruption.h"
+#include "mediatool/run/command_line.h"
 #include "mediatool/run/start.h"
 #include "mediatool/run/streams.h"
 

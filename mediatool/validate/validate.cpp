@@ -79,6 +79,8 @@ Validation Validate(const ValidateRequest& request) {
          {CheckUnfinished, CheckLauncher, CheckRootEntries, CheckInstallerPlaces, CheckInstallers,
           CheckFlavourMarkers, CheckCountFile, CheckVolumeNumbers, CheckVolumes, CheckTree})
         check(subject, result.findings);
+    if (request.content)
+        result.verified = CheckChecksums(subject, request.verifying, result.findings);
     for (const Path& folder : subject.set.given)
         result.media.push_back(folder.Text());
     result.view = subject.view;

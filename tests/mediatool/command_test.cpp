@@ -87,6 +87,16 @@ TEST_F(Command, ChecksumOfAMedia) {
                                 "\" is there already; --force writes over it.\n");
 }
 
+TEST_F(Command, ValidateWithAndWithoutChecksums) {
+    EXPECT_EQ(Output({"validate", media.Text(), "--json"})["verified"]["files"], 0);
+    ASSERT_EQ(Run({"checksum", media.Text()}).exitCode, 0u);
+    EXPECT_GT(Output({"validate", media.Text(), "--json"})["verified"]["files"], 5);
+    EXPECT_THAT(Run({"validate", media.Text()}).output, HasSubstr(" checksums verified, "));
+    media.Write("media.db", "damaged");
+    EXPECT_EQ(Output({"validate", media.Text(), "--json"}, 1)["errors"], 1);
+    Output({"validate", media.Text(), "--no-content", "--json"}, 0);
+}
+
 TEST_F(Command, CreateThatIsRefused) {
     scratch.Write("1.txt");
     const MediatoolRun run =

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cctype>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -101,34 +102,36 @@ TEST_F(Content, ADryRunSaysAllAndChangesNothing) {
 TEST_F(Content, ProgressHasTotalsFromTheFirstByte) {
     scratch.Write("one/big.bin", std::string(1000000, 'x'));
     scratch.Write("two/small.bin", "x");
-    std::vector<mediatool::CreateProgress> told;
-    request.progress = [&](const mediatool::CreateProgress& progress) { told.push_back(progress); };
+    std::map<std::string, std::vector<mediatool::Amounts>> told;
+    request.progress = [&](const mediatool::Amounts& amounts) {
+        told[amounts.what].push_back(amounts);
+    };
     Create(request);
-    ASSERT_GE(told.size(), 6u);
-    EXPECT_FALSE(told[0].isWriting);
-    EXPECT_EQ(told[1].allBytes, 1000001u) << "while the content is looked at";
-    EXPECT_TRUE(told[2].isWriting);
-    EXPECT_EQ(told[2].bytes, 0u);
-    std::size_t within = 0;
-    for (const mediatool::CreateProgress& progress : told) {
-        if (!progress.isWriting) continue;
-        EXPECT_EQ(progress.allFiles, 2u);
-        EXPECT_EQ(progress.allBytes, 1000001u);
-        within += progress.bytes > 0 && progress.bytes < 1000000 ? 1 : 0;
+    ASSERT_EQ(told["Content"].size(), 2u) << "one for each file that is looked at";
+    EXPECT_EQ(told["Content"].back().bytes, 1000001u);
+    ASSERT_EQ(told["Comparing"].size(), 5u) << "with the count file and the markers";
+    EXPECT_EQ(told["Comparing"].back().files, told["Comparing"].front().allFiles);
+    const std::vector<mediatool::Amounts>& copying = told["Copying"];
+    EXPECT_EQ(copying.front().bytes, 0u);
+    for (const mediatool::Amounts& amounts : copying) {
+        EXPECT_EQ(amounts.allFiles, 2u);
+        EXPECT_EQ(amounts.allBytes, 1000001u);
     }
-    EXPECT_GE(within, 1u) << "inside a file";
-    EXPECT_EQ(told.back().files, 2u);
-    EXPECT_EQ(told.back().bytes, 1000001u);
+    EXPECT_TRUE(std::ranges::any_of(copying, [](const mediatool::Amounts& amounts) {
+        return amounts.bytes > 0 && amounts.bytes < 1000000;
+    })) << "inside a file";
+    EXPECT_EQ(copying.back().files, 2u);
+    EXPECT_EQ(copying.back().bytes, 1000001u);
 }
 
-TEST(CreateProgressText, HasTotalAndRate) {
-    using mediatool::ProgressText;
-    EXPECT_EQ(ProgressText({false, 0, 50000, 0, 1234567890}, 0), "Content: 50000 files, 1.2 GB");
-    EXPECT_EQ(ProgressText({true, 20, 50000, 45600000, 1234567890}, 2000),
+TEST(AmountsText, HasTotalAndRateOnceTheyAreKnown) {
+    using mediatool::TextOf;
+    EXPECT_EQ(TextOf({"Content", 50000, 0, 1234567890, 0}, 0), "Content: 50000 files, 1.2 GB");
+    EXPECT_EQ(TextOf({"Comparing", 1, 3, 0, 0}, 0), "Comparing: 1 of 3 files");
+    EXPECT_EQ(TextOf({"Copying", 20, 50000, 45600000, 1234567890}, 2000),
               "Copying: 20 of 50000 files, 45.6 MB of 1.2 GB, 22.8 MB/s");
-    EXPECT_EQ(ProgressText({true, 0, 1, 0, 999}, 0),
-              "Copying: 0 of 1 file, 0 bytes of 999 bytes, "
-              "0 bytes/s");
+    EXPECT_EQ(TextOf({"Copying", 0, 1, 0, 999}, 0),
+              "Copying: 0 of 1 file, 0 bytes of 999 bytes, 0 bytes/s");
 }
 
 TEST_F(Content, ChecksumsAreAListInEachVolume) {
@@ -156,10 +159,58 @@ TEST_F(Content, ChecksumsOfOneFolderAreOneList) {
     EXPECT_EQ(std::ranges::count(Written("out\\SHA256SUMS"), '\n'), 3);
 }
 
-TEST(ChecksumLine, IsWrittenAsSha256sumDoes) {
+// It would say of the new markers that they are damaged.
+TEST_F(Content, AListOfOtherChecksumsIsNeitherCopiedNorLeft) {
+    const std::string inContent = scratch.Write("one/SHA256SUMS", "old");
+    EXPECT_EQ(Complaint(), "refused: \"" + inContent +
+                               "\" would not hold for the new set; --checksums writes it anew.");
+    stdfs::remove(FromUtf8(inContent));
+    const std::string there = scratch.Write("out/2/SHA256SUMS", "old");
+    request.force = true;
+    EXPECT_EQ(Complaint(), "refused: \"" + there +
+                               "\" would not hold for the new set; --checksums writes it anew.");
+    request.checksums = true;
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_THAT(Written("out\\2\\SHA256SUMS"), testing::EndsWith("  2.txt\n"));
+}
+
+// A name with all that sha256sum escapes.
+TEST(ChecksumLine, IsWrittenAsSha256sumDoesAndReadAgain) {
     using mediatool::ChecksumLine;
-    EXPECT_EQ(ChecksumLine("00", "a b"), "00  a b\n");
-    EXPECT_EQ(ChecksumLine("00", "a\\b\nc"), "\\00  a\\\\b\\nc\n");
+    EXPECT_EQ(ChecksumLine(kOfAbc, "a b"), std::string(kOfAbc) + "  a b\n");
+    const std::string name = "a\\b\nc\rd";
+    const std::string line = ChecksumLine(kOfAbc, name);
+    EXPECT_EQ(line, "\\" + std::string(kOfAbc) + "  a\\\\b\\nc\\rd\n");
+    const mediatool::ChecksumList list = mediatool::ParseChecksums(line);
+    ASSERT_EQ(list.files.size(), 1u);
+    EXPECT_EQ(list.files.front().name, name);
+    EXPECT_EQ(list.files.front().hash, kOfAbc);
+    EXPECT_EQ(list.badLine, 0u);
+}
+
+TEST(ChecksumList, OfOtherProgramsIsRead) {
+    std::string capitals = kOfAbc;
+    std::ranges::transform(capitals, capitals.begin(),
+                           [](char c) { return static_cast<char>(std::toupper(c)); });
+    const mediatool::ChecksumList list =
+        mediatool::ParseChecksums("\xEF\xBB\xBF" + capitals + " *a\r\n\r\n" + kOfAbc + "  ./b/c");
+    ASSERT_EQ(list.files.size(), 2u);
+    EXPECT_EQ(list.files[0].name, "a");
+    EXPECT_EQ(list.files[0].hash, kOfAbc);
+    EXPECT_EQ(list.files[1].name, "b/c");
+    EXPECT_EQ(list.badLine, 0u);
+}
+
+TEST(ChecksumList, TellsItsFirstBadLine) {
+    const std::string good = std::string(kOfAbc) + "  a\n";
+    for (const std::string& bad :
+         {std::string("text"), std::string(kOfAbc), std::string(kOfAbc) + "  ",
+          std::string(kOfAbc) + " -a", std::string(kOfAbc).replace(63, 1, "g") + "  a"}) {
+        const mediatool::ChecksumList list =
+            mediatool::ParseChecksums(good + bad + "\nmore\n" + good);
+        EXPECT_EQ(list.badLine, 2u) << bad;
+        EXPECT_EQ(list.files.size(), 2u) << bad;
+    }
 }
 
 class ChecksumCommandTest : public testing::Test {
