@@ -167,6 +167,16 @@ TEST_P(LostVolumeTest, IsFoundByItsName) {
 }
 INSTANTIATE_TEST_SUITE_P(Lost, LostVolumeTest, testing::ValuesIn(kLost), MistakeName);
 
+// A volume comes with its outer volume: the folder moves, not the marker.
+TEST(SwappedVolumes, InOuterVolumesTradeTheirFolders) {
+    SampleMedia media(Layout::Outer);
+    media.Rename("../../../8/media/2/2.txt", "../../../8/media/2/3.txt");
+    media.Rename("../../../9/media/3/3.txt", "../../../9/media/3/2.txt");
+    EXPECT_EQ(media.Validate().findings.Sorted().front().action,
+              "Rename the folder to " + media.Text("../../../9/media/3") +
+                  ", and leave the marker as it is.");
+}
+
 // The launcher's own search asks for what a listing names, and so does validate.
 TEST(DamagedCounts, AreNotFollowedToTheEnd) {
     SampleMedia media(Layout::Siblings);
