@@ -348,6 +348,11 @@ inline constexpr FindingText kTexts[] = {
     {"volume-folder-named-otherwise", Error, "Volume %1 is in a folder named %2.",
      "The launcher looks for it in the folder %1 beside volume 1's.",
      "Rename the folder to %1, and leave the marker as it is."},
+    {"volume-folder-named-otherwise/taken", Error,
+     "Volume %1 is in a folder named %2, and volume 1 in the one named %1.",
+     "The launcher looks for volume %1 in the folder %1 beside volume 1's.",
+     "Give volume 1's folder another name, and this one the name %1; leave the markers as they "
+     "are."},
     {"volume-number-twice", Warning, kSecondMarker,
      "The launcher does not read it; the installer may take the folder for that volume.",
      kRemoveMarker},
