@@ -227,7 +227,7 @@ TEST(Autorun, MayStartTheProgramsOfTheMedium) {
         media.Write("autorun.inf", "[autorun]\r\nopen=" + std::string(open) + "\r\n");
         EXPECT_EQ(Changes(media.Validate()), "") << open;
     }
-    media.Write("autorun.inf", "[other]\r\nopen=menu.exe\r\n");
+    media.Write("autorun.inf", "[other]\r\nopen=menu.exe\r\n[autorun]\r\nopen=\r\n");
     EXPECT_EQ(Changes(media.Validate()), "");
 }
 
