@@ -3,11 +3,14 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "fs/encoding.h"
 #include "fs/exceptions.h"
 #include "fs/owners.h"
+#include "mediatool/base/failures.h"
+#include "mediatool/base/sentences.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -18,6 +21,9 @@ Entry EntryFrom(const WIN32_FIND_DATAW& data) {
     entry.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     entry.isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if (!entry.isFolder) entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
+    const FILETIME& written = data.ftLastWriteTime;
+    entry.modified = (std::uint64_t{written.dwHighDateTime} << 32) | written.dwLowDateTime;
+    entry.attributes = data.dwFileAttributes;
     return entry;
 }
 
@@ -34,6 +40,10 @@ FileHandle OpenToAsk(const std::string& path) {
 }
 
 }  // namespace
+
+void AskNobodyForDiscs() {
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS, nullptr);
+}
 
 Path FullPath(const std::string& text) {
     const std::wstring wide = ToWide(Path(text).Text());
@@ -62,6 +72,7 @@ std::optional<Entry> Look(const Path& path) {
     found.dwFileAttributes = data.dwFileAttributes;
     found.nFileSizeHigh = data.nFileSizeHigh;
     found.nFileSizeLow = data.nFileSizeLow;
+    found.ftLastWriteTime = data.ftLastWriteTime;
     Entry entry = EntryFrom(found);
     entry.name = FileName(path);
     return entry;
@@ -82,13 +93,17 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
     if (!pattern.ends_with(L'\\')) pattern += L'\\';
     pattern += L'*';
     WIN32_FIND_DATAW data{};
-    const FindHandle search(FindFirstFileW(pattern.c_str(), &data));
+    FindHandle search(FindFirstFileW(pattern.c_str(), &data));
     if (!search) return std::nullopt;
     std::vector<Entry> entries;
     do {
         Entry entry = EntryFrom(data);
         if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
     } while (FindNextFileW(search.Get(), &data));
+    const DWORD end = GetLastError();
+    search = FindHandle();
+    SetLastError(end);
+    if (end != ERROR_NO_MORE_FILES) return std::nullopt;  // broken off, by a bad disc for instance
     std::ranges::sort(entries, std::ranges::less(), &Entry::name);
     return entries;
 }
@@ -107,6 +122,21 @@ std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
         return std::nullopt;
     bytes.resize(count);
     return bytes;
+}
+
+void ReadWhole(const Path& file, const std::function<void(std::string_view)>& take,
+               const std::string& what) {
+    constexpr DWORD kPiece = 256 * 1024;  // bytes
+    const FileHandle handle(CreateFileW(Extended(file.Text()).c_str(), GENERIC_READ, kShareAll,
+                                        nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
+                                        nullptr));
+    if (!handle) RefuseFor(file, what);
+    const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
+    for (DWORD count = 0;;) {
+        if (!ReadFile(handle.Get(), piece.get(), kPiece, &count, nullptr)) RefuseFor(file, what);
+        if (count == 0) return;
+        take({piece.get(), count});
+    }
 }
 
 bool CanBeRead(const std::string& path) {
@@ -157,6 +187,11 @@ std::string ErrorText(std::uint32_t error) {
 
 std::string LastErrorText() {
     return ErrorText(GetLastError());
+}
+
+void RefuseFor(const Path& path, const std::string& what) {
+    const std::string reason = LastErrorText();
+    throw Refused(Quoted(path) + " cannot be " + what + ": " + reason + ".");
 }
 
 std::size_t WideLength(const std::string& text) {

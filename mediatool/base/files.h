@@ -3,8 +3,10 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fs/path.h"
@@ -14,11 +16,17 @@ namespace launcher::mediatool {
 // Looks at files and folders, whatever the length of their paths. Nothing here follows a link
 // unless it says so. Texts are UTF-8.
 
+// Makes a drive without a disc one more failure for this thread. Windows would ask for the disc, in
+// a box, and wait. Of the thread alone: programs that are started inherit the mode of the process.
+void AskNobodyForDiscs();
+
 struct Entry {
     std::string name;
     bool isFolder = false;
     bool isLink = false;
-    std::uint64_t size = 0;  // bytes; 0 for a folder
+    std::uint64_t size = 0;      // bytes; 0 for a folder
+    std::uint64_t modified = 0;  // in units of 100 ns, as Windows counts
+    std::uint32_t attributes = 0;
 };
 
 // The absolute, normalised path that `text` means. Empty for the empty text.
@@ -33,13 +41,18 @@ std::optional<Entry> Look(const Path& path);
 bool IsFile(const Path& path);
 bool IsFolder(const Path& path);
 
-// The entries of a folder, sorted by name; nothing when it cannot be listed, with the reason in
-// GetLastError().
+// The entries of a folder, sorted by name; nothing when it cannot be listed to its end, with the
+// reason in GetLastError().
 std::optional<std::vector<Entry>> List(const Path& folder);
 std::vector<Entry> EntriesOf(const Path& folder);  // none when it cannot be listed
 
 // The first `limit` bytes of a file; nothing when it cannot be read.
 std::optional<std::string> ReadStart(const Path& path, std::size_t limit);
+
+// Gives the bytes of a file to `take`, piece by piece. Throws Refused, "cannot be WHAT", when it
+// cannot be read to its end.
+void ReadWhole(const Path& file, const std::function<void(std::string_view)>& take,
+               const std::string& what);
 
 // Both leave the reason in GetLastError(). A path here need not be normalised.
 bool CanBeRead(const std::string& path);
@@ -62,6 +75,9 @@ Path FinalPath(const Path& path);
 // stop.
 std::string ErrorText(std::uint32_t error);
 std::string LastErrorText();
+
+// Throws Refused for the system's last error: "PATH cannot be WHAT: the error."
+[[noreturn]] void RefuseFor(const Path& path, const std::string& what);
 
 // The number of UTF-16 code units of a text: what Windows counts a path's length in.
 std::size_t WideLength(const std::string& text);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "mediatool/base/amounts.h"
 #include "mediatool/media/launcher_view.h"
 #include "mediatool/validate/findings.h"
 
@@ -15,13 +16,20 @@ struct ValidateRequest {
     // The temporary folder of the users that the medium is for, a full path; nothing for the
     // longest usual one.
     std::optional<std::string> temp;
+    bool isStrict = false;  // warnings count as errors do
+    bool content = true;    // verify it where there are lists of checksums
     std::function<void(std::size_t entries)> progress;
+    TellAmounts verifying = [](const Amounts&) {};
 };
 
 struct Validation {
     std::vector<std::string> media;  // the folders, absolute
     LauncherView view;
+    Amounts verified;  // by lists of checksums
     Findings findings;
+    bool isStrict = false;
+
+    bool IsClean() const;
 };
 
 // Looks for mistakes in a medium. Throws BadInput.

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "mediatool/run/interruption.h"
+#include "mediatool/base/interruption.h"
 #include "mediatool/run/remedies.h"
 #include "mediatool/run/run.h"
 #include "tests/mediatool/run/support/run_test.h"
