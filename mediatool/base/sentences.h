@@ -13,6 +13,12 @@ namespace launcher::mediatool {
 std::string Quoted(const std::string& text);
 std::string Quoted(const Path& path);
 
+// With each control character but tab and LF as "\x1B": a terminal would obey it.
+std::string Harmless(const std::string& text);
+
+// The same for a sentence: without line ends at its end, and with LF as well.
+std::string OnOneLine(std::string text);
+
 // "1 file", "3 files"
 std::string Counted(std::size_t count, const std::string& what);
 

@@ -32,6 +32,8 @@ struct Subject {
     std::function<void(std::size_t entries)> progress;
 
     const Path& Media() const { return set.first; }
+    // A single medium runs where it is: nothing in it has to bear a copy.
+    bool IsNeverCopied() const { return view.layout == Layout::NotSplit; }
     // Whether a flavour for this kind of Windows has its installer, or its marker.
     bool Has(bool FlavourHere::*part, bool for64Bit) const;
     Path Inst() const { return Join(Media(), kInstFolder); }
@@ -40,6 +42,7 @@ struct Subject {
 
 // One group of mistakes each, in a file of its own.
 void CheckLauncher(const Subject& subject, Findings& out);
+void CheckAutorun(const Subject& subject, Findings& out);
 void CheckRootEntries(const Subject& subject, Findings& out);
 void CheckInstallers(const Subject& subject, Findings& out);
 void CheckInstallerPlaces(const Subject& subject, Findings& out);
@@ -49,6 +52,10 @@ void CheckVolumeNumbers(const Subject& subject, Findings& out);
 void CheckVolumes(const Subject& subject, Findings& out);
 void CheckUnfinished(const Subject& subject, Findings& out);
 void CheckTree(const Subject& subject, Findings& out);
+
+// Whether the names of the medium were cut to 8.3; what is missing is not missing then, and the
+// checks of its entries, installers and flavour markers have nothing to say.
+bool CheckCutNames(const Subject& subject, Findings& out);
 
 // What the lists of checksums say of the volumes that have one. Returns how much was read.
 Amounts CheckChecksums(const Subject& subject, const TellAmounts& progress, Findings& out);

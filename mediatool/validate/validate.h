@@ -16,7 +16,8 @@ struct ValidateRequest {
     // The temporary folder of the users that the medium is for, a full path; nothing for the
     // longest usual one.
     std::optional<std::string> temp;
-    bool content = true;  // verify it where there are lists of checksums
+    bool isStrict = false;  // warnings count as errors do
+    bool content = true;    // verify it where there are lists of checksums
     std::function<void(std::size_t entries)> progress;
     TellAmounts verifying = [](const Amounts&) {};
 };
@@ -26,6 +27,9 @@ struct Validation {
     LauncherView view;
     Amounts verified;  // by lists of checksums
     Findings findings;
+    bool isStrict = false;
+
+    bool IsClean() const;
 };
 
 // Looks for mistakes in a medium. Throws BadInput.

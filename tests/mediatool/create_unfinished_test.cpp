@@ -192,16 +192,6 @@ class FailingCall : public Unfinished {
     Tree before;
 };
 
-TEST_F(FailingCall, ForAFolder) {
-    const auto complaint = ComplaintWithout<decltype(&CreateDirectoryW)>("CreateDirectoryW");
-    ExpectTakenBack(complaint, "out", "made");
-}
-
-TEST_F(FailingCall, ForTheMark) {
-    const auto complaint = ComplaintWithout<decltype(&::WriteFile)>("WriteFile");
-    ExpectTakenBack(complaint, "out\\1\\mediatool-unfinished.txt", "written");
-}
-
 TEST_F(FailingCall, ForTheBytesOfACopy) {
     std::string complaint;
     {
