@@ -56,7 +56,7 @@ cp -r docs/images "$release/docs"
 
 {
     echo "Sources: $commit"
-    for program in x86_64-w64-mingw32-g++-posix i686-w64-mingw32-g++-posix \
+    for program in x86_64-w64-mingw32-g++-posix i686-w64-mingw32-g++-win32 \
         x86_64-w64-mingw32-ld i686-w64-mingw32-ld x86_64-w64-mingw32-windres cmake ninja; do
         echo "$program: $("$program" --version | head -n 1)"
     done

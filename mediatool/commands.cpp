@@ -8,10 +8,12 @@
 #include <nlohmann/json.hpp>
 
 #include "fs/path.h"
+#include "mediatool/arguments.h"
 #include "mediatool/base/console.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/json.h"
+#include "mediatool/base/sentences.h"
 #include "mediatool/create/report.h"
 #include "mediatool/create/writer.h"
 #include "mediatool/dry_run/dry_run.h"
@@ -40,11 +42,16 @@ struct ValidateCommand {
             ->add_option("media", request.folders,
                          "The media's folder; or the folders of its volumes.")
             ->required();
-        command->add_option("--temp", temp,
-                            "The temporary folder of the users it is for (default: the longest "
-                            "usual one).");
+        command
+            ->add_option("--temp", temp,
+                         "The temporary folder of the users it is for (default: the longest "
+                         "usual one).")
+            ->type_name("FOLDER");
+        command->add_flag("--strict", request.isStrict, "Warnings count as errors do.");
         command->add_flag("--json", json, "Print JSON.");
-        command->footer("Exit code: 0 clean, 1 a finding of severity error, 2 wrong use.");
+        command->footer(
+            "Exit code: 0 clean, 1 a finding of severity error, or warning with --strict, 2 wrong "
+            "use.");
     }
 
     int Run() {
@@ -54,7 +61,7 @@ struct ValidateCommand {
         if (command->count("--temp") > 0) watched.temp = temp;
         const Validation validation = Validate(watched);
         PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
-        return validation.findings.Count(Level::Error) == 0 ? kSuccess : kFailure;
+        return validation.IsClean() ? kSuccess : kFailure;
     }
 
     CLI::App* command;
@@ -69,11 +76,13 @@ struct CreateCommand {
         command->add_option("--id", request.id, "The identifier of the media.")->required();
         command->add_option("--layout", layout, "How the volumes lie.")
             ->required()
-            ->check(CLI::IsMember({"one-folder", "siblings", "outer"}));
+            ->check(OneOf({"one-folder", "siblings", "outer"}));
         command->add_option("--volumes", volumes, "How many volumes: 1 to 99.")->required();
-        MayBeGivenAgain(command->add_option(
-            "--from", from,
-            "A folder with the content of a volume, once for each, volume 1 first."));
+        MayBeGivenAgain(
+            command->add_option(
+                "--from", from,
+                "A folder with the content of a volume, once for each, volume 1 first."))
+            ->type_name("FOLDER");
         ofOuter = {
             command->add_option("--outer-id", request.outerId,
                                 "The identifier of the outer volumes (default: ID-outer)."),
@@ -133,19 +142,19 @@ struct DryRunCommand {
         : command(app.add_subcommand("dry-run", "Rehearse a run of a media's launcher.")) {
         command->add_option("media", request.media, "The media's folder.")->required();
         command->add_option("--windows", windows, "The pretended Windows: 7, 8, 8.1, 10 or 11.")
-            ->check(CLI::IsMember({"7", "8", "8.1", "10", "11"}));
-        command->add_option("--bits", bits, "Its bits: 32 or 64.")
-            ->check(CLI::IsMember({"32", "64"}));
+            ->check(OneOf({"7", "8", "8.1", "10", "11"}));
+        command->add_option("--bits", bits, "Its bits: 32 or 64.")->check(OneOf({"32", "64"}));
         command->add_option("--admin", administrator, "An administrator runs it: yes or no.")
-            ->check(CLI::IsMember({"yes", "no"}));
+            ->check(OneOf({"yes", "no"}));
         command->add_flag("--old-web-library", request.machine.hasOldWebLibrary,
                           "Its web library is older than that of Internet Explorer 10.");
         MayBeGivenAgain(command
                             ->add_option("--env", variables,
                                          "A variable of its environment; may be given again.")
                             ->type_name("NAME=VALUE"));
-        command->add_option("--temp", temp, "Its TEMP folder.");
-        command->add_option("--pick", pick, "The folder that is picked in the folder dialog.");
+        command->add_option("--temp", temp, "Its TEMP folder.")->type_name("FOLDER");
+        command->add_option("--pick", pick, "The folder that is picked in the folder dialog.")
+            ->type_name("FOLDER");
         command->add_flag("--all", everything,
                           "Show all that was looked for, every variable and every copied file.");
         command->add_flag("--check", check, "Give the verdict as exit code.");
@@ -167,8 +176,10 @@ struct DryRunCommand {
         if (command->count("--pick") > 0) machine.picked = pick;
         if (command->count("--temp") > 0) request.environment.emplace_back("TEMP", CheckedTemp());
         for (const std::string& variable : variables)
-            request.environment.push_back(CheckedAssignment(variable));
+            AddAssignment(variable);
         const DryRun run = RunDry(request);
+        if (machine.picked && std::ranges::none_of(run.journal.messages, &Message::dialog))
+            PrintError("mediatool: --pick changes nothing: no folder dialog comes in this run.\n");
         PrintOut(json ? Printed(JsonOf(run)) : TextOf(run, everything));
         return check ? ExitCodeOf(run.verdict) : kSuccess;
     }
@@ -180,21 +191,27 @@ struct DryRunCommand {
         return verdict == Verdict::Waits ? kWouldWait : kSuccess;
     }
 
-    // Nothing pretends that there is no TEMP; a folder of the current one is a slip.
+    // An empty one pretends that there is no TEMP; a folder of the current one, or of that of a
+    // drive, is a slip.
     const std::string& CheckedTemp() const {
-        if (!temp.empty() && Path(temp).RootEnd() == Path::kRelative)
+        const Path path(temp);
+        const bool isOfADrive =
+            path.RootEnd() == 1 && path.Text().size() > 2 && path.Text()[2] != '\\';
+        if (!temp.empty() && (isOfADrive || path.RootEnd() == Path::kRelative))
             throw BadInput("--temp takes a full path, not \"" + temp + "\".");
         return temp;
     }
 
-    std::pair<std::string, std::string> CheckedAssignment(const std::string& text) const {
+    void AddAssignment(const std::string& text) {
         const std::size_t equals = text.find('=');
         if (equals == 0 || equals == std::string::npos)
             throw BadInput("--env takes NAME=VALUE, not \"" + text + "\".");
         const std::string name = text.substr(0, equals);
         if (command->count("--temp") > 0 && SameName(name, "TEMP"))
             throw BadInput("--temp and --env " + name + "=... contradict each other.");
-        return {name, text.substr(equals + 1)};
+        for (const auto& [other, value] : request.environment)
+            if (SameName(name, other)) throw BadInput("--env " + name + "=... is given twice.");
+        request.environment.emplace_back(name, text.substr(equals + 1));
     }
 
     CLI::App* command;
@@ -214,7 +231,7 @@ class Mediatool {
   public:
     Mediatool()
         : app_("Checks, makes, rehearses and runs installation media.", "mediatool"),
-          run_(app_),
+          run_(WithoutSlashOptions(app_)),
           dryRun_(app_),
           validate_(app_),
           create_(app_) {
@@ -228,9 +245,14 @@ class Mediatool {
         const bool hasEnd = end != all.end();
         std::vector<std::string> arguments(all.begin(), end);
         std::vector<std::string> launcherArguments(hasEnd ? end + 1 : end, all.end());
-        CheckCommand(arguments);
-        isRun_ = IsFor(run_.command, arguments);
-        startsLauncher_ = isRun_ || IsFor(dryRun_.command, arguments);
+        isJson_ = std::ranges::count(arguments, "--json") > 0;
+        arguments = WithHelpAsked(std::move(arguments));
+        command_ = CommandOf(app_, arguments);
+        const bool startsLauncher = command_ == run_.command || command_ == dryRun_.command;
+        if (command_ != nullptr)
+            arguments =
+                Checked(*command_, arguments,
+                        startsLauncher ? " (the launcher's own arguments go after --)" : "");
         std::ranges::reverse(arguments);  // as CLI11 wants them
         app_.parse(std::move(arguments));
         if (dryRun_.command->parsed()) return dryRun_.Run(std::move(launcherArguments));
@@ -251,31 +273,26 @@ class Mediatool {
             PrintOut(app_.help());
             return kSuccess;
         }
-        const bool isLaunchers =
-            startsLauncher_ &&
-            request.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
-        PrintError(std::string("mediatool: ") + request.what() +
-                   (isLaunchers ? " (the launcher's own arguments go after --)" : "") + "\n");
-        return WrongUse();
+        return Complain(request, WrongUse());
+    }
+
+    // Says why it does not go on; to programs too, which read the standard output.
+    int Complain(const std::exception& failure, int exitCode) const {
+        const std::string sentence = OnOneLine(failure.what());
+        PrintError("mediatool: " + sentence + "\n");
+        const std::string name = command_ != nullptr ? command_->get_name() : "";
+        if (isJson_) PrintOut(Printed(FailureJson(name, exitCode, sentence)));
+        return exitCode;
     }
 
     // Those of run have to differ from the launcher's.
-    int WrongUse() const { return isRun_ ? kOwnMistake : kWrongUse; }
+    int WrongUse() const { return command_ == run_.command ? kOwnMistake : kWrongUse; }
 
   private:
-    static bool IsFor(const CLI::App* command, const std::vector<std::string>& arguments) {
-        return !arguments.empty() && arguments.front() == command->get_name();
-    }
-
-    // CLI11 would only say that a command is missing.
-    void CheckCommand(const std::vector<std::string>& arguments) const {
-        if (arguments.empty() || arguments.front().starts_with('-')) return;
-        const std::string& name = arguments.front();
-        for (const CLI::App* command :
-             {run_.command, dryRun_.command, validate_.command, create_.command})
-            if (command->get_name() == name) return;
-        throw BadInput("There is no command \"" + name +
-                       "\"; there are run, dry-run, validate and create.");
+    // They would be inherited by the commands: a path may begin with a slash.
+    static CLI::App& WithoutSlashOptions(CLI::App& app) {
+        app.allow_windows_style_options(false);
+        return app;
     }
 
     CLI::App app_;
@@ -283,29 +300,25 @@ class Mediatool {
     DryRunCommand dryRun_;
     ValidateCommand validate_;
     CreateCommand create_;
-    bool isRun_ = false;           // the command is
-    bool startsLauncher_ = false;  // or rehearses it: the command is run or dry-run
+    const CLI::App* command_ = nullptr;  // that was given
+    bool isJson_ = false;
 };
-
-int Complain(const std::exception& failure, int exitCode) {
-    PrintError(std::string("mediatool: ") + failure.what() + "\n");
-    return exitCode;
-}
 
 }  // namespace
 
 int RunMediatool(const std::vector<std::string>& arguments) {
+    AskNobodyForDiscs();
     Mediatool mediatool;
     try {
         return mediatool.Run(arguments);
     } catch (const CLI::ParseError& request) {
         return mediatool.Answer(request);
     } catch (const Refused& failure) {
-        return Complain(failure, kFailure);
+        return mediatool.Complain(failure, kFailure);
     } catch (const BadInput& failure) {
-        return Complain(failure, mediatool.WrongUse());
+        return mediatool.Complain(failure, mediatool.WrongUse());
     } catch (const std::exception& failure) {
-        return Complain(failure, mediatool.WrongUse());
+        return mediatool.Complain(failure, mediatool.WrongUse());
     }
 }
 

@@ -26,8 +26,8 @@ for file in "$notices" "$bill"; do [ -f "$file" ] || fail 1 "no such file: $file
 validator=/usr/bin/jsonschema
 [ -x $validator ] || fail 1 "$validator is missing: apt-get install python3-jsonschema"
 
-packages="g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
-    gcc-mingw-w64-i686-posix mingw-w64-x86-64-dev mingw-w64-i686-dev mingw-w64-common libcli11-dev
+packages="g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix g++-mingw-w64-i686-win32
+    gcc-mingw-w64-i686-win32 mingw-w64-x86-64-dev mingw-w64-i686-dev mingw-w64-common libcli11-dev
     nlohmann-json3-dev"
 
 # Words of each text that no other has.

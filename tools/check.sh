@@ -42,6 +42,13 @@ run_cppcheck() {
         --library=windows --enable=warning,performance,portability -I . $product
 }
 
+# launchers_are_small RELEASE: says which one is not
+launchers_are_small() {
+    large=$(find "$1" -name setup.exe -size +240000c -printf '%P has %s bytes; 240,000 are enough\n')
+    echo "$large"
+    [ -z "$large" ]
+}
+
 # In the tests' build folder, which the tests need anyway.
 build_soak_run() { cmake --preset mingw && cmake --build --preset mingw --target soak; }
 
@@ -58,8 +65,9 @@ step "clang-tidy" clang_tidy
 step "cppcheck" run_cppcheck
 step "reproducible" tools/check-reproducible.sh
 step "release folder" ./package.sh
-step "licence texts and bill of materials" tools/check-third-party.sh \
-    "$(ls -td dist/media-launcher-* | head -n 1)"
+release=$(ls -td dist/media-launcher-* | head -n 1)
+step "size of the launchers" launchers_are_small "$release"
+step "licence texts and bill of materials" tools/check-third-party.sh "$release"
 step "their check" tests/tools/third_party_test.sh
 step "table of Windows calls" tools/check-windows-calls.py build/package-mingw/launcher/setup.exe \
     build/package-tools/mediatool/mediatool.exe

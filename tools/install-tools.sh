@@ -5,20 +5,22 @@
 #   install-tools.sh [PACKAGE...]      further packages that the caller needs
 set -eu
 
-packages="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix cmake ninja-build
+packages="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-win32 cmake ninja-build
     wine wine64 googletest libcli11-dev nlohmann-json3-dev libvalijson-dev $*"
 
 # The program that a package is wanted for; none for a library, which CMake fetches or does without.
 program_of() {
     case $1 in
     g++-mingw-w64-x86-64-posix) echo x86_64-w64-mingw32-g++-posix ;;
+    g++-mingw-w64-i686-win32) echo i686-w64-mingw32-g++-win32 ;;
     g++-mingw-w64-i686-posix) echo i686-w64-mingw32-g++-posix ;;
     ninja-build) echo ninja ;;
     wine64) echo wineserver ;;
     nsis) echo makensis ;;
     librsvg2-bin) echo rsvg-convert ;;
     imagemagick) echo convert ;;
-    lib* | nlohmann-json3-dev | googletest | fonts-*) ;;
+    fuse3) echo fusermount3 ;;
+    lib* | python3-* | nlohmann-json3-dev | googletest | fonts-*) ;;
     *) echo "$1" ;;
     esac
 }

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Makes launcher/resources/setup.ico again from the drawing beside it, setup.svg, in every size that
-# Windows asks for between 100 % and 250 %. The largest is compressed: every Windows from Vista on
-# reads that, and it would weigh 260 KB otherwise.
+# Windows asks for between 100 % and 250 %. The two largest are compressed: every Windows from Vista
+# on reads that, and they would weigh 280 KB otherwise. The others are what any program reads.
 #
 #   make-icon.sh
 #
@@ -32,11 +32,14 @@ draw() {
 }
 
 set --
-for size in 16 20 24 32 40 48 64; do
+for size in 16 20 24 32 40 48; do
     image=$(draw "$size")
     set -- "$@" "$image"
 done
-largest=$(draw 256)
-icotool --create --output="$work/setup.ico" "$@" --raw="$largest"
+for size in 64 256; do
+    image=$(draw "$size")
+    set -- "$@" "--raw=$image"
+done
+icotool --create --output="$work/setup.ico" "$@"
 mv "$work/setup.ico" "$resources/setup.ico"
 icotool --list "$resources/setup.ico"

@@ -27,10 +27,10 @@ parts() {
     cat <<END
 g++-mingw-w64-x86-64-posix|libstdc++, the compiler's C++ library|$gcc|x64/setup.exe mediatool.exe
 gcc-mingw-w64-x86-64-posix|libgcc and libssp, the compiler's runtime|$gcc|x64/setup.exe mediatool.exe
-g++-mingw-w64-i686-posix|libstdc++, the compiler's C++ library|$gcc|x86/setup.exe
-gcc-mingw-w64-i686-posix|libgcc and libssp, the compiler's runtime|$gcc|x86/setup.exe
+g++-mingw-w64-i686-win32|libstdc++, the compiler's C++ library|$gcc|x86/setup.exe
+gcc-mingw-w64-i686-win32|libgcc and libssp, the compiler's runtime|$gcc|x86/setup.exe
 mingw-w64-x86-64-dev|the MinGW-w64 runtime and winpthreads|$mingw|x64/setup.exe mediatool.exe
-mingw-w64-i686-dev|the MinGW-w64 runtime and winpthreads|$mingw|x86/setup.exe
+mingw-w64-i686-dev|the MinGW-w64 runtime|$mingw|x86/setup.exe
 mingw-w64-common|the MinGW-w64 headers|$mingw|$programs
 libcli11-dev|CLI11, which reads the command line|BSD-3-Clause|mediatool.exe
 nlohmann-json3-dev|nlohmann/json, which writes JSON|MIT|mediatool.exe

@@ -2,7 +2,8 @@
 
 #include <windows.h>
 
-#include <cstdlib>
+#include <algorithm>
+#include <string_view>
 
 #include "fs/encoding.h"
 
@@ -16,19 +17,31 @@ bool IsTerminal(DWORD stream) {
     return GetConsoleMode(GetStdHandle(stream), &mode) != 0;
 }
 
-void Print(DWORD stream, const std::string& text) {
-    const HANDLE handle = GetStdHandle(stream);
-    DWORD written = 0;
-    if (IsTerminal(stream)) {
-        const std::wstring wide = ToWide(text);
-        WriteConsoleW(handle, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
-        return;
+// The terminal of Windows 7 takes nothing at all of 64 KB or more.
+constexpr std::size_t kAtOnce = 8192;  // characters
+
+// The text in pieces, none of which ends between the two halves of a character. A write may take
+// less than its piece.
+void PrintOnTerminal(HANDLE terminal, std::wstring_view text) {
+    while (!text.empty()) {
+        std::size_t size = std::min(text.size(), kAtOnce);
+        if (size < text.size() && IS_HIGH_SURROGATE(text[size - 1])) --size;
+        DWORD written = 0;
+        if (!WriteConsoleW(terminal, text.data(), static_cast<DWORD>(size), &written, nullptr) ||
+            written == 0)
+            return;
+        text.remove_prefix(written);
     }
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const auto rest = static_cast<DWORD>(text.size() - done);
-        if (!WriteFile(handle, text.data() + done, rest, &written, nullptr) || written == 0) return;
-        done += written;
+}
+
+void Print(DWORD stream, std::string_view text) {
+    const HANDLE handle = GetStdHandle(stream);
+    if (IsTerminal(stream)) return PrintOnTerminal(handle, ToWide(std::string(text)));
+    while (!text.empty()) {
+        DWORD written = 0;
+        const auto rest = static_cast<DWORD>(text.size());
+        if (!WriteFile(handle, text.data(), rest, &written, nullptr) || written == 0) return;
+        text.remove_prefix(written);
     }
 }
 

@@ -35,6 +35,10 @@ FileHandle OpenToAsk(const std::string& path) {
 
 }  // namespace
 
+void AskNobodyForDiscs() {
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS, nullptr);
+}
+
 Path FullPath(const std::string& text) {
     const std::wstring wide = ToWide(Path(text).Text());
     if (wide.empty()) return Path();
@@ -82,13 +86,17 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
     if (!pattern.ends_with(L'\\')) pattern += L'\\';
     pattern += L'*';
     WIN32_FIND_DATAW data{};
-    const FindHandle search(FindFirstFileW(pattern.c_str(), &data));
+    FindHandle search(FindFirstFileW(pattern.c_str(), &data));
     if (!search) return std::nullopt;
     std::vector<Entry> entries;
     do {
         Entry entry = EntryFrom(data);
         if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
     } while (FindNextFileW(search.Get(), &data));
+    const DWORD end = GetLastError();
+    search = FindHandle();
+    SetLastError(end);
+    if (end != ERROR_NO_MORE_FILES) return std::nullopt;  // broken off, by a bad disc for instance
     std::ranges::sort(entries, std::ranges::less(), &Entry::name);
     return entries;
 }
@@ -148,11 +156,15 @@ Path FinalPath(const Path& path) {
     return file && !name.empty() ? Path(ToNarrow(name.c_str())) : path;
 }
 
-std::string LastErrorText() {
-    std::string text = SystemErrorText(GetLastError());
+std::string ErrorText(std::uint32_t error) {
+    std::string text = SystemErrorText(error);
     while (text.ends_with('.') || text.ends_with(' '))
         text.pop_back();
     return text;
+}
+
+std::string LastErrorText() {
+    return ErrorText(GetLastError());
 }
 
 std::size_t WideLength(const std::string& text) {

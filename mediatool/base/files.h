@@ -14,6 +14,10 @@ namespace launcher::mediatool {
 // Looks at files and folders, whatever the length of their paths. Nothing here follows a link
 // unless it says so. Texts are UTF-8.
 
+// Makes a drive without a disc one more failure for this thread. Windows would ask for the disc, in
+// a box, and wait. Of the thread alone: programs that are started inherit the mode of the process.
+void AskNobodyForDiscs();
+
 struct Entry {
     std::string name;
     bool isFolder = false;
@@ -27,13 +31,14 @@ Path FullPath(const std::string& text);
 // The path that Windows takes at any length: "\\?\" in front.
 std::wstring Extended(const std::string& path);
 
-// What `path` names; nothing when it is not there.
+// What `path` names; nothing when it is not there or cannot be looked at, with the reason in
+// GetLastError().
 std::optional<Entry> Look(const Path& path);
 bool IsFile(const Path& path);
 bool IsFolder(const Path& path);
 
-// The entries of a folder, sorted by name; nothing when it cannot be listed, with the reason in
-// GetLastError().
+// The entries of a folder, sorted by name; nothing when it cannot be listed to its end, with the
+// reason in GetLastError().
 std::optional<std::vector<Entry>> List(const Path& folder);
 std::vector<Entry> EntriesOf(const Path& folder);  // none when it cannot be listed
 
@@ -57,7 +62,9 @@ std::optional<FileIdentity> IdentityOf(const std::string& path);
 // The path that `path` leads to in the end; itself when that is not there.
 Path FinalPath(const Path& path);
 
-// What the system says of its last error, as the end of a sentence, without a full stop.
+// What the system says of an error, or of its last one, as the end of a sentence, without a full
+// stop.
+std::string ErrorText(std::uint32_t error);
 std::string LastErrorText();
 
 // The number of UTF-16 code units of a text: what Windows counts a path's length in.

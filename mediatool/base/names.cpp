@@ -1,13 +1,22 @@
 #include "mediatool/base/names.h"
 
 #include <algorithm>
-
-#include "mediatool/base/files.h"
+#include <initializer_list>
 
 namespace launcher::mediatool {
+namespace {
+
+// Of the letters of ASCII: all that the names here are made of.
+std::string InLowerAscii(std::string text) {
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return text;
+}
+
+}  // namespace
 
 bool IsReservedName(const std::string& name) {
-    std::string base = InLowerCase(name.substr(0, name.find('.')));
+    std::string base = InLowerAscii(name.substr(0, name.find('.')));
     while (base.ends_with(' '))
         base.pop_back();
     if (base == "con" || base == "prn" || base == "aux" || base == "nul") return true;
@@ -17,6 +26,19 @@ bool IsReservedName(const std::string& name) {
 
 bool EndsInDotOrBlank(const std::string& name) {
     return name.ends_with('.') || name.ends_with(' ');
+}
+
+bool IsProgramName(const std::string& name) {
+    const std::string lower = InLowerAscii(name);
+    return std::ranges::any_of(
+        std::initializer_list<const char*>{".exe", ".dll", ".sys", ".msi", ".msp", ".cab"},
+        [&lower](const char* extension) { return lower.ends_with(extension); });
+}
+
+bool IsLeftover(const std::string& name) {
+    const std::string lower = InLowerAscii(name);
+    return lower.ends_with(".tmp") || lower.starts_with("._") || lower == "thumbs.db" ||
+           lower == ".ds_store";
 }
 
 bool IsUsableName(const std::string& name) {

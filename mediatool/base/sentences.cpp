@@ -1,5 +1,7 @@
 #include "mediatool/base/sentences.h"
 
+#include "fs/text.h"
+
 namespace launcher::mediatool {
 
 std::string Quoted(const std::string& text) {
@@ -17,6 +19,35 @@ std::string Grouped(std::uint64_t number) {
         digits.insert(i, 1, ',');
     }
     return digits;
+}
+
+std::string Harmless(const std::string& text) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string harmless;
+    const auto show = [&](unsigned char code) {
+        harmless += {'\\', 'x', kDigits[code >> 4], kDigits[code & 15]};
+    };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+        if (byte == 0xC2 && next >= 0x80 && next < 0xA0) {  // U+0080 to U+009F
+            show(next);
+            ++i;
+        } else if ((byte < 0x20 && byte != '\t' && byte != '\n') || byte == 0x7F) {
+            show(byte);
+        } else {
+            harmless += text[i];
+        }
+    }
+    return harmless;
+}
+
+std::string OnOneLine(std::string text) {
+    while (text.ends_with('\n') || text.ends_with('\r'))
+        text.pop_back();
+    text = Harmless(text);
+    ReplaceAll(text, "\n", "\\x0A", 0);
+    return text;
 }
 
 std::string Counted(std::size_t count, const std::string& what) {

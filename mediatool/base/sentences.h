@@ -17,6 +17,12 @@ std::string Quoted(const Path& path);
 // "1234567" as "1,234,567"
 std::string Grouped(std::uint64_t number);
 
+// With each control character but tab and LF as "\x1B": a terminal would obey it.
+std::string Harmless(const std::string& text);
+
+// The same for a sentence: without line ends at its end, and with LF as well.
+std::string OnOneLine(std::string text);
+
 // "1 file", "3 files"
 std::string Counted(std::size_t count, const std::string& what);
 

@@ -112,7 +112,7 @@ std::string LayoutText(const DryRun& run) {
         case Layout::Outer:
             return count + " in outer volumes";
         case Layout::Incomplete:
-            return "missing or not to be put together, of " + count + "; why: mediatool validate " +
+            return "not all of the " + count + " can be put together; why: mediatool validate " +
                    Typed(run.volumes->folders.front());
         case Layout::NotSplit:
             break;

@@ -15,8 +15,22 @@ struct Reason {
     std::string remedy;
 };
 
+// Messages that a variable may bring about.
+struct Culprit {
+    const char* message;
+    const char* variable;
+};
+constexpr Culprit kCulprits[] = {
+    {"The installer must be run from an elevated Command Prompt", "ZEPProcessNotAdmin"},
+    {"This media is not for Windows operating system.", "ZEPAdmInstODTinstallOSpath"},
+    {"Setup failed to create process", "DEBUGCMD_INSTALLK7"}};
+
+// Before the run, or by its command line.
 bool IsSet(const DryRun& run, const std::string& name) {
-    return std::ranges::count(run.setVariables, name, &SetVariable::name) > 0;
+    return std::ranges::count(run.setVariables, name, &SetVariable::name) > 0 ||
+           std::ranges::any_of(run.environment, [&name](const Change& change) {
+               return change.name == name && change.after;
+           });
 }
 
 Reason LeftoverVariable(const std::string& name) {
@@ -43,7 +57,7 @@ std::string Places(const DryRun& run) {
 Reason FailedStart(const DryRun& run, Reason reason) {
     const std::string& text = run.journal.messages.back().text;
     const std::size_t code = text.rfind("\nrc=");
-    if (!IsSet(run, "DEBUGCMD_INSTALLK7") && run.installer && !run.installer->fault.empty())
+    if (run.installer && !run.installer->fault.empty())
         reason.cause += ": " + run.installer->fault;
     else if (code != std::string::npos)
         reason.cause += " (code " + FirstLine(text.substr(code + 4)) + ")";
@@ -51,6 +65,9 @@ Reason FailedStart(const DryRun& run, Reason reason) {
 }
 
 Reason ReasonOf(const DryRun& run, const std::string& text) {
+    for (const Culprit& culprit : kCulprits)
+        if (text.starts_with(culprit.message) && IsSet(run, culprit.variable))
+            return LeftoverVariable(culprit.variable);
     const std::optional<Remedy> known = KnownMessage(text);
     if (!known) return {FirstLine(text), {}};
     Reason reason = {known->cause, known->remedy};
@@ -58,8 +75,6 @@ Reason ReasonOf(const DryRun& run, const std::string& text) {
     // The second message names the file.
     if (text.starts_with("Cannot copy the installer"))
         reason.cause = FirstLine(run.journal.messages.back().text);
-    if (text.starts_with("The installer must be run") && IsSet(run, "ZEPProcessNotAdmin"))
-        return LeftoverVariable("ZEPProcessNotAdmin");
     return reason;
 }
 

@@ -3,7 +3,9 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdio>
 
+#include "fs/encoding.h"
 #include "media/input_stream.h"
 #include "media/volume_files.h"
 
@@ -22,9 +24,10 @@ std::size_t ControlLength(const std::string& text, std::size_t i) {
 }  // namespace
 
 bool IsUtf16(const std::string& bytes) {
-    if (bytes.size() < 2) return false;
-    if ((bytes[0] == '\0') != (bytes[1] == '\0')) return true;
-    return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) return true;
+    if (bytes.size() < 4) return false;  // a stray zero byte is no second character
+    const auto isZero = [&bytes](std::size_t i) { return bytes[i] == '\0'; };
+    return isZero(0) != isZero(1) && isZero(0) == isZero(2) && isZero(1) == isZero(3);
 }
 
 std::vector<std::string> LinesOf(const std::string& bytes) {
@@ -53,6 +56,25 @@ std::string Visible(const std::string& text) {
         }
     }
     return visible;
+}
+
+std::string SpeltOut(const std::string& text) {
+    std::string spelt;
+    for (const wchar_t c : ToWide(Visible(text))) {
+        char unit[8] = {static_cast<char>(c)};
+        if (c > 0x7F) std::snprintf(unit, sizeof unit, "\\u%04X", static_cast<unsigned>(c));
+        spelt += unit;
+    }
+    return spelt;
+}
+
+std::wstring Composed(const std::string& text) {
+    const std::wstring wide = ToWide(text);
+    const int size = static_cast<int>(wide.size());
+    std::wstring composed(wide.size(), L'\0');
+    const int length = FoldStringW(MAP_PRECOMPOSED, wide.data(), size, composed.data(), size);
+    composed.resize(static_cast<std::size_t>(length));
+    return length > 0 ? composed : wide;
 }
 
 bool IsUtf8(const std::string& text) {

@@ -9,7 +9,7 @@ namespace launcher::mediatool {
 
 inline constexpr char kUtf8Mark[] = "\xEF\xBB\xBF";
 
-// By its mark, or without one by its first character, which is one of ASCII in these files.
+// By its mark, or without one by its first two characters, which are of ASCII in these files.
 bool IsUtf16(const std::string& bytes);
 
 // As the launcher cuts them: at LF, without one CR before it.
@@ -20,6 +20,13 @@ bool HasControlCharacter(const std::string& text);
 
 // The same text with its control characters, the tab among them, written out: "\x1A".
 std::string Visible(const std::string& text);
+
+// The same text with all characters outside ASCII written out as UTF-16: "\u00E9". Tells apart what
+// looks the same.
+std::string SpeltOut(const std::string& text);
+
+// The same text with letters and their accents in one piece.
+std::wstring Composed(const std::string& text);
 
 bool IsUtf8(const std::string& text);
 

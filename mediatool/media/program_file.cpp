@@ -26,33 +26,33 @@ std::optional<T> At(const std::string& bytes, std::size_t offset) {
     return value;
 }
 
-template <class Optional>
-bool HasSignature(const Optional& header) {
-    return header.NumberOfRvaAndSizes > IMAGE_DIRECTORY_ENTRY_SECURITY &&
-           header.DataDirectory[IMAGE_DIRECTORY_ENTRY_SECURITY].Size != 0;
+template <class Header>
+std::uint64_t CertificatesEnd(const std::optional<Header>& header) {
+    if (!header || header->NumberOfRvaAndSizes <= IMAGE_DIRECTORY_ENTRY_SECURITY) return 0;
+    const IMAGE_DATA_DIRECTORY& place = header->DataDirectory[IMAGE_DIRECTORY_ENTRY_SECURITY];
+    return place.Size == 0 ? 0 : std::uint64_t{place.VirtualAddress} + place.Size;
 }
 
-bool IsSigned(const std::string& bytes, std::size_t offset) {
-    const auto magic = At<WORD>(bytes, offset);
-    if (magic == IMAGE_NT_OPTIONAL_HDR64_MAGIC) {
-        const auto header = At<IMAGE_OPTIONAL_HEADER64>(bytes, offset);
-        return header && HasSignature(*header);
-    }
-    const auto header = At<IMAGE_OPTIONAL_HEADER32>(bytes, offset);
-    return header && HasSignature(*header);
+// Where in the file the certificates of a signature end; 0 without one.
+std::uint64_t CertificatesEnd(const std::string& bytes, std::size_t offset) {
+    if (At<WORD>(bytes, offset) == IMAGE_NT_OPTIONAL_HDR64_MAGIC)
+        return CertificatesEnd(At<IMAGE_OPTIONAL_HEADER64>(bytes, offset));
+    return CertificatesEnd(At<IMAGE_OPTIONAL_HEADER32>(bytes, offset));
 }
 
 // The headers of the sections follow the optional one; each says where in the file its part lies.
-bool EndsEarly(const std::string& bytes, std::size_t sections, std::size_t count,
-               std::uint64_t fileSize) {
+// The end of the last part; nothing when a header is not there.
+std::optional<std::uint64_t> SectionsEnd(const std::string& bytes, std::size_t sections,
+                                         std::size_t count) {
+    std::uint64_t end = sections + count * sizeof(IMAGE_SECTION_HEADER);
     for (std::size_t i = 0; i < count; ++i) {
         const auto section =
             At<IMAGE_SECTION_HEADER>(bytes, sections + i * sizeof(IMAGE_SECTION_HEADER));
-        if (!section) return true;
+        if (!section) return std::nullopt;
         const std::uint64_t start = section->PointerToRawData;
-        if (start != 0 && start + section->SizeOfRawData > fileSize) return true;
+        if (start != 0) end = std::max(end, start + section->SizeOfRawData);
     }
-    return false;
+    return end;
 }
 
 // The text of this name in a version resource; empty when there is none. Each text is a header, its
@@ -117,10 +117,15 @@ std::optional<ProgramFile> ReadProgramFile(const Path& path) {
     const std::optional<Entry> entry = Look(path);
     if (!entry) return std::nullopt;
     const std::size_t optional = start + sizeof(DWORD) + sizeof(IMAGE_FILE_HEADER);
+    const std::uint64_t certificates = CertificatesEnd(*bytes, optional);
+    const auto sections =
+        SectionsEnd(*bytes, optional + header->SizeOfOptionalHeader, header->NumberOfSections);
+    const std::uint64_t end = std::max(sections.value_or(0), certificates);
+    // Symbols, which only a program under development has, lie behind all else.
+    const bool hasSymbols = header->PointerToSymbolTable != 0;
     return ProgramFile{header->Machine, (header->Characteristics & IMAGE_FILE_DLL) != 0,
-                       IsSigned(*bytes, optional),
-                       EndsEarly(*bytes, optional + header->SizeOfOptionalHeader,
-                                 header->NumberOfSections, entry->size)};
+                       certificates != 0, !sections || *sections > entry->size,
+                       entry->size > end && !hasSymbols ? entry->size - end : 0};
 }
 
 std::string ProgramKind(const Path& path) {

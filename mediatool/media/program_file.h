@@ -10,10 +10,11 @@ namespace launcher::mediatool {
 
 // What a file says of itself as a Windows program.
 struct ProgramFile {
-    std::uint16_t machine;  // IMAGE_FILE_MACHINE_...
-    bool isLibrary;         // a DLL
-    bool isSigned;          // carries a signature, which nobody has looked at
-    bool isCutOff;          // ends before its headers say: Windows does not start it
+    std::uint16_t machine;        // IMAGE_FILE_MACHINE_...
+    bool isLibrary;               // a DLL
+    bool isSigned;                // carries a signature, which nobody has looked at
+    bool isCutOff;                // ends before its headers say: Windows does not start it
+    std::uint64_t trailingBytes;  // after its end, which a signature's certificates are part of
 
     bool Is64Bit() const;
     bool Is32Bit() const;

@@ -1,5 +1,6 @@
 #include "mediatool/run/command.h"
 
+#include <exception>
 #include <utility>
 
 #include "mediatool/base/failures.h"
@@ -8,27 +9,19 @@
 #include "mediatool/media/media_set.h"
 #include "mediatool/run/command_line.h"
 #include "mediatool/run/interruption.h"
+#include "mediatool/run/log_file.h"
 #include "mediatool/run/reporter.h"
 #include "mediatool/run/start.h"
 #include "mediatool/run/time_limit.h"
 
 namespace launcher::mediatool {
-namespace {
-
-void CheckLauncher(const std::string& launcher) {
-    const auto entry = Look(Path(launcher));
-    if (!entry) throw NotStarted("There is no launcher " + Quoted(launcher) + ".", kNoLauncher);
-    if (entry->isFolder) throw NotStarted(Quoted(launcher) + " is a folder.", kCannotStart);
-}
-
-}  // namespace
-
 RunCommand::RunCommand(CLI::App& app)
     : command(app.add_subcommand("run", "Run a media's launcher unattended.")) {
     command->add_option("media", media_, "The media's folder.")->required();
     command
         ->add_option("--time-limit", timeLimit_,
-                     "End the launcher after this time: a number with s, m, h or d.")
+                     "End the launcher after this time: a number of seconds, or with m, h or d "
+                     "of minutes, hours or days; a year at most.")
         ->type_name("TIME");
     command->add_option("--log", log_, "Add the lines, boxes and summary to a text file.")
         ->type_name("FILE");
@@ -50,15 +43,18 @@ int RunCommand::Run(std::vector<std::string> launcherArguments) {
     Reporter reporter(log_, json_);
     reporter.Begin(commandLine);
     try {
-        CheckLauncher(request.launcher);
+        CheckProgram(request.launcher);
         if (!WaitsForInstaller(request.arguments))
             reporter.Say("Without -wait, only the launcher is waited for, not the installer.");
         const WatchedRun run = RunWatched(request, interruption, reporter);
         reporter.Conclude(run, request);
         return static_cast<int>(run.exitCode);
     } catch (const NotStarted& failure) {
-        reporter.Say(failure.what());
+        reporter.ConcludeWith(failure.what(), failure.ExitCode());
         return failure.ExitCode();
+    } catch (const std::exception& failure) {  // also the log must end with the reason
+        reporter.ConcludeWith(failure.what(), kOwnMistake);
+        return kOwnMistake;
     }
 }
 
@@ -69,7 +65,10 @@ RunRequest RunCommand::Request(std::vector<std::string> launcherArguments) const
     request.launcher = Join(folder, kLauncherName).Text();
     request.arguments = std::move(launcherArguments);
     if (command->count("--time-limit") > 0) request.timeLimit = TimeLimitOf(timeLimit_);
-    if (command->count("--log") > 0 && log_.empty()) throw BadInput("--log is empty.");
+    if (command->count("--log") > 0) {
+        if (log_.empty()) throw BadInput("--log is empty.");
+        RefuseLogIn(folder, Path(request.launcher), log_);
+    }
     request.endInstaller = endInstaller_;
     return request;
 }

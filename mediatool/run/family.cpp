@@ -59,24 +59,37 @@ bool Family::LookForInstaller() {
     return members_.size() > 1;
 }
 
-std::optional<SeenInstaller> Family::Installer() const {
-    if (members_.size() == 1) return std::nullopt;
-    return SeenInstaller{members_[1].id, IsRunning(members_[1].process.Get())};
+SeenProcess Family::Seen(const Member& member) {
+    const bool runs = IsRunning(member.process.Get());
+    return {member.id, runs, member.wasToldToEnd && !runs};
 }
 
-void Family::EndLauncher(UINT exitCode) const {
-    TerminateProcess(Launcher(), exitCode);
+std::optional<SeenProcess> Family::Installer() const {
+    if (members_.size() == 1) return std::nullopt;
+    return Seen(members_[1]);
+}
+
+void Family::EndLauncher(UINT exitCode) {
+    Tell(members_.front(), exitCode);
     WaitForSingleObject(Launcher(), kPatience);
+}
+
+// Whether it obeys shows when it is looked at again.
+void Family::Tell(Member& member, UINT exitCode) {
+    if (IsRunning(member.process.Get())) member.wasToldToEnd = true;
+    TerminateProcess(member.process.Get(), exitCode);
 }
 
 void Family::EndAll(UINT exitCode) {
     AdoptChildren();
+    for (Member& member : members_)
+        member.wasToldToEnd = IsRunning(member.process.Get());
     if (job_) TerminateJobObject(job_.Get(), exitCode);
     // Without a job, and for those that left it. One that ends may just have started another.
     int rounds = 0;
     do {
-        for (const Member& member : members_)
-            TerminateProcess(member.process.Get(), exitCode);
+        for (Member& member : members_)
+            Tell(member, exitCode);
     } while (AdoptChildren() && ++rounds < kRounds);
     const ULONGLONG end = GetTickCount64() + kPatience;
     while (AnyRuns() && GetTickCount64() < end)

@@ -13,11 +13,13 @@ namespace launcher::mediatool {
 struct Member {
     DWORD id = 0;
     KernelObject process;
+    bool wasToldToEnd = false;
 };
 
-struct SeenInstaller {
+struct SeenProcess {
     DWORD processId = 0;
     bool stillRunning = false;
+    bool wasEnded = false;  // it did not end by itself
 };
 
 // A launcher and the processes that come from it.
@@ -26,8 +28,8 @@ class Family {
     explicit Family(Member launcher);
 
     // Has all that the launcher starts from now on end with it in EndAll, also what its parents no
-    // longer tell of. For a launcher that is suspended. On a Windows without nested jobs (7) inside
-    // a job of the caller's, it does nothing.
+    // longer tell of. For a launcher that was just started. On a Windows without nested jobs (7)
+    // inside a job of the caller's, it does nothing.
     void BindTogether();
 
     HANDLE Launcher() const { return members_.front().process.Get(); }
@@ -36,11 +38,12 @@ class Family {
     // Looks for what the launcher has started: the installer, or what DEBUGCMD_INSTALLK7 names.
     // True once it has been seen; one that begins and ends between two looks is not.
     bool LookForInstaller();
-    std::optional<SeenInstaller> Installer() const;
+    SeenProcess SeenLauncher() const { return Seen(members_.front()); }
+    std::optional<SeenProcess> Installer() const;
 
-    // Ends the launcher, with this exit code, and returns when it has ended. What it started goes
-    // on.
-    void EndLauncher(UINT exitCode) const;
+    // Ends the launcher, with this exit code, and returns when it has ended, or does not in ten
+    // seconds. What it started goes on.
+    void EndLauncher(UINT exitCode);
     // Ends the whole family likewise.
     void EndAll(UINT exitCode);
 
@@ -48,7 +51,9 @@ class Family {
     std::vector<DWORD> CrashReporters() const;
 
   private:
+    static SeenProcess Seen(const Member& member);
     bool AdoptChildren();
+    void Tell(Member& member, UINT exitCode);
     bool AnyRuns() const;
 
     std::vector<Member> members_;  // the launcher first, then the installer

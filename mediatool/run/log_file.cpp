@@ -8,6 +8,27 @@
 #include "mediatool/base/sentences.h"
 
 namespace launcher::mediatool {
+namespace {
+
+bool IsSame(const Path& left, const Path& right) {
+    const auto identity = IdentityOf(left.Text());
+    return SameName(left, right) || (identity && identity == IdentityOf(right.Text()));
+}
+
+bool LiesIn(const Path& path, const Path& folder) {
+    for (Path above = path; !IsEmpty(above); above = Parent(above))
+        if (IsSame(above, folder)) return true;
+    return false;
+}
+
+}  // namespace
+
+void RefuseLogIn(const Path& folder, const Path& launcher, const std::string& log) {
+    const Path path = FullPath(log);
+    if (IsSame(path, launcher) || LiesIn(path, folder) || LiesIn(FinalPath(path), folder))
+        throw BadInput("The log " + Quoted(log) +
+                       " lies in the media, which must stay as it is; give it another place.");
+}
 
 LogFile::LogFile(const std::string& path) {
     const Path full = FullPath(path);

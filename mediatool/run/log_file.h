@@ -3,6 +3,7 @@
 #include <string>
 
 #include "fs/owners.h"
+#include "fs/path.h"
 
 namespace launcher::mediatool {
 
@@ -22,5 +23,9 @@ class LogFile {
   private:
     FileHandle file_;
 };
+
+// Throws BadInput when `log` is a file of the media in `folder`, whose launcher it might be, by
+// whatever path: to add to it would damage the media.
+void RefuseLogIn(const Path& folder, const Path& launcher, const std::string& log);
 
 }  // namespace launcher::mediatool

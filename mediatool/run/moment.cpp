@@ -34,6 +34,17 @@ std::string ClockOf(const SYSTEMTIME& time) {
     return Digits(time.wHour, 2) + ":" + Digits(time.wMinute, 2) + ":" + Digits(time.wSecond, 2);
 }
 
+// "+02:00"
+std::string ZoneOf(Moment moment, const SYSTEMTIME& local) {
+    constexpr Moment kMinute = 600'000'000;
+    FILETIME time{};
+    SystemTimeToFileTime(&local, &time);
+    const Moment there = ((Moment{time.dwHighDateTime} << 32) | time.dwLowDateTime) / kMinute;
+    const Moment here = moment / kMinute;
+    const Moment minutes = there > here ? there - here : here - there;
+    return (there < here ? "-" : "+") + Digits(minutes / 60, 2) + ":" + Digits(minutes % 60, 2);
+}
+
 }  // namespace
 
 Moment Now() {
@@ -48,7 +59,7 @@ std::string ClockText(Moment moment) {
 
 std::string DateAndClockText(Moment moment) {
     const SYSTEMTIME local = InLocalTime(moment);
-    return DateOf(local) + " " + ClockOf(local);
+    return DateOf(local) + " " + ClockOf(local) + " " + ZoneOf(moment, local);
 }
 
 std::string UtcText(Moment moment) {

@@ -14,7 +14,7 @@ Moment Now();
 // "09:30:00", in this machine's time zone.
 std::string ClockText(Moment moment);
 
-// "2027-05-04 09:30:00", likewise.
+// "2027-05-04 09:30:00 +02:00", likewise, with what this zone is ahead of UTC.
 std::string DateAndClockText(Moment moment);
 
 // "2027-05-04T07:30:00.000Z": UTC, for programs.

@@ -26,9 +26,11 @@ const char* NameOf(EndedBy endedBy) {
         case EndedBy::TimeLimit:
             return "time-limit";
         case EndedBy::Interrupt:
+            return "interrupt";
+        case EndedBy::Failure:
             break;
     }
-    return "interrupt";
+    return "failure";
 }
 
 Json JsonOf(const std::vector<AnsweredBox>& boxes) {
@@ -47,9 +49,9 @@ Json JsonOf(const std::vector<SeenLine>& lines) {
     return list;
 }
 
-Json JsonOf(const std::optional<SeenInstaller>& installer) {
-    if (!installer) return nullptr;
-    return {{"processId", installer->processId}, {"stillRunning", installer->stillRunning}};
+Json JsonOf(const std::optional<SeenProcess>& process) {
+    if (!process) return nullptr;
+    return {{"processId", process->processId}, {"stillRunning", process->stillRunning}};
 }
 
 }  // namespace
@@ -62,7 +64,10 @@ Json JsonOf(const WatchedRun& run) {
             {"seconds", static_cast<double>(run.milliseconds) / 1000},
             {"boxes", JsonOf(run.boxes)},
             {"lines", JsonOf(run.lines)},
-            {"installer", JsonOf(run.installer)}};
+            {"linesLeftOut", run.linesLeftOut},
+            {"launcher", JsonOf(run.launcher)},
+            {"installer", JsonOf(run.installer)},
+            {"error", run.failure.empty() ? Json() : Json(run.failure)}};
 }
 
 }  // namespace launcher::mediatool

@@ -4,6 +4,7 @@
 #include "fs/environment.h"
 #include "fs/text.h"
 #include "mediatool/base/console.h"
+#include "mediatool/base/sentences.h"
 #include "mediatool/media/remedies.h"
 #include "mediatool/run/command_line.h"
 #include "mediatool/run/launcher_line.h"
@@ -44,14 +45,27 @@ std::string CodeText(std::uint32_t code) {
     return text + ")";
 }
 
-std::string InstallerNumber(const WatchedRun& run) {
-    return "process " + std::to_string(run.installer->processId);
+std::string Numbered(const std::string& name, const SeenProcess& process) {
+    return "the " + name + ", process " + std::to_string(process.processId) + ",";
 }
 
-std::string MeaningOfAnEnd(const WatchedRun& run, const std::string& what) {
-    if (!run.installer) return what + ": the launcher was ended; no installer was seen.";
-    return what + ": the launcher was ended; the installer, " + InstallerNumber(run) +
-           (run.installer->stillRunning ? ", goes on." : ", has ended.");
+std::string LaunchersEnd(const WatchedRun& run) {
+    if (run.launcher->stillRunning) return Numbered("launcher", *run.launcher) + " cannot be ended";
+    return run.launcher->wasEnded ? "the launcher was ended" : "the launcher has ended";
+}
+
+std::string InstallersEnd(const WatchedRun& run, const RunRequest& request) {
+    if (!run.installer) return "no installer was seen";
+    const std::string installer = Numbered("installer", *run.installer);
+    if (run.installer->wasEnded) return installer + " was ended too";
+    if (!run.installer->stillRunning) return installer + " has ended";
+    return installer + (request.endInstaller ? " cannot be ended" : " goes on");
+}
+
+std::string MeaningOfAnEnd(const WatchedRun& run, const RunRequest& request,
+                           const std::string& what) {
+    if (!run.launcher) return what + " before the launcher was started.";
+    return what + ": " + LaunchersEnd(run) + "; " + InstallersEnd(run, request) + ".";
 }
 
 // After this one there was an installer.
@@ -67,7 +81,7 @@ void AddBoxes(Summary& summary, const WatchedRun& run) {
     if (run.boxes.empty()) return;
     summary.Heading("Boxes, each of which would have waited");
     for (const AnsweredBox& box : run.boxes)
-        summary.Item(box.box.text);
+        summary.Item(Harmless(box.box.text));
 }
 
 struct Advice {
@@ -91,7 +105,7 @@ void AddAdvice(Summary& summary, const WatchedRun& run) {
             Advise(advice, MessageOf(line.text));
     if (!advice.empty()) summary.Heading("What to do");
     for (const Advice& item : advice) {
-        summary.Item(item.message);
+        summary.Item(Harmless(item.message));
         summary.Item(item.remedy, 4);
     }
 }
@@ -106,8 +120,11 @@ std::string WithoutLineEnds(std::string text) {
 }
 
 std::string MeaningOf(const WatchedRun& run, const RunRequest& request) {
-    if (run.endedBy == EndedBy::TimeLimit) return MeaningOfAnEnd(run, "The time limit is over");
-    if (run.endedBy == EndedBy::Interrupt) return MeaningOfAnEnd(run, "Interrupted");
+    if (run.endedBy == EndedBy::TimeLimit)
+        return MeaningOfAnEnd(run, request, "The time limit is over");
+    if (run.endedBy == EndedBy::Interrupt) return MeaningOfAnEnd(run, request, "Interrupted");
+    if (run.endedBy == EndedBy::Failure)
+        return MeaningOfAnEnd(run, request, "mediatool failed (" + run.failure + ")");
     const bool waits = WaitsForInstaller(request.arguments);
     if (run.installer && waits && !AnyBox(run, kCrashed)) return "The installer's own.";
     if (run.exitCode == 1 && !run.boxes.empty())

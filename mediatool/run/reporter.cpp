@@ -1,10 +1,12 @@
 #include "mediatool/run/reporter.h"
 
+#include <windows.h>
+
+#include <algorithm>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "fs/text.h"
-#include "mediatool/base/failures.h"
-#include "mediatool/base/files.h"
 #include "mediatool/base/json.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/run/report.h"
@@ -32,39 +34,45 @@ std::string SourceOf(Origin origin) {
 std::string LineOf(Moment at, const std::string& source, const std::string& text) {
     std::string line = ClockText(at) + "  " + source;
     line.append(kSourceWidth - source.size(), ' ');
-    std::string indented = WithoutLineEnds(text);
+    std::string indented = Harmless(WithoutLineEnds(text));
     ReplaceAll(indented, "\n", "\n" + std::string(kClockWidth + kSourceWidth, ' '), 0);
     return line + indented + "\n";
 }
 
-LogFile OpenLog(const std::string& path) {
-    return path.empty() ? LogFile() : LogFile(path);
-}
-
 }  // namespace
 
-Reporter::Reporter(const std::string& log, bool json)
-    : log_(OpenLog(log)), logName_(log), json_(json) {}
+Reporter::Reporter(const std::string& log, bool json) : json_(json) {
+    if (!log.empty()) log_.emplace(log);
+}
 
 void Reporter::Begin(const std::string& commandLine) {
-    if (log_.Add("==== " + DateAndClockText(Now()) + "  " + commandLine + "\n")) return;
-    const std::string reason = LastErrorText();
-    throw BadInput("The log " + Quoted(logName_) + " cannot be written: " + reason + ".");
+    if (log_)
+        log_->Begin("==== " + DateAndClockText(Now()) + "  process " +
+                    std::to_string(GetCurrentProcessId()) + "  " + OnOneLine(commandLine));
 }
 
 void Reporter::Say(const std::string& sentence) {
     status_.Clear();
-    screen_.Error("mediatool: " + sentence + "\n");
-    Log(LineOf(Now(), "mediatool", sentence));
+    screen_.Error("mediatool: " + OnOneLine(sentence) + "\n");
+    Log(LineOf(Now(), "mediatool", OnOneLine(sentence)));
 }
 
 void Reporter::Conclude(const WatchedRun& run, const RunRequest& request) {
     status_.Clear();
+    TellLinesLeftOut();
+    SayWhatIsMissing(run);
+    if (run.endedBy == EndedBy::Failure) Say(MeaningOf(run, request));
     screen_.Out(json_ ? Printed(JsonOf(run)) : TextOf(run, request, /*coloured=*/true));
     Log(TextOf(run, request, /*coloured=*/false));
+    FinishLog();
 }
 
-// All together: each piece of the log waits for the disk.
+void Reporter::ConcludeWith(const std::string& sentence, int exitCode) {
+    Say(sentence);
+    if (json_) screen_.Out(Printed(FailureJson("run", exitCode, sentence)));
+    FinishLog();
+}
+
 void Reporter::Saw(const std::vector<SeenLine>& lines) {
     std::string told;
     for (const SeenLine& line : lines)
@@ -82,24 +90,47 @@ void Reporter::Saw(const AnsweredBox& box) {
 }
 
 void Reporter::TimePassed(std::uint64_t milliseconds) {
-    status_.Show(milliseconds, last_);
+    if (const auto failure = log_ ? log_->NewFailure() : std::nullopt) Say(*failure);
+    if (!screen_.IsFull()) status_.Show(milliseconds, last_);
 }
 
+// Nobody may be reading: then the screen's part must not grow for ever.
 void Reporter::Tell(const std::string& lines) {
-    if (!json_) {
+    if (!json_ && screen_.IsFull()) {
+        leftOut_ += static_cast<std::size_t>(std::ranges::count(lines, '\n'));
+    } else if (!json_) {
         status_.Clear();
+        TellLinesLeftOut();
         screen_.Out(lines);
     }
     Log(lines);
 }
 
-// A disk that is full, or gone, must not stop the watching.
+void Reporter::TellLinesLeftOut() {
+    if (leftOut_ == 0) return;
+    screen_.Out(LineOf(Now(), "mediatool",
+                       Counted(std::exchange(leftOut_, 0), "line") +
+                           " left out here: nobody read them." +
+                           (log_ ? " The log has them all." : "")));
+}
+
+void Reporter::SayWhatIsMissing(const WatchedRun& run) {
+    if (json_ && run.linesLeftOut > 0)
+        Say("The JSON holds " + std::to_string(kKeptLines >> 20) + " MB of lines; the last " +
+            std::to_string(run.linesLeftOut) + " are left out of it." +
+            (log_ ? " The log has them all." : ""));
+    if (run.bytesLeft > 0)
+        Say("The last " + std::to_string(run.bytesLeft) +
+            " bytes of output were not taken down: there was no time for them.");
+}
+
 void Reporter::Log(const std::string& text) {
-    if (logFailed_ || log_.Add(text)) return;
-    const std::string reason = LastErrorText();
-    logFailed_ = true;
-    screen_.Error("mediatool: The log " + Quoted(logName_) +
-                  " can no longer be written: " + reason + ".\n");
+    if (log_) log_->Add(text);
+}
+
+void Reporter::FinishLog() {
+    if (const auto failure = log_ ? log_->Finish() : std::nullopt)
+        screen_.Error("mediatool: " + *failure + "\n");
 }
 
 }  // namespace launcher::mediatool

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 
-#include "mediatool/run/log_file.h"
 #include "mediatool/run/run.h"
+#include "mediatool/run/run_log.h"
 #include "mediatool/run/status_line.h"
 
 namespace launcher::mediatool {
@@ -23,19 +25,24 @@ class Reporter final : public Witness {
     void Say(const std::string& sentence);
     // The summary, or the report for programs.
     void Conclude(const WatchedRun& run, const RunRequest& request);
+    // The end of a run that has no more to tell than a sentence.
+    void ConcludeWith(const std::string& sentence, int exitCode);
 
     void Saw(const std::vector<SeenLine>& lines) override;
     void Saw(const AnsweredBox& box) override;
     void TimePassed(std::uint64_t milliseconds) override;
+    bool TakesMore() override { return !log_ || !log_->IsFull(); }
 
   private:
     void Tell(const std::string& lines);
+    void TellLinesLeftOut();
+    void SayWhatIsMissing(const WatchedRun& run);
     void Log(const std::string& text);
+    void FinishLog();
 
-    LogFile log_;
-    std::string logName_;
-    bool logFailed_ = false;
+    std::optional<RunLog> log_;
     bool json_;
+    std::size_t leftOut_ = 0;  // lines that the screen did not take in time
     Screen screen_;
     StatusLine status_{screen_};
     std::string last_;  // message

@@ -1,9 +1,11 @@
 #include "mediatool/run/run.h"
 
 #include <algorithm>
+#include <exception>
 
 #include "mediatool/run/command_line.h"
 #include "mediatool/run/interruption.h"
+#include "mediatool/run/processes.h"
 #include "mediatool/run/start.h"
 #include "mediatool/run/streams.h"
 
@@ -12,6 +14,14 @@ namespace {
 
 constexpr DWORD kTick = 50;               // milliseconds
 constexpr ULONGLONG kReportsEvery = 500;  // to look for reports of a crash, which costs more
+
+constexpr ULONGLONG kLastLinesTime = 10000;  // milliseconds
+constexpr std::size_t kBytesBesideALine = 100;
+
+int ExitCodeOf(EndedBy endedBy) {
+    if (endedBy == EndedBy::TimeLimit) return kTimeLimitReached;
+    return endedBy == EndedBy::Interrupt ? kInterrupted : kOwnMistake;
+}
 
 class Watch {
   public:
@@ -27,6 +37,30 @@ class Watch {
     }
 
     WatchedRun ToTheEnd() {
+        Try(&Watch::Follow);
+        if (run_.endedBy == EndedBy::Launcher)
+            TakeExitCode();
+        else
+            Try(&Watch::EndProcesses);
+        Try(&Watch::TakeWhatIsLeft);
+        if (run_.endedBy == EndedBy::Failure) EndAfterFailure();
+        run_.launcher = family_.SeenLauncher();
+        run_.installer = family_.Installer();
+        return std::move(run_);
+    }
+
+  private:
+    // Whatever it is: what was started must not be left to itself because of it.
+    void Try(void (Watch::*step)()) {
+        try {
+            (this->*step)();
+        } catch (const std::exception& failure) {
+            run_.endedBy = EndedBy::Failure;
+            run_.failure = failure.what();
+        }
+    }
+
+    void Follow() {
         bool ended = false;
         while (!ended) {
             ended = WaitsForATick();
@@ -35,16 +69,8 @@ class Watch {
             run_.milliseconds = GetTickCount64() - start_;
             witness_.TimePassed(run_.milliseconds);
         }
-        if (run_.endedBy == EndedBy::Launcher)
-            TakeExitCode();
-        else
-            EndProcesses();
-        run_.installer = family_.Installer();
-        if (!run_.installer || !run_.installer->stillRunning) TakeRests();
-        return std::move(run_);
     }
 
-  private:
     // True when it is over, one way or another.
     bool WaitsForATick() {
         const HANDLE events[] = {family_.Launcher(), interruption_.Event()};
@@ -60,24 +86,46 @@ class Watch {
     // What was written until the installer is seen for the first time may be either's.
     void FollowStreams() {
         TakeLines();
-        if (installerIsThere_ || !family_.LookForInstaller()) return;
+        if (installerIsThere_ || !family_.LookForInstaller() || !witness_.TakesMore()) return;
         TakeLines();
         installerIsThere_ = true;
     }
 
     void TakeLines() {
+        if (!witness_.TakesMore()) return;
         for (WatchedStream* const stream : {&output_, &errors_})
             Add(stream->TakeLines(installerIsThere_));
     }
 
-    void TakeRests() {
+    // What was written by now: somebody may go on writing. The one who takes the lines may be slow,
+    // but not for ever.
+    void TakeWhatIsLeft() {
+        const std::uint64_t sizes[] = {output_.Size(), errors_.Size()};
+        const auto bytesLeft = [&] {
+            return sizes[0] - std::min(sizes[0], output_.Taken()) + sizes[1] -
+                   std::min(sizes[1], errors_.Taken());
+        };
+        const ULONGLONG end = GetTickCount64() + kLastLinesTime;
+        while (bytesLeft() > 0 && GetTickCount64() < end) {
+            if (!witness_.TakesMore()) Sleep(kTick);
+            TakeLines();
+        }
+        run_.bytesLeft = bytesLeft();
+        const auto installer = family_.Installer();
+        if (run_.bytesLeft > 0 || (installer && installer->stillRunning)) return;
         for (WatchedStream* const stream : {&output_, &errors_})
             Add(stream->TakeRest());
     }
 
     void Add(const std::vector<SeenLine>& lines) {
         if (!lines.empty()) witness_.Saw(lines);
-        run_.lines.insert(run_.lines.end(), lines.begin(), lines.end());
+        for (const SeenLine& line : lines) {
+            keptBytes_ += line.text.size() + kBytesBesideALine;
+            if (keptBytes_ <= kKeptLines)
+                run_.lines.push_back(line);
+            else
+                ++run_.linesLeftOut;
+        }
     }
 
     void AnswerBoxes() {
@@ -99,13 +147,17 @@ class Watch {
 
     // The launcher may have started the installer just before.
     void EndProcesses() {
-        const int exitCode = run_.endedBy == EndedBy::TimeLimit ? kTimeLimitReached : kInterrupted;
-        run_.exitCode = static_cast<std::uint32_t>(exitCode);
+        run_.exitCode = static_cast<std::uint32_t>(ExitCodeOf(run_.endedBy));
         if (request_.endInstaller)
             family_.EndAll(run_.exitCode);
         else
             family_.EndLauncher(run_.exitCode);
-        FollowStreams();
+        family_.LookForInstaller();
+    }
+
+    void EndAfterFailure() {
+        run_.exitCode = static_cast<std::uint32_t>(kOwnMistake);
+        if (IsRunning(family_.Launcher())) family_.EndLauncher(run_.exitCode);
     }
 
     const RunRequest& request_;
@@ -119,6 +171,7 @@ class Watch {
     std::vector<DWORD> reporters_;
     ULONGLONG reportersLookedFor_ = 0;
     bool installerIsThere_ = false;
+    std::size_t keptBytes_ = 0;  // what the lines so far come to
     WatchedRun run_;
 };
 
@@ -126,7 +179,12 @@ class Watch {
 
 WatchedRun RunWatched(const RunRequest& request, const Interruption& interruption,
                       Witness& witness) {
-    if (interruption.HasCome()) return {kInterrupted, EndedBy::Interrupt, 0, {}, {}, {}};
+    if (interruption.HasCome()) {
+        WatchedRun run;
+        run.exitCode = kInterrupted;
+        run.endedBy = EndedBy::Interrupt;
+        return run;
+    }
     // Wine starts the desktop for the process that first asks for one, as its child: not the
     // launcher's, then. Windows has it.
     GetDesktopWindow();

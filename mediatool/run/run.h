@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -43,7 +44,10 @@ struct AnsweredBox {
     Moment at = 0;
 };
 
-enum class EndedBy { Launcher, TimeLimit, Interrupt };
+enum class EndedBy { Launcher, TimeLimit, Interrupt, Failure };
+
+// The lines that are kept of a run, in bytes, each with 100 for what else there is of it.
+inline constexpr std::size_t kKeptLines = 32 << 20;
 
 // Everything about one watched run.
 struct WatchedRun {
@@ -51,8 +55,12 @@ struct WatchedRun {
     EndedBy endedBy = EndedBy::Launcher;
     std::uint64_t milliseconds = 0;
     std::vector<AnsweredBox> boxes;
-    std::vector<SeenLine> lines;
-    std::optional<SeenInstaller> installer;
+    std::vector<SeenLine> lines;          // the first ones
+    std::uint64_t linesLeftOut = 0;       // the others: there is no room for them
+    std::uint64_t bytesLeft = 0;          // that were written, and not taken down in time
+    std::optional<SeenProcess> launcher;  // nothing when it was not started
+    std::optional<SeenProcess> installer;
+    std::string failure;  // of mediatool, which ended the run
 };
 
 // Is told what happens, as it happens.
@@ -62,12 +70,15 @@ class Witness {
     virtual void Saw(const std::vector<SeenLine>& lines) = 0;
     virtual void Saw(const AnsweredBox& box) = 0;
     virtual void TimePassed(std::uint64_t milliseconds) = 0;
+    // While it does not, lines stay in the files that they were written to.
+    virtual bool TakesMore() = 0;
 };
 
 // Starts a launcher, answers its boxes, and watches it to its end, to the time limit or to an
-// interruption; after one, it is not started at all. Sets nothing of this process that the launcher
-// or the installer would inherit. Throws NotStarted, and std::runtime_error when there is no place
-// for the streams.
+// interruption; after one, it is not started at all. A failure of the watching ends it too: nobody
+// would answer its boxes any more. Sets nothing of this process that the launcher or the installer
+// would inherit. Throws before anything is started only: NotStarted, and std::runtime_error when
+// there is no place for the streams.
 WatchedRun RunWatched(const RunRequest& request, const Interruption& interruption,
                       Witness& witness);
 

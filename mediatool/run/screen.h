@@ -1,7 +1,8 @@
 #pragma once
 
-#include <memory>
 #include <string>
+
+#include "mediatool/run/outbox.h"
 
 namespace launcher::mediatool {
 
@@ -9,7 +10,7 @@ namespace launcher::mediatool {
 // that somebody holds, must not stop the watching. Texts are UTF-8, and come out in their order.
 class Screen {
   public:
-    Screen();
+    Screen() = default;
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
     // Waits until all is written; gives up when nothing more is taken for ten seconds.
@@ -19,9 +20,11 @@ class Screen {
     void Out(const std::string& text);
     void Error(const std::string& text);
 
+    // Whether as much waits to be written as is to be kept: what can be left out, should be.
+    bool IsFull() const;
+
   private:
-    class Queue;
-    std::shared_ptr<Queue> queue_;  // the thread's as well, which may outlive this object
+    Outbox outbox_;
 };
 
 }  // namespace launcher::mediatool

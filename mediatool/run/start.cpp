@@ -44,15 +44,22 @@ FileHandle NoInput() {
                                   &inheritable, OPEN_EXISTING, 0, nullptr));
 }
 
-[[noreturn]] void ThrowNotStarted(const std::string& program) {
-    const DWORD error = GetLastError();
-    const std::string reason = LastErrorText();
-    throw NotStarted("Windows cannot start " + Quoted(program) + ": " + reason + " (error " +
-                         std::to_string(error) + ").",
+[[noreturn]] void ThrowNotStarted(const std::string& program, DWORD error) {
+    throw NotStarted("Windows cannot start " + Quoted(program) + ": " + ErrorText(error) +
+                         " (error " + std::to_string(error) + ").",
                      kCannotStart);
 }
 
 }  // namespace
+
+void CheckProgram(const std::string& program) {
+    const auto entry = Look(Path(program));
+    const DWORD error = entry ? ERROR_SUCCESS : GetLastError();
+    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
+        throw NotStarted("There is no launcher " + Quoted(program) + ".", kNoLauncher);
+    if (!entry) ThrowNotStarted(program, error);
+    if (entry->isFolder) throw NotStarted(Quoted(program) + " is a folder.", kCannotStart);
+}
 
 Family StartFamily(const std::string& program, const std::string& commandLine, HANDLE output,
                    HANDLE errors, bool bound) {
@@ -69,15 +76,15 @@ Family StartFamily(const std::string& program, const std::string& commandLine, H
     const std::wstring path = ToWide(program);
     std::wstring line = ToWide(commandLine);  // Windows may write into it
     // Windows gives a program with windows no console. Wine would give it this one, and Ctrl+C.
-    constexpr DWORD kFlags = CREATE_SUSPENDED | EXTENDED_STARTUPINFO_PRESENT | DETACHED_PROCESS;
+    constexpr DWORD kFlags = EXTENDED_STARTUPINFO_PRESENT | DETACHED_PROCESS;
     PROCESS_INFORMATION created{};
     if (!CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, kFlags, nullptr, nullptr,
                         &startup.StartupInfo, &created))
-        ThrowNotStarted(program);
+        ThrowNotStarted(program, GetLastError());
     const KernelObject thread(created.hThread);
     Family family({created.dwProcessId, KernelObject(created.hProcess)});
+    // Not suspended until then: if this process were killed now, nobody would let it go on.
     if (bound) family.BindTogether();
-    ResumeThread(thread.Get());
     return family;
 }
 

@@ -20,6 +20,9 @@ class NotStarted : public std::runtime_error {
     int exitCode_;
 };
 
+// Throws NotStarted when there is no such file, or none that can be looked at.
+void CheckProgram(const std::string& program);
+
 // Starts `program` with a command line of its own (both UTF-8) as this process was started: with
 // its environment, current folder, rights, error mode and desktop. It inherits the two streams, an
 // input that is at its end, and nothing else. `bound`: see Family::BindTogether. Throws NotStarted.

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "fs/encoding.h"
+#include "mediatool/base/sentences.h"
 #include "mediatool/run/moment.h"
 
 namespace launcher::mediatool {
@@ -19,13 +20,23 @@ std::size_t Columns() {
 
 }  // namespace
 
+std::wstring StatusText(std::uint64_t milliseconds, const std::string& message,
+                        std::size_t columns) {
+    const std::string line = message.substr(0, message.find_first_of("\r\n"));
+    std::string text = Harmless(LengthText(milliseconds) + "  " + line);
+    std::ranges::replace(text, '\t', ' ');  // whose width nobody knows
+    std::wstring wide = ToWide(text);
+    wide.resize(std::min(wide.size(), columns));
+    if (!wide.empty() && IS_HIGH_SURROGATE(wide.back())) wide.pop_back();
+    return wide;
+}
+
 void StatusLine::Show(std::uint64_t milliseconds, const std::string& message) {
     if (second_ == milliseconds / 1000) return;
     second_ = milliseconds / 1000;
     const std::size_t columns = Columns();
     if (columns == 0) return;
-    std::wstring text = ToWide(LengthText(milliseconds) + "  " + message);
-    text.resize(std::min({text.size(), columns, text.find_first_of(L"\r\n")}));
+    const std::wstring text = StatusText(milliseconds, message, columns);
     const std::size_t blanks = shown_ > text.size() ? shown_ - text.size() : 0;
     screen_.Error("\r" + ToNarrow(text.c_str()) + std::string(blanks, ' '));
     shown_ = text.size();

@@ -7,6 +7,11 @@
 
 namespace launcher::mediatool {
 
+// How much time has passed, and the first line of a message, as far as `columns` UTF-16 code units
+// go.
+std::wstring StatusText(std::uint64_t milliseconds, const std::string& message,
+                        std::size_t columns);
+
 // On a terminal, the last line: how much time has passed, and the last message. It stands on the
 // standard error stream; nothing is shown anywhere else.
 class StatusLine {

@@ -13,6 +13,8 @@ namespace launcher::mediatool {
 namespace {
 
 constexpr std::size_t kReadAtOnce = 1 << 16;
+constexpr std::uint64_t kTakeAtOnce = 4 << 20;
+constexpr std::size_t kLongestLine = 1 << 20;
 constexpr char kReplacement[] = "\xEF\xBF\xBD";
 
 // The user's folder; for a user whose TEMP leads nowhere, the one that every Windows has.
@@ -43,8 +45,7 @@ FileHandle NewFileIn(const std::wstring& folder, std::wstring& path) {
     }
 }
 
-std::string WellFormed(std::string line) {
-    if (line.ends_with('\r')) line.pop_back();
+std::string WellFormed(const std::string& line) {
     // In one pass: what an installer writes may be megabytes of zero bytes.
     std::string readable;
     for (const char byte : line)
@@ -70,28 +71,43 @@ StreamFile::StreamFile() {
             "There is no temporary folder to follow the launcher's output in.");
 }
 
-std::vector<std::string> StreamFile::TakeLines() {
+std::uint64_t StreamFile::Size() const {
     LARGE_INTEGER size{};
-    LARGE_INTEGER position{};
     GetFileSizeEx(reader_.Get(), &size);
-    SetFilePointerEx(reader_.Get(), {}, &position, FILE_CURRENT);
+    return static_cast<std::uint64_t>(size.QuadPart);
+}
+
+std::vector<std::string> StreamFile::TakeLines() {
     std::vector<std::string> lines;
     std::string piece(kReadAtOnce, '\0');
-    for (auto left = size.QuadPart - position.QuadPart; left > 0;) {
-        const auto wanted = std::min<long long>(left, kReadAtOnce);
+    for (auto left = std::min<std::uint64_t>(Size() - taken_, kTakeAtOnce); left > 0;) {
+        const auto wanted = static_cast<DWORD>(std::min<std::uint64_t>(left, kReadAtOnce));
         DWORD count = 0;
-        if (!::ReadFile(reader_.Get(), piece.data(), static_cast<DWORD>(wanted), &count, nullptr) ||
-            count == 0)
-            break;
+        if (!::ReadFile(reader_.Get(), piece.data(), wanted, &count, nullptr) || count == 0) break;
         left -= count;
-        std::size_t start = 0;
-        for (std::size_t end; (end = piece.find('\n', start)) < count; start = end + 1) {
-            rest_.append(piece, start, end - start);
-            lines.push_back(WellFormed(std::exchange(rest_, {})));
-        }
-        rest_.append(piece, start, count - start);
+        taken_ += count;
+        Split(std::string_view(piece).substr(0, count), lines);
     }
     return lines;
+}
+
+void StreamFile::Split(std::string_view bytes, std::vector<std::string>& lines) {
+    for (const char byte : bytes) {
+        if (byte == '\r') {
+            returned_ = true;
+            continue;
+        }
+        if (byte == '\n' || (returned_ && !rest_.empty()) || IsFullBefore(byte))
+            lines.push_back(WellFormed(std::exchange(rest_, {})));
+        returned_ = false;
+        if (byte != '\n') rest_ += byte;
+    }
+}
+
+// Between characters, if there are any.
+bool StreamFile::IsFullBefore(char byte) const {
+    const bool isInCharacter = (byte & 0xC0) == 0x80;
+    return rest_.size() >= kLongestLine + (isInCharacter ? 3 : 0);
 }
 
 std::string StreamFile::TakeRest() {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fs/owners.h"
@@ -22,15 +24,25 @@ class StreamFile {
     void CloseWriter() { writer_.Reset(); }
 
     // The lines completed since the last call, without their ends, in UTF-8: what is none, or is a
-    // zero byte, stands as U+FFFD. Comes to an end however fast somebody writes.
+    // zero byte, stands as U+FFFD. A line ends with LF or CR LF; with CR alone, after which a
+    // terminal would write over it; and after 1 MB. Takes 4 MB at most.
     std::vector<std::string> TakeLines();
     // What is there of a line that nobody will complete.
     std::string TakeRest();
 
+    // In bytes: of all that was written, and of what was taken of it.
+    std::uint64_t Size() const;
+    std::uint64_t Taken() const { return taken_; }
+
   private:
+    void Split(std::string_view bytes, std::vector<std::string>& lines);
+    bool IsFullBefore(char byte) const;
+
     FileHandle writer_;
     FileHandle reader_;
-    std::string rest_;  // of a line whose end has not come
+    std::uint64_t taken_ = 0;
+    std::string rest_;       // of a line whose end has not come
+    bool returned_ = false;  // after a CR
 };
 
 }  // namespace launcher::mediatool

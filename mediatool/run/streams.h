@@ -21,10 +21,14 @@ class WatchedStream {
     HANDLE ForLauncher() const { return file_.Writer(); }
     void CloseOwnEnd() { file_.CloseWriter(); }
 
-    // The lines that are complete. `installerIsThere`: it was before what is read here was written.
+    // The lines that are complete, 4 MB at most. `installerIsThere`: it was before what is read
+    // here was written.
     std::vector<SeenLine> TakeLines(bool installerIsThere);
     // The last one, without its end, when nobody is left to complete it.
     std::vector<SeenLine> TakeRest();
+
+    std::uint64_t Size() const { return file_.Size(); }
+    std::uint64_t Taken() const { return file_.Taken(); }
 
   private:
     SeenLine Attributed(std::string text);

@@ -27,9 +27,12 @@ std::uint64_t TimeLimitOf(const std::string& text) {
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number);
     const auto unit = SecondsIn({rest, static_cast<std::size_t>(end - rest)});
-    if (error != std::errc() || !unit || number == 0 || number > kYear / *unit)
+    const bool isHuge = error == std::errc::result_out_of_range;
+    if (!unit || (error != std::errc() && !isHuge) || (number == 0 && !isHuge))
         throw BadInput("--time-limit takes a time such as 90m, 2h or 45s, not " + Quoted(text) +
                        ".");
+    if (isHuge || number > kYear / *unit)
+        throw BadInput("--time-limit takes a year at most, 366d, not " + Quoted(text) + ".");
     return number * *unit * 1000;
 }
 

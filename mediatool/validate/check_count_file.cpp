@@ -20,10 +20,10 @@ std::string WithoutSign(const std::string& text) {
 }
 
 // What is around the number.
-void CheckForm(const Path& file, const std::string& line, Findings& out) {
+void CheckForm(const Path& file, const std::string& line, bool hasLf, Findings& out) {
     const std::string trimmed = Trimmed(line);
     const std::string digits = WithoutSign(trimmed);
-    out.AddFirst({{line.ends_with('\r'), "count-file-double-cr"},
+    out.AddFirst({{hasLf && line.ends_with('\r'), "count-file-double-cr"},
                   {line.find('\r') != std::string::npos, "count-file-cr-only"},
                   {HasControlCharacter(line), "count-file-control-character"},
                   {!IsNumber(digits), "count-file-more-than-number"},
@@ -34,8 +34,9 @@ void CheckForm(const Path& file, const std::string& line, Findings& out) {
 }
 
 // The line of which the launcher reads `count`, or nothing.
-void CheckLine(const Path& file, const std::string& line, const std::optional<VolumeCount>& read,
+void CheckLine(const Subject& subject, const Path& file, const std::string& line, bool hasLf,
                Findings& out) {
+    const std::optional<VolumeCount>& read = subject.view.count;
     const std::string trimmed = Trimmed(line);
     const bool hasDigit = IsNumber(WithoutSign(trimmed).substr(0, 1));
     if (out.AddFirst({{trimmed.empty(), "count-file-blank-line-first"},
@@ -47,23 +48,25 @@ void CheckLine(const Path& file, const std::string& line, const std::optional<Vo
     out.AddFirst({{count < 0, "count-file-negative"},
                   {count == 0, "count-file-zero"},
                   {count == 1, "count-file-one"},
-                  {count > kMostVolumes, "count-file-absurd"}},
+                  {count > kMostVolumes && subject.view.copies, "count-file-absurd"}},
                  file, {std::to_string(count)});
-    CheckForm(file, line, out);
+    CheckForm(file, line, hasLf, out);
 }
 
-void CheckText(const Path& file, const std::optional<VolumeCount>& read, Findings& out) {
+void CheckText(const Subject& subject, const Path& file, Findings& out) {
+    const bool isRead = subject.view.count.has_value();
     const std::optional<std::string> start = ReadStart(file, kCountFileLimit);
     const std::string bytes = start.value_or("");
     if (out.AddFirst({{IsFolder(file), "count-file-is-folder"},
                       {!start, "count-file-unreadable"},
                       {bytes.empty(), "count-file-empty"},
+                      {IsUtf16(bytes) && isRead, "count-file-utf16/read"},
                       {IsUtf16(bytes), "count-file-utf16"},
                       {bytes.starts_with(kUtf8Mark), "count-file-bom"}},
                      file))
         return;
     const std::vector<std::string> lines = LinesOf(bytes);
-    CheckLine(file, lines.front(), read, out);
+    CheckLine(subject, file, lines.front(), bytes.find('\n') != std::string::npos, out);
     const bool hasMore = std::any_of(lines.begin() + 1, lines.end(), [](const std::string& line) {
         return !Trimmed(line).empty();
     });
@@ -109,7 +112,7 @@ void CheckLaterVolumes(const Subject& subject, Findings& out) {
 void CheckCountFile(const Subject& subject, Findings& out) {
     const Path file = CountFileIn(subject.Media());
     if (Look(file))
-        CheckText(file, subject.view.count, out);
+        CheckText(subject, file, out);
     else
         CheckAbsence(subject, out);
     CheckLaterVolumes(subject, out);

@@ -33,6 +33,15 @@ void CheckForMarkersIn(const Subject& subject, const Path& folder, Findings& out
             out.Add("flavour-marker-misplaced", file);
 }
 
+// Without the installer at hand the launcher goes by the markers: on 64-bit Windows by the first.
+void ReportMissing(const Subject& subject, const FlavourHere& flavour, Findings& out) {
+    const auto other = std::ranges::find(subject.flavours, true, &FlavourHere::hasMarker);
+    const bool hasOther = flavour.needs64BitWindows && other != subject.flavours.end();
+    out.AddFirst(
+        {{hasOther, "flavour-marker-missing/beside-another"}, {true, "flavour-marker-missing"}},
+        flavour.Marker(), {flavour.osFolder, hasOther ? other->osFolder : ""});
+}
+
 }  // namespace
 
 void CheckFlavourMarkers(const Subject& subject, Findings& out) {
@@ -42,8 +51,7 @@ void CheckFlavourMarkers(const Subject& subject, Findings& out) {
     CheckForMarkersIn(subject, subject.Inst(), out);
     for (const FlavourHere& flavour : subject.flavours) {
         CheckForMarkersIn(subject, Join(subject.Inst(), flavour.osFolder), out);
-        if (flavour.hasInstaller && !flavour.hasMarker)
-            out.Add("flavour-marker-missing", flavour.Marker(), {flavour.osFolder});
+        if (flavour.hasInstaller && !flavour.hasMarker) ReportMissing(subject, flavour, out);
     }
 }
 

@@ -56,9 +56,13 @@ void CheckWithout(const Subject& subject, const FlavourHere& flavour, Findings& 
     }
     const auto [other, isSure] = OtherNameIn(Parent(flavour.Exe()));
     if (other.empty()) {
+        // Libraries that another installer shares may be all that the folder is for.
+        const bool isPassedBy = subject.flavours.front().hasInstaller;
         if (!flavour.hasMarker)
-            out.Add("installer-missing", flavour.Exe(),
-                    {flavour.osFolder, FileName(flavour.Marker())});
+            out.AddFirst(
+                {{isPassedBy, "installer-missing/not-needed"}, {true, "installer-missing"}},
+                flavour.Exe(),
+                {flavour.osFolder, FileName(flavour.Marker()), subject.flavours.front().osFolder});
         return;
     }
     out.AddFirst({{isSure || !flavour.hasMarker, "installer-other-name/surely"},

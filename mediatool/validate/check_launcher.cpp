@@ -26,8 +26,9 @@ void CheckProgram(const Subject& subject, const Path& file, Findings& out) {
                      file))
         return;
     out.AddAll({{program->isCutOff, "launcher-cut-off"},
-                {!program->Is64Bit() && !program->Is32Bit(), "launcher-wrong-machine"}},
-               file);
+                {!program->Is64Bit() && !program->Is32Bit(), "launcher-wrong-machine"},
+                {program->trailingBytes > 0, "launcher-trailing-bytes"}},
+               file, {std::to_string(program->trailingBytes)});
     CheckVersion(file, out);
     const bool serves32Bit = subject.Has(&FlavourHere::hasInstaller, /*for64Bit=*/false);
     out.AddAll({{!program->isSigned, "launcher-not-signed"},

@@ -12,6 +12,7 @@ namespace launcher::mediatool {
 namespace {
 
 constexpr std::size_t kMarkerLimit = std::size_t{1024} * 1024;
+constexpr std::size_t kLongestValue = 32766;  // of an environment variable, without the null
 
 bool Contains(const std::string& text, char c) {
     return text.find(c) != std::string::npos;
@@ -48,9 +49,11 @@ bool HasOtherIdentifier(const std::vector<std::string>& lines, const std::string
 void CheckIdentifier(const std::string& id, const Path& marker, Findings& out) {
     const bool hasControl = HasControlCharacter(id) || Contains(Trimmed(id), '\t');
     out.AddFirst({{id.ends_with('\r'), "volume-marker-double-cr"},
-                  {Contains(id, '\r'), "volume-marker-cr-only"},
                   {hasControl, "volume-id-control-character"}},
                  marker);
+    if (const std::size_t length = WideLength(id); length > kLongestValue)
+        out.Add("volume-id-too-long", marker,
+                {std::to_string(length), std::to_string(kLongestValue)});
     out.AddAll({{id.starts_with(' ') || id.starts_with('\t'), "volume-id-leading-blank"},
                 {id.ends_with(' ') || id.ends_with('\t'), "volume-id-trailing-blank"},
                 {id.size() > 1 && id.starts_with('"') && id.ends_with('"'), "volume-id-quoted"},
@@ -73,11 +76,17 @@ std::string CheckMarkerText(const Path& marker, Findings& out) {
     out.AddFirst({{isHidden, "volume-marker-bom/unread"}, {hasMark, "volume-marker-bom"}}, marker);
     if (isHidden) return id;
     const std::vector<std::string> lines = LinesOf(bytes);
+    const bool isCrOnly = !Contains(bytes, '\n') && bytes.find('\r') < bytes.size() - 1;
+    if (id.empty() && isCrOnly && bytes.find(std::string("\r") + kMtbDirPrefix) != bytes.npos) {
+        out.Add("volume-marker-cr-only/unread", marker);
+        return id;
+    }
     if (id.empty()) {
         CheckWhyUnread(marker, lines, out);
         return id;
     }
-    CheckIdentifier(id, marker, out);
+    if (isCrOnly) out.Add("volume-marker-cr-only", marker);
+    CheckIdentifier(isCrOnly ? id.substr(0, id.find('\r')) : id, marker, out);
     if (HasOtherIdentifier(lines, id)) out.Add("volume-marker-two-ids", marker);
     return id;
 }

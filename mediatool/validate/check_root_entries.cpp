@@ -6,8 +6,8 @@
 namespace launcher::mediatool {
 namespace {
 
-// What makes a copy fail is an error where the launcher is going to make one, and a warning where
-// it would only on another day.
+// What makes a copy fail is an error where the launcher is going to make one, a warning where it
+// would only on another day, and a note where it never does.
 void CheckFile(const Subject& subject, const std::string& name, Findings& out) {
     const Path file = Join(subject.Media(), name);
     const auto entry = Look(file);
@@ -16,9 +16,11 @@ void CheckFile(const Subject& subject, const std::string& name, Findings& out) {
     const bool isUnreadable = !ReadStart(file, 1);
     const bool copies = subject.view.copies;
     out.AddFirst({{isMissing && copies, "root-entry-missing/copied"},
+                  {isMissing && subject.IsNeverCopied(), "root-entry-missing/never-copied"},
                   {isMissing, "root-entry-missing"},
                   {isFolder, "root-entry-is-folder"},
                   {isUnreadable && copies, "root-entry-unreadable/copied"},
+                  {isUnreadable && subject.IsNeverCopied(), "root-entry-unreadable/never-copied"},
                   {isUnreadable, "root-entry-unreadable"}},
                  file, {name});
 }

@@ -1,9 +1,10 @@
-// Every file and folder below inst, which are what a copy is made of: names, lengths, rights and
-// links.
+// Every file and folder below inst, which are what a copy is made of: names, lengths, rights, links
+// and leftovers; and of what is beside it, the names.
 
 #include <windows.h>
 
 #include <algorithm>
+#include <unordered_map>
 #include <vector>
 
 #include "fs/encoding.h"
@@ -48,6 +49,7 @@ class Tree {
             out_.Add("folder-unreadable", folder);
             return;
         }
+        CheckCapitals(folder, *entries);
         for (const Entry& entry : *entries) {
             ++count_;
             if (subject_.progress) subject_.progress(count_);
@@ -55,11 +57,20 @@ class Tree {
         }
     }
 
+    // What is beside inst: not copied but for a few files, which have a check of their own.
+    void CheckRoot() {
+        const std::vector<Entry> entries = EntriesOf(subject_.Media());
+        CheckCapitals(subject_.Media(), entries);
+        for (const Entry& entry : entries)
+            CheckKind(subject_.Media().Text() + "\\" + entry.name, entry);
+    }
+
   private:
     void CheckEntry(const Path& folder, const Entry& entry) {
         // Not normalised: a name may be one that Windows would change.
         const std::string path = folder.Text() + "\\" + entry.name;
         CheckName(path, entry);
+        CheckKind(path, entry);
         CheckLength(path, entry);
         if (entry.isLink)
             CheckLink(path, entry);
@@ -74,23 +85,46 @@ class Tree {
             return SameName(flavour.installer, path);
         };
         return std::ranges::any_of(subject_.flavours, isThis) ||
+               SameName(Join(subject_.Media(), kLauncherName).Text(), path) ||
                SameName(CountFileIn(subject_.Media()).Text(), path);
     }
 
     void CheckName(const std::string& path, const Entry& entry) {
-        if (IsReservedName(entry.name)) out_.Add("name-reserved", path, {entry.name});
+        const bool hasExtension = entry.name.find('.') != std::string::npos;
+        if (IsReservedName(entry.name))
+            out_.AddFirst({{hasExtension, "name-reserved/with-extension"}, {true, "name-reserved"}},
+                          Path(path), {entry.name});
         if (EndsInDotOrBlank(entry.name)) out_.Add("name-ends-in-dot-or-blank", path);
         if (IsOutsideOemCodePage(entry.name) && MayAdd(outsideOem_))
             out_.Add("name-outside-oem-code-page", path);
+    }
+
+    // Discs keep two names apart that are one to Windows.
+    void CheckCapitals(const Path& folder, const std::vector<Entry>& entries) {
+        std::unordered_map<std::string, const Entry*> names;
+        for (const Entry& entry : entries) {
+            const auto [other, isNew] = names.try_emplace(InLowerCase(entry.name), &entry);
+            if (!isNew)
+                out_.Add("name-differs-in-case", Join(folder, entry.name), {other->second->name});
+        }
+    }
+
+    // What no medium should carry, whatever its name.
+    void CheckKind(const std::string& path, const Entry& entry) {
+        if (entry.isFolder || entry.isLink) return;
+        if (IsLeftover(entry.name) && MayAdd(leftovers_)) out_.Add("leftover", path, {entry.name});
+        if (entry.size == 0 && IsProgramName(entry.name) && !HasItsOwnCheck(path))
+            out_.Add("program-empty", path, {entry.name});
     }
 
     void CheckLength(const std::string& path, const Entry& entry) {
         const std::size_t length = copyRoot_ + WideLength(path) - WideLength(root_);
         const std::size_t most = entry.isFolder ? kLongestFolder : kLongestPath;
         if (length <= most || !MayAdd(tooLong_)) return;
-        out_.Add(subject_.view.copies ? FindingKind("path-too-long-in-copy/copied")
-                                      : FindingKind("path-too-long-in-copy"),
-                 path, {std::to_string(length), std::to_string(most)});
+        out_.AddFirst({{subject_.view.copies, "path-too-long-in-copy/copied"},
+                       {subject_.IsNeverCopied(), "path-too-long-in-copy/never-copied"},
+                       {true, "path-too-long-in-copy"}},
+                      Path(path), {std::to_string(length), std::to_string(most)});
     }
 
     void CheckLink(const std::string& path, const Entry& entry) {
@@ -120,12 +154,15 @@ class Tree {
     std::size_t outsideOem_ = 0;
     std::size_t tooLong_ = 0;
     std::size_t unreadable_ = 0;
+    std::size_t leftovers_ = 0;
 };
 
 }  // namespace
 
 void CheckTree(const Subject& subject, Findings& out) {
-    if (IsFolder(subject.Inst())) Tree(subject, out).Check(subject.Inst());
+    Tree tree(subject, out);
+    tree.CheckRoot();
+    if (IsFolder(subject.Inst())) tree.Check(subject.Inst());
     if (!IsAscii(subject.temp)) out.Add("temp-outside-oem-code-page", subject.temp);
 }
 

@@ -31,8 +31,8 @@ class VolumeNumbers {
         if (count_ == 1 || layout_ == Layout::OneFolder) return;
         if (layout_ == Layout::Incomplete) {
             CheckFolder(1, media_);
-            ForEachVolumeNumber(parent_, 2, count_, "",
-                                [this](VolumeNumber k) { CheckFolder(k, Beside(k)); });
+            for (const VolumeNumber k : NumberedFolders(parent_, 2, count_))
+                CheckFolder(k, Beside(k));
             if (!isAnyTwice_) CheckGiven(given);
         } else {
             VolumeNumber number = 0;
@@ -74,9 +74,8 @@ class VolumeNumbers {
     void CheckGiven(const std::vector<Path>& given) {
         for (std::size_t i = 0; i < given.size(); ++i)
             for (const Path& marker : NumberedMarkers(given[i]))
-                for (std::size_t j = i + 1; j < given.size(); ++j)
-                    if (const Path other = Join(given[j], FileName(marker));
-                        !ReadMtbDir(other.Text()).empty())
+                for (std::size_t j = i + 1; IsOurs(marker) && j < given.size(); ++j)
+                    if (const Path other = Join(given[j], FileName(marker)); IsOurs(other))
                         out_.Add("volume-number-twice/given", other,
                                  {std::to_string(NumberIn(marker))});
     }

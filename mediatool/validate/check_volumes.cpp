@@ -9,6 +9,8 @@
 #include "mediatool/base/files.h"
 #include "mediatool/validate/checks.h"
 #include "mediatool/validate/disc_set.h"
+#include "mediatool/validate/given_volumes.h"
+#include "mediatool/validate/lost_volumes.h"
 #include "mediatool/validate/outer_volumes.h"
 #include "mediatool/validate/volume_markers.h"
 
@@ -20,19 +22,19 @@ bool LiesIn(const std::string& folder, const Path& ancestor) {
     return inner.starts_with(InLowerCase(ancestor.Text()) + kBackslash);
 }
 
-// The volumes at the places where the launcher looks for them.
+// The volumes at the places where the launcher looks for them, and those that are at others.
 class Volumes {
   public:
     Volumes(const Subject& subject, const DiscSet& set, Findings& out)
         : subject_(subject), set_(set), out_(out), parent_(ParentOfVolumes(set.first)) {
         for (const auto& [number, marker] : MarkersMeantIn(set.first))
-            if (IsLater(number)) inFirst_.insert(number);
-        ForEachVolumeNumber(parent_, 2, set.count, "", [this](VolumeNumber k) {
-            if (IsFolder(Beside(k))) beside_.insert(k);
-        });
-        misnamed_ = MisnamedFolders(parent_, set.id);
-        std::erase_if(misnamed_, [this](const auto& folder) {
-            return !IsLater(folder.first) || beside_.contains(folder.first);
+            if (number > 1 && number <= set.count) inFirst_.insert(number);
+        beside_ = NumberedFolders(parent_, 2, set.count);
+        if (subject.view.layout != Layout::Incomplete) return;
+        lost_ = LostVolumes(set, subject.set.given);
+        // A folder at the right place speaks for itself, unless it holds another volume.
+        std::erase_if(lost_, [this, all = lost_](const auto& lost) {
+            return beside_.contains(lost.first) && !Holds(Beside(lost.first), all);
         });
     }
 
@@ -44,7 +46,7 @@ class Volumes {
         else if (layout == Layout::Siblings)
             CheckSiblings();
         else if (!CheckOuterVolumes(set_, out_))
-            ReportElsewhere();
+            CheckElsewhere();
     }
 
   private:
@@ -53,16 +55,19 @@ class Volumes {
     Layout MeantLayout() const {
         if (subject_.view.layout != Layout::Incomplete) return subject_.view.layout;
         if (!inFirst_.empty()) return Layout::OneFolder;
-        return beside_.empty() && misnamed_.empty() ? Layout::Outer : Layout::Siblings;
+        const auto isBeside = [this](const auto& lost) { return IsBeside(lost.second); };
+        return beside_.empty() && std::ranges::none_of(lost_, isBeside) ? Layout::Outer
+                                                                        : Layout::Siblings;
     }
 
-    bool IsLater(VolumeNumber number) const { return number > 1 && number <= set_.count; }
     Path Beside(VolumeNumber k) const { return Join(parent_, std::to_string(k)); }
+    bool IsBeside(const Path& folder) const { return SameName(Parent(folder), parent_); }
 
     void CheckOneFolder() {
         MissingVolumes missing(2, set_.count);
+        const auto inFirst = [this](VolumeNumber) { return set_.first; };
         for (const VolumeNumber k : inFirst_)
-            if (CheckVolume(set_, k, set_.first, out_)) missing.Remove(k);
+            if (CheckVolume(set_, k, inFirst, out_)) missing.Remove(k);
         bool areMixed = false;
         for (const VolumeNumber k : beside_) {
             areMixed = areMixed || !inFirst_.contains(k);
@@ -74,39 +79,73 @@ class Volumes {
 
     void CheckSiblings() {
         MissingVolumes missing(2, set_.count);
+        const auto place = [this](VolumeNumber k) { return Beside(k); };
         for (const VolumeNumber k : beside_)
-            if (CheckVolume(set_, k, Beside(k), out_)) missing.Remove(k);
-        for (const auto& [k, folder] : misnamed_) {
-            missing.Remove(k);
-            out_.Add("volume-folder-named-otherwise", folder,
-                     {std::to_string(k), FileName(folder)});
-        }
+            if (!Holds(Beside(k), lost_) && CheckVolume(set_, k, place, out_)) missing.Remove(k);
+        ReportLost(missing);
         if (missing.Total() > 0) ReportMissing(missing, Beside(missing.First()));
         // The launcher's search depends on the current folder then.
         if (IsEmpty(Parent(set_.first))) out_.Add("volumes-at-drive-root", set_.first);
+    }
+
+    static bool Holds(const Path& folder, const std::map<VolumeNumber, Path>& volumes) {
+        const auto isHere = [&](const auto& volume) { return SameName(volume.second, folder); };
+        return std::ranges::any_of(volumes, isHere);
+    }
+
+    void ReportLost(MissingVolumes& missing) {
+        for (const auto& [k, folder] : lost_) {
+            missing.Remove(k);
+            out_.AddFirst(
+                {{IsBeside(folder), "volume-folder-named-otherwise"}, {true, "volume-misplaced"}},
+                folder, {std::to_string(k), FileName(folder), Beside(k).Text()});
+        }
+        if (IsEmpty(Parent(set_.first))) return;
+        for (const auto& [k, archive] : PackedVolumes(parent_)) {
+            if (!missing.Contains(k)) continue;
+            missing.Remove(k);
+            out_.Add("volume-not-unpacked", archive, {std::to_string(k), Beside(k).Text()});
+        }
     }
 
     void ReportMissing(const MissingVolumes& missing, const Path& folder) {
         out_.Add("volume-missing", MarkerIn(folder, missing.First()), {missing.Sentence("volume")});
     }
 
-    void ReportElsewhere() {
+    // No volume is at a place where the launcher would find it.
+    void CheckElsewhere() {
         const std::vector<Path>& given = subject_.set.given;
-        const bool areDrives =
-            std::ranges::all_of(given, [](const Path& folder) { return IsEmpty(Parent(folder)); });
-        out_.AddFirst({{given.size() == 1, "volumes-elsewhere"},
-                       {areDrives, "volumes-on-other-drives"},
-                       {true, "no-layout-fits"}},
-                      set_.first, {std::to_string(set_.count)});
+        if (given.size() > 1) {
+            CheckGivenVolumes(set_, given, out_);
+            const bool areDrives = std::ranges::all_of(
+                given, [](const Path& folder) { return IsEmpty(Parent(folder)); });
+            out_.AddFirst({{areDrives, "volumes-on-other-drives"}, {true, "no-layout-fits"}},
+                          set_.first);
+            return;
+        }
+        const auto isHigher = [this](const auto& lost) {
+            return SameName(Parent(lost.second), Parent(parent_));
+        };
+        if (!lost_.empty() && std::ranges::all_of(lost_, isHigher)) {
+            out_.Add("volume-too-deep", set_.first, {"Volume 1", parent_.Text()});
+            return;
+        }
+        MissingVolumes missing(2, set_.count);
+        const VolumeNumber all = missing.Total();
+        ReportLost(missing);
+        if (missing.Total() == all)
+            out_.Add("volumes-elsewhere", set_.first, {std::to_string(set_.count)});
+        else if (missing.Total() > 0)
+            ReportMissing(missing, Beside(missing.First()));
     }
 
     const Subject& subject_;
     const DiscSet& set_;
     Findings& out_;
     Path parent_;
-    std::set<VolumeNumber> inFirst_;         // markers in volume 1's folder, right or not
-    std::set<VolumeNumber> beside_;          // folders beside it
-    std::map<VolumeNumber, Path> misnamed_;  // folders beside it under other names
+    std::set<VolumeNumber> inFirst_;     // markers in volume 1's folder, right or not
+    std::set<VolumeNumber> beside_;      // folders beside it
+    std::map<VolumeNumber, Path> lost_;  // volumes that are not at their places
 };
 
 // Given folders that the launcher does without.
@@ -128,13 +167,14 @@ void CheckVolumes(const Subject& subject, Findings& out) {
     if (!isIncomplete) CheckGiven(subject, out);
     if (view.layout == Layout::NotSplit || !view.count) return;
     const DiscSet set{subject.Media(), view.id, view.count->count};
-    const std::size_t before = out.Sorted().size();
+    const std::size_t before = out.Size();
     if (set.id.empty())
-        CheckVolume(set, 1, set.first, out);
+        CheckVolume(
+            set, 1, [&set](VolumeNumber) { return set.first; }, out);
     else
         Volumes(subject, set, out).Check();
     // No set that the launcher cannot put together ever passes as clean.
-    if (isIncomplete && out.Sorted().size() == before) out.Add("volumes-not-found", set.first);
+    if (isIncomplete && out.Size() == before) out.Add("volumes-not-found", set.first);
 }
 
 }  // namespace launcher::mediatool

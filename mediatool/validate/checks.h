@@ -31,6 +31,8 @@ struct Subject {
     std::function<void(std::size_t entries)> progress;
 
     const Path& Media() const { return set.first; }
+    // A single medium runs where it is: nothing in it has to bear a copy.
+    bool IsNeverCopied() const { return view.layout == Layout::NotSplit; }
     // Whether a flavour for this kind of Windows has its installer, or its marker.
     bool Has(bool FlavourHere::*part, bool for64Bit) const;
     Path Inst() const { return Join(Media(), kInstFolder); }
@@ -39,6 +41,7 @@ struct Subject {
 
 // One group of mistakes each, in a file of its own.
 void CheckLauncher(const Subject& subject, Findings& out);
+void CheckAutorun(const Subject& subject, Findings& out);
 void CheckRootEntries(const Subject& subject, Findings& out);
 void CheckInstallers(const Subject& subject, Findings& out);
 void CheckInstallerPlaces(const Subject& subject, Findings& out);
@@ -47,6 +50,10 @@ void CheckCountFile(const Subject& subject, Findings& out);
 void CheckVolumeNumbers(const Subject& subject, Findings& out);
 void CheckVolumes(const Subject& subject, Findings& out);
 void CheckTree(const Subject& subject, Findings& out);
+
+// Whether the names of the medium were cut to 8.3; what is missing is not missing then, and the
+// checks of its entries, installers and flavour markers have nothing to say.
+bool CheckCutNames(const Subject& subject, Findings& out);
 
 // An identifier, as it is in `marker`.
 void CheckIdentifier(const std::string& id, const Path& marker, Findings& out);

@@ -6,6 +6,7 @@
 
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/names.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/media/marker_bytes.h"
 #include "mediatool/validate/checks.h"
@@ -20,6 +21,11 @@ void CompareIdentifiers(const std::string& id, const DiscSet& set, const Path& m
                         Findings& out) {
     // Compared as Windows compares names, which end at a zero byte.
     const bool hasZero = (id + set.id).find('\0') != std::string::npos;
+    if (!hasZero && Composed(id) == Composed(set.id)) {
+        out.Add("volume-id-letters-differ", marker,
+                {Quoted(SpeltOut(id)), Quoted(SpeltOut(set.id))});
+        return;
+    }
     out.AddFirst({{!hasZero && SameName(id, set.id), "volume-id-case-differs"},
                   {!hasZero && SameName(Trimmed(id), Trimmed(set.id)), "volume-id-blanks-differ"},
                   {true, "volume-id-differs"}},
@@ -33,15 +39,61 @@ std::vector<Path> OtherMarkers(const DiscSet& set, const Path& folder) {
     return markers;
 }
 
+bool HasId(const Path& marker, const std::string& id) {
+    return ReadMtbDir(marker.Text()) == id;
+}
+
+// A file that belongs to the volume, or a folder with anything in it. A list of checksums is about
+// the others.
+bool IsContent(const Path& folder, const Entry& entry) {
+    const Path path = Join(folder, entry.name);
+    if (entry.isFolder) return !EntriesOf(path).empty();
+    return NumberIn(path) == 0 && !IsLeftover(entry.name) && !SameName(entry.name, "SHA256SUMS");
+}
+
+void CheckContent(const std::string& number, const Path& folder, Findings& out) {
+    const auto entries = List(folder);
+    const auto isContent = [&](const Entry& entry) { return IsContent(folder, entry); };
+    out.AddFirst({{!entries, "folder-unreadable"},
+                  {entries && std::ranges::none_of(*entries, isContent), "volume-empty"}},
+                 folder, {number});
+}
+
+// The folder has the marker of another volume, whose own folder may have none.
+void ReportOther(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf, const Path& other,
+                 Findings& out) {
+    const VolumeNumber own = NumberIn(other);
+    const Path place = own == 1 ? set.first : placeOf(own);
+    const bool isAlone = own <= set.count && !HasId(MarkerIn(place, own), set.id);
+    out.AddFirst({{isAlone, "volume-marker-wrong-number/in-its-folder"},
+                  {true, "volume-marker-wrong-number"}},
+                 other,
+                 {MarkerName(number), std::to_string(number), FileName(other), place.Text()});
+}
+
 }  // namespace
 
-bool CheckVolume(const DiscSet& set, VolumeNumber number, const Path& folder, Findings& out) {
+bool CheckDepth(const std::string& volume, const Path& folder, const std::string& name,
+                const std::string& id, Findings& out) {
+    for (const Entry& entry : EntriesOf(folder)) {
+        const Path inner = Join(folder, entry.name);
+        if (!entry.isFolder || !HasId(Join(inner, name), id)) continue;
+        out.Add("volume-too-deep", inner, {volume, folder.Text()});
+        return true;
+    }
+    return false;
+}
+
+bool CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf, Findings& out) {
+    const Path folder = placeOf(number);
     const Path marker = MarkerIn(folder, number);
     const std::string name = MarkerName(number);
     const std::string k = std::to_string(number);
+    const bool isInFirst = SameName(folder, set.first);
     if (Look(marker)) {
         const std::string id = CheckMarkerText(marker, out);
         if (!id.empty() && id != set.id) CompareIdentifiers(id, set, marker, out);
+        if (!isInFirst) CheckContent(k, folder, out);
         return true;
     }
     const auto meant = MarkersMeantIn(folder);
@@ -53,13 +105,17 @@ bool CheckVolume(const DiscSet& set, VolumeNumber number, const Path& folder, Fi
         return true;
     }
     // In the folder of volume 1 the others' markers are at home.
-    if (number > 1 && SameName(folder, set.first)) return false;
+    if (number > 1 && isInFirst) return false;
     const std::vector<Path> others = OtherMarkers(set, folder);
     if (number > 1 && !others.empty())
-        out.Add("volume-marker-wrong-number", others.front(), {name, k, FileName(others.front())});
-    else
+        ReportOther(set, number, placeOf, others.front(), out);
+    else if (set.id.empty() || !CheckDepth("Volume " + k, folder, name, set.id, out))
         out.Add("volume-marker-missing", marker, {k, set.id.empty() ? "identifier" : set.id});
     return true;
+}
+
+bool MissingVolumes::Contains(VolumeNumber number) const {
+    return number >= first_ && number <= last_ && !others_.contains(number);
 }
 
 VolumeNumber MissingVolumes::Total() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 
@@ -16,10 +17,17 @@ struct DiscSet {
     int count;       // of its volumes
 };
 
-// Reports what is wrong with the marker of volume `number` in `folder`, where the launcher looks
-// for it. False, and nothing reported, when `folder` is volume 1's and nothing in it was meant to
-// be that marker.
-bool CheckVolume(const DiscSet& set, VolumeNumber number, const Path& folder, Findings& out);
+// The folder where the launcher looks for a volume, in one of the layouts.
+using PlaceOf = std::function<Path(VolumeNumber)>;
+
+// Reports what is wrong with volume `number` at its place. False, and nothing reported, when that
+// is volume 1's folder and nothing in it was meant to be the marker of this volume.
+bool CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf, Findings& out);
+
+// Reports a volume, or an outer one, that is in a folder of its own in `folder`, its place, by the
+// marker `name` with the identifier `id`. False, and nothing reported, when there is none.
+bool CheckDepth(const std::string& volume, const Path& folder, const std::string& name,
+                const std::string& id, Findings& out);
 
 // The volumes from one number to another that are neither there nor reported for another reason.
 // Of a thousand, only the first are named.
@@ -28,6 +36,7 @@ class MissingVolumes {
     MissingVolumes(VolumeNumber first, VolumeNumber last) : first_(first), last_(last) {}
 
     void Remove(VolumeNumber number) { others_.insert(number); }
+    bool Contains(VolumeNumber number) const;
 
     VolumeNumber Total() const;
     VolumeNumber First() const;

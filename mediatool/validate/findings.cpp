@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "mediatool/base/files.h"
+
 namespace launcher::mediatool {
 namespace {
 
@@ -14,6 +16,18 @@ std::string Filled(std::string_view text, const Values& values) {
             filled += text[i];
     }
     return filled;
+}
+
+constexpr std::size_t kLongestShown = 200;  // of a value, in bytes
+constexpr std::size_t kShownStart = 80;
+
+// The start of a long text, and how long it is.
+std::string Shortened(const std::string& text) {
+    if (text.size() <= kLongestShown) return text;
+    std::size_t end = kShownStart;
+    while ((text[end] & 0xC0) == 0x80)  // not within a character
+        --end;
+    return text.substr(0, end) + "... (" + std::to_string(WideLength(text)) + " characters)";
 }
 
 }  // namespace
@@ -29,9 +43,7 @@ std::string LevelName(Level level) {
 }
 
 void Findings::Add(FindingKind kind, const std::string& file, const Values& values) {
-    const FindingText& text = kind.Text();
-    all_.push_back({text.level, IdentifierOf(text), file, Filled(text.what, values),
-                    Filled(text.why, values), Filled(text.action, values)});
+    all_.push_back({&kind.Text(), file, values});
 }
 
 void Findings::AddAll(Cases cases, const Path& file, const Values& values) {
@@ -46,14 +58,20 @@ bool Findings::AddFirst(Cases cases, const Path& file, const Values& values) {
     return true;
 }
 
-std::vector<Finding> Findings::Sorted() const {
-    std::vector<Finding> sorted = all_;
+std::vector<Finding> Findings::Sorted(Shown shown) const {
+    std::vector<Finding> sorted;
+    for (const auto& [text, file, all] : all_) {
+        Values values = all;
+        if (shown == Shown::Shortened) std::ranges::transform(all, values.begin(), Shortened);
+        sorted.push_back({text->level, IdentifierOf(*text), file, Filled(text->what, values),
+                          Filled(text->why, values), Filled(text->action, values)});
+    }
     std::ranges::stable_sort(sorted, std::ranges::greater(), &Finding::level);
     return sorted;
 }
 
 std::size_t Findings::Count(Level level) const {
-    return static_cast<std::size_t>(std::ranges::count(all_, level, &Finding::level));
+    return static_cast<std::size_t>(std::ranges::count(all_, level, &Found::level));
 }
 
 }  // namespace launcher::mediatool

@@ -61,12 +61,24 @@ class Findings {
     // Only the first that holds; false when none does.
     bool AddFirst(Cases cases, const Path& file, const Values& values = {});
 
-    // The gravest first; those of one level in the order in which they were found.
-    std::vector<Finding> Sorted() const;
+    // The gravest first; those of one level in the order in which they were found. `Shown` is how
+    // long values are, an identifier of thousands of characters for instance: whole, or for a
+    // reader.
+    enum class Shown { Whole, Shortened };
+    std::vector<Finding> Sorted(Shown shown = Shown::Whole) const;
     std::size_t Count(Level level) const;
+    std::size_t Size() const { return all_.size(); }
 
   private:
-    std::vector<Finding> all_;
+    struct Found {
+        const FindingText* text;
+        std::string file;
+        Values values;
+
+        Level level() const { return text->level; }
+    };
+
+    std::vector<Found> all_;
 };
 
 }  // namespace launcher::mediatool

@@ -1,5 +1,6 @@
 #include "mediatool/validate/outer_volumes.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "media/volume_files.h"
@@ -26,7 +27,7 @@ std::vector<OuterMarker> NearestMarkers(const Path& below) {
 // The outer volume of volume 1 has no marker, but another one holds a volume of the set.
 bool ReportUnmarked(const DiscSet& set, Findings& out) {
     for (const VolumeInOuter& volume : VolumesInOuter(set.first, set.id)) {
-        const int number = volume.outer - volume.number + 1;
+        const VolumeNumber number = volume.outer - volume.number + 1;
         if (number < 1) continue;
         const Path other = Join(Parent(volume.first), std::to_string(volume.outer));
         const std::string id = ReadMtbDir(MarkerIn(other, volume.outer).Text());
@@ -69,9 +70,8 @@ class OuterVolumes {
             out_.Add("outer-volume-at-drive-root", first_.File());
             return;
         }
-        ForEachVolumeNumber(parent, set_.first + 1, Last(), "", [this](VolumeNumber number) {
-            if (IsFolder(OuterVolumeFolder(set_, number))) CheckVolumeIn(number);
-        });
+        for (const VolumeNumber number : NumberedFolders(parent, set_.first + 1, Last()))
+            CheckVolumeIn(number);
         if (missing_.Total() > 0) ReportMissing();
         if (set_.id == inner_.id) out_.Add("outer-id-same", first_.File());
     }
@@ -87,8 +87,10 @@ class OuterVolumes {
         const VolumeNumber inside = number - set_.first + 1;
         const Path marker = MarkerOf(number);
         if (!Look(marker)) {
-            out_.Add("outer-marker-missing", marker,
-                     {std::to_string(number), std::to_string(inside), set_.id});
+            if (!CheckDepth("Outer volume " + std::to_string(number), Parent(marker),
+                            FileName(marker), set_.id, out_))
+                out_.Add("outer-marker-missing", marker,
+                         {std::to_string(number), std::to_string(inside), set_.id});
             return;
         }
         const std::string id = CheckMarkerText(marker, out_);
@@ -100,7 +102,9 @@ class OuterVolumes {
             out_.Add("outer-inner-folder-missing", folder,
                      {std::to_string(inside), std::to_string(number)});
         else
-            CheckVolume(inner_, inside, folder, out_);
+            CheckVolume(
+                inner_, inside, [this](VolumeNumber k) { return FolderInOuterVolume(set_, k); },
+                out_);
     }
 
     void ReportMissing() {
@@ -128,13 +132,10 @@ bool IsStray(const DiscSet& set, const OuterMarker& marker) {
     if (!outer.id.empty() && outer.id != set.id) return false;
     const Path parent = Parent(marker.folder);
     if (IsEmpty(parent)) return true;
-    bool isAlone = true;
-    ForEachVolumeNumber(parent, outer.first + 1, outer.first + set.count - 1, "",
-                        [&](VolumeNumber number) {
-                            const Path folder = OuterVolumeFolder(outer, number);
-                            if (Look(MarkerIn(folder, number))) isAlone = false;
-                        });
-    return isAlone;
+    const auto others = NumberedFolders(parent, outer.first + 1, outer.first + set.count - 1);
+    return std::ranges::none_of(others, [&](VolumeNumber number) {
+        return Look(MarkerIn(OuterVolumeFolder(outer, number), number)).has_value();
+    });
 }
 
 // Reports the stray ones and leaves the others.

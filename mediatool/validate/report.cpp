@@ -53,7 +53,8 @@ std::string VolumesText(const LauncherView& view) {
     return "one volume";
 }
 
-std::string Summary(const Findings& findings) {
+std::string Summary(const Validation& validation) {
+    const Findings& findings = validation.findings;
     const std::size_t errors = findings.Count(Level::Error);
     const std::size_t warnings = findings.Count(Level::Warning);
     const std::size_t notes = findings.Count(Level::Note);
@@ -62,6 +63,8 @@ std::string Summary(const Findings& findings) {
                                       : Painted(Colour::Green, "clean");
     if (warnings > 0) text += ", " + Painted(Colour::Yellow, Counted(warnings, "warning"));
     if (notes > 0) text += ", " + Counted(notes, "note");
+    if (errors == 0 && !validation.IsClean())
+        text += "; not clean, since warnings count (--strict)";
     return text;
 }
 
@@ -82,12 +85,12 @@ std::string TextOf(const Validation& validation) {
                                     : "the installer runs from the media") +
             "\n\n";
     bool hadNote = false;
-    for (const Finding& finding : validation.findings.Sorted()) {
+    for (const Finding& finding : validation.findings.Sorted(Findings::Shown::Shortened)) {
         hadNote = finding.level == Level::Note;
         text += hadNote ? NoteText(finding) : TextOf(finding);
     }
     if (hadNote) text += "\n";
-    return text + Summary(validation.findings) + "\n";
+    return text + Summary(validation) + "\n";
 }
 
 Json JsonOf(const Validation& validation) {
@@ -103,7 +106,7 @@ Json JsonOf(const Validation& validation) {
     return {{"schema", 1},
             {"command", "validate"},
             {"media", validation.media},
-            {"clean", all.Count(Level::Error) == 0},
+            {"clean", validation.IsClean()},
             {"errors", all.Count(Level::Error)},
             {"warnings", all.Count(Level::Warning)},
             {"notes", all.Count(Level::Note)},

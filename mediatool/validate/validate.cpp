@@ -66,6 +66,10 @@ bool Subject::Has(bool FlavourHere::*part, bool for64Bit) const {
     });
 }
 
+bool Validation::IsClean() const {
+    return findings.Count(Level::Error) == 0 && (!isStrict || findings.Count(Level::Warning) == 0);
+}
+
 Validation Validate(const ValidateRequest& request) {
     Subject subject;
     if (request.temp) subject.temp = CheckedTemp(*request.temp);
@@ -75,13 +79,15 @@ Validation Validate(const ValidateRequest& request) {
     subject.progress = request.progress;
 
     Validation result;
-    for (const auto check :
-         {CheckLauncher, CheckRootEntries, CheckInstallerPlaces, CheckInstallers,
-          CheckFlavourMarkers, CheckCountFile, CheckVolumeNumbers, CheckVolumes, CheckTree})
-        check(subject, result.findings);
+    const auto check = [&](auto... checks) { (checks(subject, result.findings), ...); };
+    check(CheckLauncher, CheckAutorun);
+    if (!CheckCutNames(subject, result.findings))
+        check(CheckRootEntries, CheckInstallerPlaces, CheckInstallers, CheckFlavourMarkers);
+    check(CheckCountFile, CheckVolumeNumbers, CheckVolumes, CheckTree);
     for (const Path& folder : subject.set.given)
         result.media.push_back(folder.Text());
     result.view = subject.view;
+    result.isStrict = request.isStrict;
     return result;
 }
 

@@ -15,6 +15,7 @@ struct ValidateRequest {
     // The temporary folder of the users that the medium is for, a full path; nothing for the
     // longest usual one.
     std::optional<std::string> temp;
+    bool isStrict = false;  // warnings count as errors do
     std::function<void(std::size_t entries)> progress;
 };
 
@@ -22,6 +23,9 @@ struct Validation {
     std::vector<std::string> media;  // the folders, absolute
     LauncherView view;
     Findings findings;
+    bool isStrict = false;
+
+    bool IsClean() const;
 };
 
 // Looks for mistakes in a medium. Throws BadInput.

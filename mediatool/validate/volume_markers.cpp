@@ -1,5 +1,7 @@
 #include "mediatool/validate/volume_markers.h"
 
+#include <algorithm>
+
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
 #include "mediatool/media/marker_bytes.h"
@@ -9,17 +11,12 @@ namespace {
 
 constexpr std::size_t kExtensionLength = sizeof kVolumeMarkerSuffix - 1;
 
-// From 1 to 99.
-bool IsOuterNumber(const std::string& name) {
-    return IsNumber(name) && name[0] != '0' && name.size() <= 2;
-}
+constexpr VolumeNumber kMostAskedFor = 100;  // in a folder that cannot be listed
+constexpr VolumeNumber kMostOuter = 99;
 
-std::vector<Path> FoldersWithNumbers(const Path& folder) {
-    std::vector<Path> folders;
-    for (const Entry& entry : EntriesOf(folder))
-        if (entry.isFolder && IsOuterNumber(entry.name))
-            folders.push_back(Join(folder, entry.name));
-    return folders;
+// 0 for a name that is no number, or has a zero in front.
+VolumeNumber NumberOf(const std::string& name) {
+    return IsNumber(name) && name[0] != '0' ? ToIntOr(name, 0) : 0;
 }
 
 }  // namespace
@@ -41,8 +38,7 @@ std::vector<Path> NumberedMarkers(const Path& folder) {
 VolumeNumber NumberIn(const Path& marker) {
     const std::string name = InLowerCase(FileName(marker));
     if (!name.ends_with(kVolumeMarkerSuffix)) return 0;
-    const std::string stem = name.substr(0, name.size() - kExtensionLength);
-    return IsNumber(stem) && stem[0] != '0' ? ToIntOr(stem, 0) : 0;
+    return NumberOf(name.substr(0, name.size() - kExtensionLength));
 }
 
 std::multimap<VolumeNumber, MeantMarker> MarkersMeantIn(const Path& folder) {
@@ -58,28 +54,33 @@ std::multimap<VolumeNumber, MeantMarker> MarkersMeantIn(const Path& folder) {
     return markers;
 }
 
-std::map<VolumeNumber, Path> MisnamedFolders(const Path& parent, const std::string& setId) {
-    std::map<VolumeNumber, Path> folders;
-    for (const Entry& entry : EntriesOf(parent)) {
-        const Path folder = Join(parent, entry.name);
-        if (!entry.isFolder || Look(Join(folder, entry.name + kVolumeMarkerSuffix))) continue;
-        for (const Path& marker : NumberedMarkers(folder))
-            if (ReadMtbDir(marker.Text()) == setId) folders.insert({NumberIn(marker), folder});
+std::set<VolumeNumber> NumberedFolders(const Path& parent, VolumeNumber first, VolumeNumber last) {
+    std::set<VolumeNumber> numbers;
+    const auto entries = List(parent);
+    if (!entries) {
+        for (VolumeNumber k = first; k <= std::min(last, first + kMostAskedFor); ++k)
+            if (IsFolder(Join(parent, std::to_string(k)))) numbers.insert(k);
+        return numbers;
     }
-    return folders;
+    for (const Entry& entry : *entries) {
+        const VolumeNumber number = entry.isFolder ? NumberOf(entry.name) : 0;
+        if (number >= first && number <= last) numbers.insert(number);
+    }
+    return numbers;
 }
 
 std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::string& setId) {
     std::vector<VolumeInOuter> found;
     for (Path first = Parent(volumeOne); !IsEmpty(Parent(first)); first = Parent(first)) {
         const std::string relative = RelativePath(Parent(volumeOne), first).Text();
-        for (const Path& outer : FoldersWithNumbers(Parent(first))) {
-            if (SameName(outer, first)) continue;
-            for (const Path& volume : FoldersWithNumbers(Join(outer, relative))) {
-                const int number = ToIntOr(FileName(volume), 0);
-                const Path marker = MarkerIn(volume, number);
-                if (number > 1 && ReadMtbDir(marker.Text()) == setId)
-                    found.push_back({first, ToIntOr(FileName(outer), 0), number, marker});
+        for (const VolumeNumber outer : NumberedFolders(Parent(first), 1, kMostOuter)) {
+            const Path folder = Join(Parent(first), std::to_string(outer));
+            if (SameName(folder, first)) continue;
+            const Path parent = Join(folder, relative);
+            for (const VolumeNumber number : NumberedFolders(parent, 2, kMostOuter)) {
+                const Path marker = MarkerIn(Join(parent, std::to_string(number)), number);
+                if (ReadMtbDir(marker.Text()) == setId)
+                    found.push_back({first, outer, number, marker});
             }
         }
     }

@@ -28,16 +28,16 @@ struct MeantMarker {
 // By the number of the volume; of the right name or not, readable or not.
 std::multimap<VolumeNumber, MeantMarker> MarkersMeantIn(const Path& folder);
 
-// The folders below `parent` that hold the marker of a volume of the set and do not have its number
-// for a name, by that number.
-std::map<VolumeNumber, Path> MisnamedFolders(const Path& parent, const std::string& setId);
+// The folders of `parent` that are named by a number from `first` to `last`. A damaged count may
+// ask for two thousand million: what is not listed is not looked for.
+std::set<VolumeNumber> NumberedFolders(const Path& parent, VolumeNumber first, VolumeNumber last);
 
 // The markers of a set's later volumes in numbered folders that lie as its outer volumes would,
 // whether the launcher comes to them or not.
 struct VolumeInOuter {
-    Path first;  // volume 1's outer volume, if these are outer volumes
-    int outer;   // the number of the folder
-    int number;  // of the volume in it
+    Path first;           // volume 1's outer volume, if these are outer volumes
+    VolumeNumber outer;   // the number of the folder
+    VolumeNumber number;  // of the volume in it
     Path marker;
 };
 std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::string& setId);

@@ -99,7 +99,7 @@ TEST_F(Command, WrongUse) {
     EXPECT_THAT(Complaint({"validate", "--temp", "", media.Text()}), HasSubstr("full path"));
     EXPECT_THAT(
         Complaint({"create", "--id", "X", "--layout", "2", "--volumes", "2", scratch.Text("out")}),
-        HasSubstr("{one-folder,siblings,outer}"));
+        HasSubstr("--layout: one-folder, siblings or outer, not \"2\"."));
     for (const std::string volumes : {"x", "2x", "", "99999999999"})
         EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", "siblings", "--volumes", volumes,
                              scratch.Text("out")}),
@@ -115,6 +115,124 @@ TEST_F(Command, WrongUse) {
                            "--outer-id", "", scratch.Text("out")}),
                 HasSubstr("--outer-id is empty."));
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Dir()));
+}
+
+TEST_F(Command, WrongUseOfOptions) {
+    const std::string folder = media.Text();
+    EXPECT_EQ(Complaint({}),
+              "mediatool: The command is missing; there are run, dry-run, validate and create.\n");
+    EXPECT_EQ(
+        Complaint({"--all", "validate"}),
+        "mediatool: The command has to stand before \"--all\"; there are run, dry-run, validate "
+        "and create.\n");
+    EXPECT_EQ(Complaint({"validate"}),
+              "mediatool: media is required; mediatool help validate tells more.\n");
+    EXPECT_EQ(Complaint({"validate", folder, "--temp"}),
+              "mediatool: --temp is there without its value.\n");
+    EXPECT_EQ(Complaint({"dry-run", "--temp", "--all", folder}),
+              "mediatool: --temp is there without its value.\n");
+    EXPECT_EQ(Complaint({"validate", folder, "--temp", "C:\\a", "--temp=C:\\b"}),
+              "mediatool: --temp is given twice.\n");
+    EXPECT_EQ(Complaint({"validate", folder, "--json=yes"}), "mediatool: --json takes no value.\n");
+    EXPECT_EQ(Complaint({"dry-run", folder, "b"}),
+              "mediatool: \"b\" is one argument too many; a path with blanks needs quotes (the "
+              "launcher's own arguments go after --).\n");
+    EXPECT_EQ(Complaint({"dry-run", folder, "--windows", "XP"}),
+              "mediatool: --windows: 7, 8, 8.1, 10 or 11, not \"XP\".\n");
+    EXPECT_EQ(Complaint({"dry-run", folder, "--env", "X=1", "--env", "x=2"}),
+              "mediatool: --env x=... is given twice.\n");
+    EXPECT_EQ(Complaint({"dry-run", folder, "--temp", "C:temp"}),
+              "mediatool: --temp takes a full path, not \"C:temp\".\n");
+}
+
+TEST_F(Command, WrongUseThatMayBeASlip) {
+    const std::string folder = media.Text();
+    EXPECT_EQ(Complaint({"validat", folder}),
+              "mediatool: There is no command \"validat\"; did you mean validate?\n");
+    EXPECT_EQ(Complaint({"DryRun", folder}),
+              "mediatool: There is no command \"DryRun\"; did you mean dry-run?\n");
+    EXPECT_EQ(Complaint({"validate", folder, "--frobnicate"}),
+              "mediatool: There is no option \"--frobnicate\".\n");
+    EXPECT_EQ(Complaint({"validate", folder, "--JSON"}),
+              "mediatool: There is no option \"--JSON\"; did you mean --json?\n");
+    EXPECT_EQ(
+        Complaint({"dry-run", folder, "--wind", "7"}),
+        "mediatool: There is no option \"--wind\"; did you mean --windows (the launcher's own "
+        "arguments go after --)?\n");
+}
+
+TEST_F(Command, WrongUseOfABackslashBeforeAQuote) {
+    for (const std::string command : {"validate", "dry-run"})
+        EXPECT_EQ(Complaint({command, "M:\\My Media\" --json"}),
+                  "mediatool: The path M:\\My Media\"... has a quote in it: a backslash before the "
+                  "closing quote, as in \"M:\\My Media\\\", does that; leave it out.\n");
+    EXPECT_THAT(Complaint({"validate", media.Text(), "--temp", "C:\\Te mp\" x"}),
+                HasSubstr("The path C:\\Te mp\"... has a quote in it"));
+    EXPECT_THAT(Run({"dry-run", media.Text(), "--env", "X=\"a\""}).errors, "");
+}
+
+TEST_F(Command, ComplaintsSendNoControlCharacters) {
+    EXPECT_EQ(Complaint({"\x1B[2Jburn\r\n"}),
+              "mediatool: There is no command \"\\x1B[2Jburn\\x0D\\x0A\"; there are run, dry-run, "
+              "validate and create.\n");
+}
+
+TEST_F(Command, ComplaintsAreJsonToo) {
+    const auto complaint = [this](const std::vector<std::string>& arguments, int exitCode) {
+        const MediatoolRun run = Run(arguments);
+        const Json output = Json::parse(run.output);
+        EXPECT_EQ(SchemaComplaints(output), "");
+        EXPECT_EQ(output["exitCode"], exitCode);
+        EXPECT_EQ(run.exitCode, static_cast<unsigned long>(exitCode));
+        EXPECT_EQ("mediatool: " + output["error"].get<std::string>() + "\n", run.errors);
+        return output["command"];
+    };
+    EXPECT_EQ(complaint({"validate", "nowhere", "--json"}, 2), "validate");
+    EXPECT_EQ(complaint({"dry-run", "nowhere", "--json"}, 2), "dry-run");
+    EXPECT_EQ(complaint({"create", "--json"}, 2), "create");
+    EXPECT_EQ(complaint({"run", "nowhere", "--json"}, 125), "run");
+    EXPECT_EQ(complaint({"burn", "--json"}, 2), nullptr);
+    scratch.Write("1.txt");
+    EXPECT_EQ(complaint({"create", "--id", "X", "--layout", "one-folder", "--volumes", "2",
+                         "--json", scratch.Text()},
+                        1),
+              "create");
+}
+
+// As PowerShell reads it, in whatever code page.
+TEST_F(Command, JsonIsAscii) {
+    const std::string folder = scratch.Text("Größe");
+    std::filesystem::copy(FromUtf8(media.Text()), FromUtf8(folder),
+                          std::filesystem::copy_options::recursive);
+    for (const std::string command : {"validate", "dry-run"}) {
+        const std::string output = Run({command, folder, "--json"}).output;
+        EXPECT_TRUE(std::ranges::all_of(output, [](char c) { return c >= 0 && c < 127; }));
+        EXPECT_NE(output.find("Gr\\u00f6\\u00dfe"), std::string::npos) << output;
+    }
+    const std::string created = Run({"create", "--id", "Größe", "--layout", "siblings", "--volumes",
+                                     "2", "--json", scratch.Text("é")})
+                                    .output;
+    EXPECT_TRUE(std::ranges::all_of(created, [](char c) { return c >= 0 && c < 127; })) << created;
+    EXPECT_NE(created.find("\\u00e9"), std::string::npos) << created;
+}
+
+TEST_F(Command, PathsMayBeginWithASlash) {
+    std::string path = media.Text().substr(2);
+    std::ranges::replace(path, '\\', '/');
+    ASSERT_EQ(path.front(), '/');
+    const MediatoolRun run =
+        RunMediatool({"validate", path, "--json"}, FromUtf8(media.Text()).root_path());
+    EXPECT_EQ(run.exitCode, 0u) << run.errors;
+    EXPECT_EQ(Json::parse(run.output)["media"], Json::array({media.Text()}));
+    EXPECT_THAT(Complaint({"validate", "/json"}), HasSubstr("\\json\""));
+}
+
+TEST_F(Command, PickThatIsNotNeededIsSaid) {
+    const MediatoolRun run = Run({"dry-run", media.Text(), "--pick", scratch.Text()});
+    EXPECT_EQ(run.errors,
+              "mediatool: --pick changes nothing: no folder dialog comes in this run.\n");
+    media.Remove("inst/win_b64");
+    EXPECT_EQ(Run({"dry-run", media.Text(), "--pick", scratch.Text()}).errors, "");
 }
 
 // The launcher looks for the volumes beside that of a drive's root in the root of the current
@@ -140,6 +258,14 @@ TEST_F(Command, HelpAndVersion) {
     EXPECT_THAT(Run({"validate", "--help"}).output, HasSubstr("Exit code: 0 clean"));
     EXPECT_THAT(Run({"--version"}).output, StartsWith("mediatool 1."));
     EXPECT_EQ(Run({"--help"}).exitCode, 0u);
+    for (const std::vector<std::string>& asked : std::vector<std::vector<std::string>>{
+             {"help"}, {"/?"}, {"-?"}, {"-h"}, {"help", "/?"}, {"--help", "validate"}})
+        EXPECT_EQ(Run(asked).output, Run({"--help"}).output) << asked.front();
+    for (const std::vector<std::string>& asked : std::vector<std::vector<std::string>>{
+             {"help", "run"}, {"run", "/?"}, {"run", "M:\\", "-h"}, {"run", "--jsn", "-?"}})
+        EXPECT_EQ(Run(asked).output, Run({"run", "--help"}).output) << asked.front();
+    EXPECT_THAT(Complaint({"help", "runn"}), HasSubstr("did you mean run?"));
+    EXPECT_THAT(Run({"run", "/?"}).output, HasSubstr("a number of seconds"));
     EXPECT_THAT(Run({"create", "--help"}).output, HasSubstr("{one-folder,siblings,outer}"));
 }
 

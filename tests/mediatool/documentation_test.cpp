@@ -75,8 +75,10 @@ void MakeMedia(const std::string& name, const stdfs::path& drive) {
     const auto volumes = [&](std::initializer_list<int> others) {
         Media media(drive / "Set" / "1");
         media.AddInstaller("win_b64").AddMarker("win_b64").MakeSplit(3, "PRODUCT-2027");
-        for (const int k : others)
+        for (const int k : others) {
             WriteVolumeMarker(drive / "Set" / std::to_string(k), k, "PRODUCT-2027");
+            WriteFile(drive / "Set" / std::to_string(k) / "content.cab", "content");
+        }
     };
     if (name == "ordinary") Media(drive / "Media").AddInstaller("win_b64").AddMarker("win_b64");
     if (name == "without installer") Media(drive / "Media").AddMarker("win_b64");
@@ -89,8 +91,10 @@ void MakeMedia(const std::string& name, const stdfs::path& drive) {
     }
     if (name == "content only") {
         Media(drive / "Set" / "1").AddInstaller("win_b64").AddMarker("win_b64");
-        for (const char* folder : {"2", "3"})
+        for (const char* folder : {"2", "3"}) {
             stdfs::create_directories(drive / "Set" / folder);
+            WriteFile(drive / "Set" / folder / "content.cab", "content");
+        }
     }
     if (name == "byte-order mark") {
         volumes({2, 3});

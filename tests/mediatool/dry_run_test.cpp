@@ -166,10 +166,12 @@ TEST_F(DryRun, TellsWhatIsCopiedFromWhere) {
 }
 
 TEST_F(DryRun, TellsWhatItPretendsAndWhere) {
+    const SampleMedia other;
+    media.Remove("inst/win_b64");
     const Json dry = Dry(
-        media, {"--temp", scratch.Text(), "--env", "ZEPProcessNotAdmin=1", "--pick", media.Text()});
+        media, {"--temp", scratch.Text(), "--env", "ZEPProcessNotAdmin=1", "--pick", other.Text()});
     EXPECT_EQ(dry["pretended"]["variables"], Json::array({"TEMP", "ZEPProcessNotAdmin"}));
-    EXPECT_EQ(dry["pretended"]["picked"], media.Text());
+    EXPECT_EQ(dry["pretended"]["picked"], other.Text());
     EXPECT_EQ(dry["workingFolder"], scratch.Text());
     EXPECT_EQ(dry["variables"]["ZEPProcessNotAdmin"]["value"], "1");
     EXPECT_EQ(Dry(media)["pretended"]["picked"], Json());

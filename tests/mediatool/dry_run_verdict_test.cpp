@@ -47,6 +47,12 @@ TEST_F(VerdictTest, OfAVariableThatWasLeftSet) {
     EXPECT_EQ(Summary(Verdict::Refused, media_, {}, {{"ZEPProcessNotAdmin", "0"}}),
               "Refused, exit code 1, waits in a box: ZEPProcessNotAdmin is set; clear that "
               "variable");
+    EXPECT_THAT(Summary(Verdict::Refused, media_, {"-env", "ZEPProcessNotAdmin"}),
+                HasSubstr(": ZEPProcessNotAdmin is set; "));
+    SampleMedia without = Startable();
+    without.Remove("inst/win_b64");
+    EXPECT_THAT(Summary(Verdict::Refused, without, {}, {{"ZEPAdmInstODTinstallOSpath", "x"}}),
+                HasSubstr(": ZEPAdmInstODTinstallOSpath is set; "));
     EXPECT_EQ(Summary(Verdict::Refused, Startable(Layout::Siblings), {},
                       {{"ZEPAdmODTMultiVolumes", "1"}}),
               "Starts nothing, exit code 3: ZEPAdmODTMultiVolumes is set; clear that variable");
@@ -97,8 +103,11 @@ TEST_F(VerdictTest, OfAnInstallerThatWindowsCannotStart) {
     EXPECT_THAT(Summary(Verdict::Refused, media),
                 StartsWith("Refused, exit code 1, waits in a box: Windows cannot start the "
                            "installer: it is a folder; "));
-    EXPECT_THAT(Summary(Verdict::Refused, media_, {}, {{"DEBUGCMD_INSTALLK7", "no-such-program"}}),
-                HasSubstr(": Windows cannot start the installer (code 2); "));
+    EXPECT_EQ(
+        Summary(Verdict::Refused, media, {}, {{"DEBUGCMD_INSTALLK7", "no-such-program"}}),
+        "Refused, exit code 1, waits in a box: DEBUGCMD_INSTALLK7 is set; clear that variable");
+    EXPECT_THAT(Summary(Verdict::Refused, media_, {std::string(33000, 'x')}),
+                HasSubstr(": Windows cannot start the installer (code 206); "));
 }
 
 TEST_F(VerdictTest, StandsInTheFirstLine) {

@@ -103,14 +103,17 @@ TEST_F(Icon, HasEverySizeThatWindowsAsksFor) {
     EXPECT_THAT(widths, ElementsAre(16, 20, 24, 32, 40, 48, 64, 256));
 }
 
-// Compressed ones are for the largest size only: in others, not every program reads them.
+// Compressed ones are for the two largest sizes only: in others, not every program reads them.
 TEST_F(Icon, ImagesAreOfTheSizeThatTheDirectoryNames) {
     for (const auto& [width, image] : Images()) {
         ASSERT_GT(image.size(), sizeof(BITMAPINFOHEADER)) << width;
-        EXPECT_EQ(IsCompressed(image), width == 256) << width;
+        EXPECT_EQ(IsCompressed(image), width >= 64) << width;
         if (IsCompressed(image)) {
-            // Big-endian, after the signature and the name of the first part.
-            EXPECT_EQ(image.substr(16, 8), std::string("\0\0\1\0\0\0\1\0", 8));
+            // Width and height, big-endian, after the signature and the name of the first part;
+            // then 8 bits for each of red, green, blue and opacity.
+            const std::string side = {'\0', '\0', static_cast<char>(width / 256),
+                                      static_cast<char>(width % 256)};
+            EXPECT_EQ(image.substr(16, 10), side + side + "\x08\x06") << width;
             continue;
         }
         BITMAPINFOHEADER header;

@@ -7,7 +7,7 @@
 # Prints a line for each check; the exit code is 0 when all hold.
 set -eu
 
-. "$(dirname "$0")/release_checks.sh"
+. "$(dirname "$0")/checks.sh"
 
 # Sources with one commit, in a folder whose name has a blank. No configuration of this machine
 # counts: one may trust all folders.
@@ -15,7 +15,7 @@ export GIT_CONFIG_GLOBAL=/dev/null GIT_CONFIG_SYSTEM=/dev/null
 sources="$work/the sources"
 mkdir -p "$sources/tools"
 cp "$project/package.sh" "$project/CMakePresets.json" "$sources"
-cp "$project/tools/"*.sh "$sources/tools"
+cp "$tools/"*.sh "$sources/tools"
 git_here() { git -C "$sources" -c user.name=tester -c user.email=tester@localhost "$@"; }
 git_here init -q
 git_here add .

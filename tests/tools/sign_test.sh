@@ -6,26 +6,10 @@
 # Prints a line for each check; the exit code is 0 when all hold.
 set -eu
 
+. "$(dirname "$0")/checks.sh"
 launcher=$1
 prefix=$2
-tools=$(cd "$(dirname "$0")/../../tools" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
 cd "$work"
-failures=0
-
-# check TEXT COMMAND...: the command succeeds
-check() {
-    text=$1
-    shift
-    if "$@"; then
-        echo "ok: $text"
-    else
-        echo "FAILED: $text"
-        failures=$((failures + 1))
-    fi
-}
 
 make_certificate() {
     openssl req -x509 -newkey rsa:2048 -nodes -keyout key.pem -out "$1.pem" -days 2 \
@@ -33,18 +17,12 @@ make_certificate() {
     openssl pkcs12 -export -inkey key.pem -in "$1.pem" -out "$1.p12" -passout pass:secret
 }
 
-# refuses CODE SENTENCE ARGUMENT...: signing ends with this code and one line that says this, and
-# the program is as it was
-refuses() {
+# refuses_to_sign CODE SENTENCE ARGUMENT...: and the program is as it was
+refuses_to_sign() {
     code=$1
     sentence=$2
     shift 2
-    status=0
-    "$tools/sign.sh" "$@" >output 2>&1 || status=$?
-    [ "$status" = "$code" ] && [ "$(wc -l <output)" = 1 ] && grep -qF -- "$sentence" output &&
-        cmp -s "$launcher" first.exe && return
-    cat output
-    return 1
+    refuses "$code" "$sentence" "$tools/sign.sh" "$@" && cmp "$launcher" first.exe
 }
 
 # The number of the media's volumes is the exit code of a launcher that starts nothing.
@@ -114,25 +92,25 @@ usual="--pkcs12 signer.p12 --root signer.pem"
 
 # shellcheck disable=SC2086  # several words
 {
-    check "no certificate" refuses 2 "give a certificate" --password-file password first.exe
-    check "no such certificate" refuses 2 "no such file: none.p12" --pkcs12 none.p12 first.exe
-    check "no such password file" refuses 2 "no such file: none" $usual --password-file none \
+    check "no certificate" refuses_to_sign 2 "give a certificate" --password-file password first.exe
+    check "no such certificate" refuses_to_sign 2 "no such file: none.p12" --pkcs12 none.p12 first.exe
+    check "no such password file" refuses_to_sign 2 "no such file: none" $usual --password-file none \
         first.exe
-    check "no password" refuses 2 "no password" $usual first.exe
-    check "an unknown option" refuses 2 "unknown option --sign" --sign
-    check "an option without its value" refuses 2 "--pkcs12 needs a value" --pkcs12
-    check "no program" refuses 2 "no program" $usual --password-file password
-    check "a token without its key" refuses 2 "needs --pkcs11-key" --pkcs11-module first.exe x
+    check "no password" refuses_to_sign 2 "no password" $usual first.exe
+    check "an unknown option" refuses_to_sign 2 "unknown option --sign" --sign
+    check "an option without its value" refuses_to_sign 2 "--pkcs12 needs a value" --pkcs12
+    check "no program" refuses_to_sign 2 "no program" $usual --password-file password
+    check "a token without its key" refuses_to_sign 2 "needs --pkcs11-key" --pkcs11-module first.exe x
     check "osslsigncode is missing" lacks_the_tool
-    check "a wrong password" refuses 1 "Wrong password" $usual --password-file wrong first.exe
-    check "another root" refuses 1 "cannot be verified" --pkcs12 signer.p12 --root stranger.pem \
+    check "a wrong password" refuses_to_sign 1 "Wrong password" $usual --password-file wrong first.exe
+    check "another root" refuses_to_sign 1 "cannot be verified" --pkcs12 signer.p12 --root stranger.pem \
         --password-file password first.exe
     # The second of two: the first stays as it is too.
     echo text >broken.exe
-    check "no Windows program" refuses 1 "cannot sign broken.exe" $usual --password-file password \
+    check "no Windows program" refuses_to_sign 1 "cannot sign broken.exe" $usual --password-file password \
         first.exe broken.exe
     # A port at which nothing listens.
-    check "no time stamp server" refuses 1 "got no time stamp from http://127.0.0.1:9/: " $usual \
+    check "no time stamp server" refuses_to_sign 1 "got no time stamp from http://127.0.0.1:9/: " $usual \
         --password-file password --time-stamp-server http://127.0.0.1:9/ first.exe
     check "an interrupted run leaves nothing" leaves_nothing
     check "two programs are signed" "$tools/sign.sh" $usual --password-file password \

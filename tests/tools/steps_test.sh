@@ -4,24 +4,8 @@
 # Prints a line for each check; the exit code is 0 when all hold.
 set -eu
 
-tools=$(cd "$(dirname "$0")/../../tools" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
+. "$(dirname "$0")/checks.sh"
 cd "$work"
-failures=0
-
-# check TEXT COMMAND...: the command succeeds
-check() {
-    text=$1
-    shift
-    if "$@"; then
-        echo "ok: $text"
-    else
-        echo "FAILED: $text"
-        failures=$((failures + 1))
-    fi
-}
 
 # script STATEMENT: a script of steps, with its exit code and what it printed
 script() {

@@ -6,27 +6,12 @@
 # Prints a line for each check; the exit code is 0 when all hold.
 set -eu
 
+. "$(dirname "$0")/checks.sh"
 prefix=$1
-run=$(cd "$(dirname "$0")/../../tools" && pwd)/wine-run.sh
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
+run=$tools/wine-run.sh
 cd "$work"
 mkdir temp
 mkfifo pipe
-failures=0
-
-# check TEXT COMMAND...: the command succeeds
-check() {
-    text=$1
-    shift
-    if "$@"; then
-        echo "ok: $text"
-    else
-        echo "FAILED: $text"
-        failures=$((failures + 1))
-    fi
-}
 
 # piped COMMAND...: the script's exit code, and what came out of a pipe behind it
 piped() {

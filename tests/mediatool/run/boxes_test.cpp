@@ -187,6 +187,7 @@ class OldSystem : public IsolatedTest {
             void Saw(const std::vector<mediatool::SeenLine>&) override {}
             void Saw(const mediatool::AnsweredBox&) override {}
             void TimePassed(std::uint64_t) override {}
+            bool TakesMore() override { return true; }
         } nobody;
         const mediatool::Interruption interruption;
         std::vector<std::string> texts;

@@ -75,6 +75,9 @@ TEST_F(End, AtTheTimeLimitLeavesTheInstaller) {
     EXPECT_EQ(outcome.run.exitCode, 124u);
     EXPECT_EQ(outcome.report["exitCode"], 124);
     EXPECT_EQ(outcome.report["endedBy"], "time-limit");
+    ASSERT_FALSE(outcome.report["launcher"].is_null());
+    EXPECT_EQ(outcome.report["launcher"]["stillRunning"], false);
+    EXPECT_TRUE(outcome.report["error"].is_null());
     EXPECT_GE(outcome.report["seconds"], 4.0);
     ASSERT_FALSE(outcome.report["installer"].is_null());
     EXPECT_EQ(outcome.report["installer"]["stillRunning"], true);
@@ -87,6 +90,13 @@ TEST_F(End, AtTheTimeLimitNamesTheInstaller) {
     EXPECT_THAT(run.output, HasSubstr("\n  124: The time limit is over: the launcher was ended; "
                                       "the installer, process "));
     EXPECT_THAT(run.output, HasSubstr(", goes on.\n"));
+}
+
+TEST_F(End, AtTheTimeLimitOfAllSaysThatTheInstallerWasEnded) {
+    const NamedEvent event;
+    const MediatoolRun run =
+        Told(WaitingMedia(event), {"-wait"}, {"--time-limit", "4s", "--end-installer"});
+    EXPECT_THAT(run.output, HasSubstr(", was ended too.\n"));
 }
 
 TEST_F(End, AtTheTimeLimitCanBeThatOfAll) {

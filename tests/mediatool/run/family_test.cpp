@@ -125,8 +125,11 @@ INSTANTIATE_TEST_SUITE_P(Jobs, WholeFamily, testing::Bool(), [](const auto& row)
 // The installer has ended, and what it started goes on: only a job still knows it.
 TEST_F(FamilyTest, BoundOneEndsWithOrphansToo) {
     const stdfs::path note = folder_.Dir() / "note";
-    Family family =
-        Start("child child note " + test::ToUtf8(note) + ",wait EVENT|wait EVENT", true);
+    const NamedEvent bound;
+    Family family = Start("wait " + bound.Name() + "|child child note " + test::ToUtf8(note) +
+                              ",wait EVENT|wait EVENT",
+                          true);
+    bound.Set();
     WaitForFile(note);
     WaitForProcesses(2);
     family.EndAll(124);

@@ -1,5 +1,7 @@
 // The log of a run.
 
+#include <sstream>
+
 #include "tests/mediatool/run/support/run_test.h"
 #include "tests/support/wine.h"
 
@@ -19,24 +21,51 @@ class Log : public RunTest {
             ++count;
         return count;
     }
+    // That of the process in the first heading.
+    static std::string NumberIn(const std::string& log) {
+        const std::size_t start = log.find("  process ") + 10;
+        return log.substr(start, log.find(' ', start) - start);
+    }
+    // The lines of that process, its number taken away, as on the screen.
+    std::string LinesOf(const std::string& number) const {
+        std::istringstream input(Text());
+        std::string lines;
+        for (std::string line; std::getline(input, line);)
+            if (line.starts_with(number + "  ")) lines += line.substr(number.size() + 2) + "\n";
+        std::erase(lines, '\r');
+        return lines;
+    }
     Words Option() const { return {"--log", scratch.Text("log.txt")}; }
 };
 
 TEST_F(Log, HoldsWhatTheScreenShows) {
     variables["ZEPProcessNotAdmin"] = "1";
     const MediatoolRun run = Told(UsualMedia(), {"-wait"}, Option());
-    std::string log = Text();
+    const std::string log = Text();
     EXPECT_THAT(log, StartsWith("==== 2"));
     EXPECT_THAT(log, HasSubstr("\\setup.exe\" \"-wait\"\r\n"));
     EXPECT_EQ(std::ranges::count(log, '\r'), std::ranges::count(log, '\n'));
-    std::erase(log, '\r');
-    EXPECT_EQ(log.substr(log.find('\n') + 1), run.output);
+    EXPECT_EQ(LinesOf(NumberIn(log)), run.output);
+}
+
+// Each line names its process, as the heading does: two runs at a time can be told apart.
+TEST_F(Log, HasAHeadingWithProcessAndTime) {
+    Told(UsualMedia(), {"-wait"}, Option());
+    EXPECT_THAT(Text(),
+                testing::ContainsRegex("^==== \\d\\d\\d\\d-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d "
+                                       ".\\d\\d:\\d\\d  process \\d+  "));
+    const std::string first = NumberIn(Text());
+    Told(UsualMedia(), {"-wait"}, Option());
+    const std::string second = NumberIn(Text().substr(Text().rfind("==== ")));
+    EXPECT_NE(first, second);
+    EXPECT_THAT(LinesOf(first), HasSubstr("\nExit code\n  0: "));
+    EXPECT_THAT(LinesOf(second), HasSubstr("\nExit code\n  0: "));
 }
 
 TEST_F(Log, IsWrittenWithJsonToo) {
     Watched(ActingMedia("print Größe"), {"-wait"}, Option());
     EXPECT_THAT(Text(), HasSubstr("  installer  Größe\r\n"));
-    EXPECT_THAT(Text(), HasSubstr("\r\nExit code\r\n"));
+    EXPECT_THAT(Text(), HasSubstr("  Exit code\r\n"));
 }
 
 TEST_F(Log, IsAddedTo) {

@@ -31,6 +31,12 @@ TEST_F(RunSchema, FitsTheLargestCode) {
     EXPECT_EQ(SchemaComplaints(Watched(StandInAsLauncher(), {"-wait"}).report), "");
 }
 
+TEST_F(RunSchema, FitsOneThatWasNotStarted) {
+    const Media media = EmptyMedia();
+    std::filesystem::remove(media.Root() / "setup.exe");
+    EXPECT_EQ(SchemaComplaints(Watched(media, {"--wait"}).report), "");
+}
+
 TEST_F(RunSchema, RefusesOtherMembers) {
     Json report = Watched(UsualMedia(), {"-wait"}).report;
     report["more"] = 1;

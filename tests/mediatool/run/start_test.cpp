@@ -1,6 +1,7 @@
 // What the launcher is started with, and what keeps it from being started.
 
 #include "tests/mediatool/run/support/run_test.h"
+#include "tests/support/links.h"
 #include "tests/support/wine.h"
 
 namespace launcher::test {
@@ -69,6 +70,14 @@ class NoStart : public RunTest {
         ExpectComplaint(RunMediatool(line, scratch.Dir(), Variables()), 125, text);
         EXPECT_FALSE(stdfs::exists(scratch.Dir() / "report"));
     }
+    // The same sentence, for programs.
+    static void ExpectError(const MediatoolRun& run, DWORD exitCode) {
+        EXPECT_EQ(run.exitCode, exitCode);
+        const Json report = Json::parse(run.output);
+        EXPECT_EQ(report["command"], "run");
+        EXPECT_EQ(report["exitCode"], exitCode);
+        EXPECT_EQ("mediatool: " + report["error"].get<std::string>() + "\n", run.errors);
+    }
 };
 
 TEST_F(NoStart, AfterBadInput) {
@@ -82,6 +91,40 @@ TEST_F(NoStart, AfterBadInput) {
     ExpectRefusal({"run", media, "--log", ""}, "--log is empty.");
     ExpectRefusal({"run", media, "--log", media}, "The log \"");
     ExpectRefusal({"run", media, "--log", "no\\such\\folder\\log.txt"}, " cannot be written: ");
+}
+
+TEST_F(NoStart, WithALogInTheMedia) {
+    const Media media = StandInAsLauncher();
+    const std::string program = ReadFile(media.Launcher());
+    const auto expectRefusal = [&](const std::string& log) {
+        ExpectRefusal({"run", media.Text(), "--log", log},
+                      "The log \"" + log +
+                          "\" lies in the media, which must stay as it is; give it another place.");
+    };
+    for (const std::string name : {"setup.exe", "SETUP.EXE", "new.txt", "inst/new.txt"})
+        expectRefusal(media.Text() + "\\" + name);
+    expectRefusal("media\\..\\media\\new.txt");
+    // By names that lead to the same file. Wine tells a wrong disk for one on a mapped drive.
+    const std::string hardLink = scratch.Text("link");
+    stdfs::create_hard_link(media.Launcher(), FromUtf8(hardLink));
+    expectRefusal(hardLink);
+    const FolderLink link(scratch.Dir() / "folder", media.Root());
+    expectRefusal(scratch.Text("folder\\new.txt"));
+    const MappedDrive drive("l:", media.Root());
+    expectRefusal("L:\\setup.exe");
+    expectRefusal("L:\\new.txt");
+    EXPECT_EQ(ReadFile(media.Launcher()), program);
+    EXPECT_FALSE(stdfs::exists(media.Root() / "new.txt"));
+}
+
+TEST_F(NoStart, IsToldToProgramsToo) {
+    const Media media = EmptyMedia();
+    ExpectError(Told(media, {"-wait"}, {"--json", "--log", media.Text()}), 125);
+    ExpectError(Told(media, {"-wait"}, {"--json", "--no-such-option"}), 125);
+    stdfs::remove(media.Root() / "setup.exe");
+    ExpectError(Told(media, {"-wait"}, {"--json"}), 127);
+    stdfs::create_directory(media.Root() / "setup.exe");
+    ExpectError(Told(media, {"-wait"}, {"--json"}), 126);
 }
 
 // Longer than mediatool's own command line: the launcher's path is full.

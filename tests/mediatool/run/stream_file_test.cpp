@@ -45,6 +45,40 @@ TEST_F(StreamFileTest, GivesCompleteLinesOnly) {
     EXPECT_EQ(file.TakeRest(), "");
 }
 
+// Each state of a line that is written over, as it comes.
+TEST_F(StreamFileTest, EndsALineAtALoneReturn) {
+    StreamFile file;
+    WriteTo(file.Writer(), "\r10%\r20%");
+    EXPECT_THAT(file.TakeLines(), ElementsAre("10%"));
+    WriteTo(file.Writer(), "\r");
+    EXPECT_THAT(file.TakeLines(), IsEmpty());
+    WriteTo(file.Writer(), "100%\r\r\nnext\r\n\r\n");
+    EXPECT_THAT(file.TakeLines(), ElementsAre("20%", "100%", "next", ""));
+}
+
+TEST_F(StreamFileTest, EndsALineWithoutAnEndAfterAMegabyte) {
+    StreamFile file;
+    const std::string megabyte(1 << 20, 'x');
+    WriteTo(file.Writer(), megabyte + megabyte + "y");
+    EXPECT_THAT(file.TakeLines(), ElementsAre(megabyte, megabyte));
+    WriteTo(file.Writer(), "\n");
+    EXPECT_THAT(file.TakeLines(), ElementsAre("y"));
+    // Not within a character.
+    WriteTo(file.Writer(), megabyte.substr(1) + "\u00FC\n");
+    EXPECT_THAT(file.TakeLines(), ElementsAre(megabyte.substr(1) + "\u00FC"));
+}
+
+TEST_F(StreamFileTest, TakesNoMoreThanFourMegabytesAtOnce) {
+    StreamFile file;
+    const std::string line = std::string((1 << 20) - 1, 'x') + "\n";
+    for (int i = 0; i < 5; ++i)
+        WriteTo(file.Writer(), line);
+    EXPECT_EQ(file.TakeLines().size(), 4u);
+    EXPECT_EQ(file.Taken(), 4u << 20);
+    EXPECT_EQ(file.Size(), 5u << 20);
+    EXPECT_EQ(file.TakeLines().size(), 1u);
+}
+
 TEST_F(StreamFileTest, GivesLinesLongerThanItsPieces) {
     StreamFile file;
     const std::string line(200'000, 'x');

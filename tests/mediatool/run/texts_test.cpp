@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include "mediatool/base/failures.h"
+#include "mediatool/base/json.h"
+#include "mediatool/base/sentences.h"
 #include "mediatool/run/launcher_line.h"
 #include "mediatool/run/moment.h"
 #include "mediatool/run/report.h"
@@ -26,6 +30,24 @@ TEST_P(BadTimeLimit, IsRefused) {
     EXPECT_THROW(TimeLimitOf(GetParam()), BadInput);
 }
 
+std::string ComplaintAbout(const std::string& timeLimit) {
+    try {
+        TimeLimitOf(timeLimit);
+    } catch (const BadInput& failure) {
+        return failure.what();
+    }
+    return {};
+}
+
+TEST(TimeLimit, OfMoreThanAYearIsRefusedAsSuch) {
+    for (const std::string text : {"367d", "31622401", "99999999999999999999d"})
+        EXPECT_EQ(ComplaintAbout(text),
+                  "--time-limit takes a year at most, 366d, not \"" + text + "\".");
+    for (const std::string text : {"soon", "0", "99999999999999999999 years"})
+        EXPECT_EQ(ComplaintAbout(text),
+                  "--time-limit takes a time such as 90m, 2h or 45s, not \"" + text + "\".");
+}
+
 INSTANTIATE_TEST_SUITE_P(Table, BadTimeLimit,
                          testing::Values("", "0", "0m", "m", "-1", "+1", "1.5h", "1 h", "90min",
                                          "90M", "1h30m", "367d", "31622401", " 5",
@@ -40,9 +62,19 @@ TEST(MomentText, IsUtcForPrograms) {
 }
 
 TEST(MomentText, OfTheClockIsTheEndOfTheOneWithTheDate) {
-    EXPECT_TRUE(DateAndClockText(kMoment).ends_with(" " + ClockText(kMoment)));
+    const std::string text = DateAndClockText(kMoment);
+    EXPECT_EQ(text.substr(10, 10), " " + ClockText(kMoment) + " ");
     EXPECT_EQ(ClockText(kMoment).size(), 8u);
-    EXPECT_EQ(DateAndClockText(kMoment).size(), 19u);
+    EXPECT_EQ(text.size(), 26u);
+}
+
+// The same moment, told by the text and by what it says that this zone is ahead of UTC.
+TEST(MomentText, WithTheDateSaysInWhichZoneItIs) {
+    const std::string text = DateAndClockText(kMoment);
+    const int day = std::stoi(text.substr(8, 2));
+    const int minute = (day * 24 + std::stoi(text.substr(11, 2))) * 60 + std::stoi(text.substr(14));
+    const int ahead = std::stoi(text.substr(21, 2)) * 60 + std::stoi(text.substr(24, 2));
+    EXPECT_EQ(text[20] == '-' ? minute + ahead : minute - ahead, (9 * 24 + 20) * 60 + 9) << text;
 }
 
 TEST(MomentText, OfALengthHasHoursInFront) {
@@ -65,7 +97,8 @@ TEST(LauncherLine, BeginsInOneOfFourWays) {
 WatchedRun RunWith(std::uint32_t exitCode, bool installer, const std::string& box = {}) {
     WatchedRun run;
     run.exitCode = exitCode;
-    if (installer) run.installer = SeenInstaller{4711, true};
+    run.launcher = SeenProcess{4700, false, true};
+    if (installer) run.installer = SeenProcess{4711, true, false};
     if (!box.empty()) run.boxes.push_back({{box, false}, 0});
     return run;
 }
@@ -108,6 +141,38 @@ TEST(Meaning, OfAnEndNamesTheInstaller) {
     run = RunWith(130, false);
     run.endedBy = EndedBy::Interrupt;
     EXPECT_EQ(Meaning(run, true), "Interrupted: the launcher was ended; no installer was seen.");
+    run.launcher.reset();
+    EXPECT_EQ(Meaning(run, true), "Interrupted before the launcher was started.");
+}
+
+TEST(Meaning, OfAnEndOfAllSaysWhoWasEnded) {
+    WatchedRun run = RunWith(124, true);
+    run.endedBy = EndedBy::TimeLimit;
+    run.installer = SeenProcess{4711, false, true};
+    RunRequest request;
+    request.endInstaller = true;
+    EXPECT_EQ(MeaningOf(run, request),
+              "The time limit is over: the launcher was ended; the installer, process 4711, was "
+              "ended too.");
+    run.installer->stillRunning = true;
+    run.installer->wasEnded = false;
+    EXPECT_EQ(MeaningOf(run, request),
+              "The time limit is over: the launcher was ended; the installer, process 4711, cannot "
+              "be ended.");
+}
+
+TEST(JsonText, IsAscii) {
+    const std::string text = "Gr\u00F6\u00DFe \x7F";
+    const std::string printed = Printed(Json{{"text", text}});
+    EXPECT_EQ(printed, "{\n  \"text\": \"Gr\\u00f6\\u00dfe \\u007f\"\n}\n");
+    EXPECT_EQ(Json::parse(printed)["text"], text);
+    EXPECT_EQ(Printed("\xE9"), "\"\\ufffd\"\n");
+}
+
+TEST(HarmlessText, HasNoControlCharactersButTabsAndLineEnds) {
+    EXPECT_EQ(Harmless("a\tb\nc \x1B[2J \x7F \r \u009B Gr\u00F6\u00DFe"),
+              "a\tb\nc \\x1B[2J \\x7F \\x0D \\x9B Gr\u00F6\u00DFe");
+    EXPECT_EQ(OnOneLine("a\nb\r\n"), "a\\x0Ab");
 }
 
 TEST(Summary, ShowsALargeCodeAsPeopleKnowItToo) {

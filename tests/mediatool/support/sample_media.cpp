@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "mediatool/media/markers.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 
@@ -27,6 +28,11 @@ std::string ProgramBytes(std::uint16_t machine, bool isLibrary) {
     return bytes;
 }
 
+const std::string& LauncherBytes() {
+    static const std::string bytes = ReadFile(BuiltFile(SETUP_PROGRAM));
+    return bytes;
+}
+
 SampleMedia::SampleMedia(Layout layout, int volumes)
     : folder_(std::make_unique<TemporaryFolder>()),
       first_(layout == Layout::Outer ? "set/7/media/1" : "set/1") {
@@ -37,9 +43,10 @@ SampleMedia::SampleMedia(Layout layout, int volumes)
 void SampleMedia::WriteBasics() {
     for (const char* name : {"meta.TOCxml", "media.xml", "media.db"})
         Write(name, name);
-    for (const char* name : {"setup.exe", "StartTUI.exe", "setup_noUAC.exe",
-                             "inst/win_b64/code/bin/ZEPInsAppliGUI.exe"})
+    for (const char* name :
+         {"StartTUI.exe", "setup_noUAC.exe", "inst/win_b64/code/bin/ZEPInsAppliGUI.exe"})
         Write(name, ProgramBytes(kX64));
+    Write("setup.exe", LauncherBytes());
     Write("inst/common/win_b64.installos");
 }
 
@@ -52,10 +59,11 @@ void SampleMedia::WriteVolumes(Layout layout, int volumes) {
         const std::string name = std::to_string(k);
         const std::string outer = std::to_string(6 + k);
         if (layout == Layout::OneFolder) Marker(name + ".txt");
-        if (layout == Layout::Siblings) Marker("../" + name + "/" + name + ".txt");
-        if (layout != Layout::Outer) continue;
-        Marker("../../../" + outer + "/" + outer + ".txt", "OUTER");
-        Marker("../../../" + outer + "/media/" + name + "/" + name + ".txt");
+        if (layout == Layout::OneFolder) continue;
+        const bool isOuter = layout == Layout::Outer;
+        const std::string folder = (isOuter ? "../../../" + outer + "/media/" : "../") + name;
+        Marker(folder + "/" + name + ".txt").Write(folder + "/content.bin", "content of " + name);
+        if (isOuter) Marker("../../../" + outer + "/" + outer + ".txt", "OUTER");
     }
 }
 

@@ -19,6 +19,9 @@ inline constexpr std::uint16_t kArm64 = 0xAA64;
 // The headers of a Windows program, and nothing else of it.
 std::string ProgramBytes(std::uint16_t machine, bool isLibrary = false);
 
+// The launcher of this build.
+const std::string& LauncherBytes();
+
 // A media without mistakes, in a temporary folder, and what tests do to it. File names are relative
 // to the folder of volume 1 and may lead out of it.
 class SampleMedia {

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <cstddef>
+#include <cstring>
 #include <filesystem>
 #include <utility>
 
@@ -26,17 +28,33 @@ using Media = SampleMedia;
 
 const Mistake kLauncherMistakes[] = {
     {"launcher-missing", Level::Error, Layout::Siblings, [](Media& m) { m.Remove("setup.exe"); },
-     "", "-launcher-not-signed -launcher-not-this-one"},
+     "", "-launcher-not-signed"},
     {"launcher-not-file", Level::Error, kPlain,
-     [](Media& m) { m.Remove("setup.exe").MakeDir("setup.exe"); }, "",
-     "-launcher-not-signed -launcher-not-this-one"},
+     [](Media& m) { m.Remove("setup.exe").MakeDir("setup.exe"); }, "", "-launcher-not-signed"},
     {"launcher-empty", Level::Error, kPlain, [](Media& m) { m.Write("setup.exe", ""); }, "",
-     "-launcher-not-signed -launcher-not-this-one"},
+     "-launcher-not-signed"},
     {"launcher-not-program", Level::Error, kPlain,
-     [](Media& m) { m.Write("setup.exe", "#!/bin/sh\n"); }, "",
-     "-launcher-not-signed -launcher-not-this-one"},
+     [](Media& m) { m.Write("setup.exe", "#!/bin/sh\n"); }, "", "-launcher-not-signed"},
     {"launcher-wrong-machine", Level::Error, kPlain,
-     [](Media& m) { m.Write("setup.exe", ProgramBytes(kArm64)); }},
+     [](Media& m) { m.Write("setup.exe", ProgramBytes(kArm64)); }, "", "launcher-not-this-one"},
+    {"launcher-not-this-one", Level::Error, kPlain,
+     [](Media& m) { m.Write("setup.exe", ProgramBytes(kX64)); }},
+    {"launcher-trailing-bytes", Level::Warning, kPlain,
+     [](Media& m) { m.Write("setup.exe", LauncherBytes() + "x"); }},
+    {"autorun-other-program", Level::Warning, kPlain,
+     [](Media& m) { m.Write("autorun.inf", "[AutoRun]\r\nicon=a.ico\r\nopen=menu.exe /x\r\n"); }},
+    {"autorun-other-program", Level::Warning, kPlain,
+     [](Media& m) {
+         m.Write("autorun.inf", "[autorun.amd64]\nshellexecute = \"start me\\menu.exe\"\n");
+     },
+     "InQuotes"},
+    {"autorun-other-program", Level::Warning, kPlain,
+     [](Media& m) {
+         m.Write("autorun.inf", std::string_view("\xFF\xFE[\0a\0u\0t\0o\0r\0u\0n\0]\0\n\0o\0p\0"
+                                                 "e\0n\0=\0x\0",
+                                                 36));
+     },
+     "InUtf16"},
     {"launcher-redirection", Level::Warning, kPlain,
      [](Media& m) { m.MakeDir("setup.exe.local"); }},
     {"launcher-foreign-manifest", Level::Warning, kPlain,
@@ -44,11 +62,22 @@ const Mistake kLauncherMistakes[] = {
     {"launcher-64-bit-only", Level::Note, kPlain,
      [](Media& m) { m.Write(kExe32, ProgramBytes(kX86)); }, "",
      "flavour-marker-missing -not-for-32-bit-windows"},
-    {"root-entry-missing", Level::Warning, kPlain, [](Media& m) { m.Remove("media.db"); }},
+    {"root-entry-missing", Level::Note, kPlain, [](Media& m) { m.Remove("media.db"); }},
+    {"root-entry-missing", Level::Warning, Layout::OneFolder,
+     [](Media& m) { m.Remove("media.db"); }, "OfASet"},
     {"root-entry-missing", Level::Error, Layout::Siblings,
      [](Media& m) { m.Remove("StartTUI.exe").Remove("../3"); }, "BeforeACopy", "volume-missing"},
     {"root-entry-is-folder", Level::Warning, kPlain,
      [](Media& m) { m.Remove("media.xml").MakeDir("media.xml"); }},
+    {"names-cut-short", Level::Error, kPlain,
+     [](Media& m) {
+         m.Rename("meta.TOCxml", "META.TOC").Rename("setup_noUAC.exe", "SETUP_NO.EXE");
+         m.Rename(kExe, "inst/win_b64/code/bin/ZEPINSAP.EXE");
+         m.Rename(kMarker, "inst/common/WIN_B64.INS");
+     },
+     "", "-not-for-32-bit-windows"},
+    {"root-entry-missing", Level::Note, kPlain,
+     [](Media& m) { m.Rename("meta.TOCxml", "META.TOC"); }, "WithACutName"},
     {"inst-missing", Level::Error, kPlain, [](Media& m) { m.Remove("inst"); }, "",
      "-not-for-32-bit-windows"},
     {"inst-is-file", Level::Error, kPlain, [](Media& m) { m.Remove("inst").Write("inst"); }, "",
@@ -61,6 +90,23 @@ const Mistake kInstallerMistakes[] = {
      "installer-missing -not-for-32-bit-windows"},
     {"installer-missing", Level::Error, kPlain, [](Media& m) { m.Remove(kExe).Remove(kMarker); },
      "", "not-for-windows -not-for-32-bit-windows"},
+    {"installer-missing", Level::Note, kPlain,
+     [](Media& m) { m.Write("inst/intel_a/code/bin/shared.dll", ProgramBytes(kX86, true)); },
+     "BesideTheFirstChoice"},
+    {"installer-missing", Level::Error, kPlain,
+     [](Media& m) {
+         m.Write(kExe32, ProgramBytes(kX86)).Remove(kExe).Remove(kMarker);
+         m.Write("inst/win_b64/code/bin/shared.dll", ProgramBytes(kX64, true));
+     },
+     "BesideTheLastChoice",
+     "flavour-marker-missing launcher-64-bit-only only-32-bit-installer -not-for-32-bit-windows"},
+    {"program-empty", Level::Warning, kPlain,
+     [](Media& m) { m.Write("inst/win_b64/code/bin/helper.DLL"); }},
+    {"program-empty", Level::Warning, kPlain, [](Media& m) { m.Write("StartTUI.exe"); },
+     "AtTheRoot"},
+    {"leftover", Level::Note, kPlain, [](Media& m) { m.Write("inst/data/~WRL1.TMP", "x"); }},
+    {"leftover", Level::Note, kPlain, [](Media& m) { m.Write("inst/Thumbs.db", "x"); }, "Pictures"},
+    {"leftover", Level::Note, kPlain, [](Media& m) { m.Write(".DS_Store", "x"); }, "AtTheRoot"},
     {"installer-other-name", Level::Error, kPlain,
      [](Media& m) {
          m.Rename(kExe, "inst/win_b64/code/bin/ZEPInsAppliGUI_new.exe").Remove(kMarker);
@@ -151,6 +197,53 @@ INSTANTIATE_TEST_SUITE_P(Programs, CutOffPrograms,
                              return std::string(row.index == 0 ? "Installer" : "Launcher");
                          });
 
+// The certificates of a signature are at the end of the file, and a part of it.
+TEST(TrailingBytes, AreNotTheCertificates) {
+    std::string bytes = LauncherBytes();
+    bytes.resize((bytes.size() + 7) / 8 * 8);
+    IMAGE_DOS_HEADER dos{};
+    std::memcpy(&dos, bytes.data(), sizeof dos);
+    const std::size_t headers = static_cast<std::size_t>(dos.e_lfanew);
+    IMAGE_FILE_HEADER file{};
+    std::memcpy(&file, bytes.data() + headers + sizeof(DWORD), sizeof file);
+    const std::size_t directories =
+        file.Machine == kX64 ? offsetof(IMAGE_NT_HEADERS64, OptionalHeader.DataDirectory)
+                             : offsetof(IMAGE_NT_HEADERS32, OptionalHeader.DataDirectory);
+    const IMAGE_DATA_DIRECTORY place{static_cast<DWORD>(bytes.size()), 64};
+    std::memcpy(
+        bytes.data() + headers + directories + IMAGE_DIRECTORY_ENTRY_SECURITY * sizeof place,
+        &place, sizeof place);
+    bytes.append(64, 'c');
+    SampleMedia media;
+    EXPECT_EQ(Changes(media.Write("setup.exe", bytes).Validate()), "-launcher-not-signed");
+    EXPECT_EQ(Changes(media.Write("setup.exe", bytes + "x").Validate()),
+              "launcher-trailing-bytes -launcher-not-signed");
+}
+
+TEST(Autorun, MayStartTheProgramsOfTheMedium) {
+    SampleMedia media;
+    for (const char* open : {"setup.exe", "SETUP.EXE -UI", "\"setup.exe\"", ".\\setup.exe", "setup",
+                             "StartTUI.exe", "setup_noUAC.exe"}) {
+        media.Write("autorun.inf", "[autorun]\r\nopen=" + std::string(open) + "\r\n");
+        EXPECT_EQ(Changes(media.Validate()), "") << open;
+    }
+    media.Write("autorun.inf", "[other]\r\nopen=menu.exe\r\n");
+    EXPECT_EQ(Changes(media.Validate()), "");
+}
+
+// Without the installer, the launcher goes by the marker that is there.
+TEST(FlavourMarkers, OfAnotherFlavourAreTheReason) {
+    SampleMedia media;
+    media.Rename(kMarker, "inst/common/win_csa64.installos");
+    const std::vector<Finding> findings = media.Validate().findings.Sorted();
+    const auto found = std::ranges::find(findings, "flavour-marker-missing", &Finding::id);
+    ASSERT_NE(found, findings.end());
+    EXPECT_EQ(found->what,
+              "There is an installer for win_b64, but only the flavour marker of "
+              "win_csa64.");
+    EXPECT_EQ(found->file, media.Text("inst\\common\\win_b64.installos"));
+}
+
 // The 32-bit refusal is in the ordinary media already: it must go when an installer comes.
 TEST(InstallerNotes, SayThatThereIsNothingFor32BitWindowsOnlyWhenThereIsNot) {
     SampleMedia media;
@@ -208,6 +301,10 @@ const Mistake kCountFileMistakes[] = {
      [](Media& m) { m.Write(kCount, "3\r\r\n"); }},
     {"count-file-cr-only", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kCount, "3\rvolumes\r"); }},
+    {"count-file-cr-only", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kCount, "3\r\r"); }, "WithABlankLine"},
+    {"count-file-control-character", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kCount, std::string_view("3\0", 2)); }, "OfZero"},
     {"count-file-control-character", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kCount, "3\x1A"); }},
     {"count-file-more-lines", Level::Note, Layout::Siblings,

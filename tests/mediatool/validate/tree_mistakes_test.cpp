@@ -42,7 +42,11 @@ TEST(TreeMistakes, AReservedName) {
     SampleMedia media;
     const std::string file = media.Text("inst") + "\\aux.txt";
     ASSERT_TRUE(WriteRaw(file));
-    ExpectFound(media.Validate(), "name-reserved", Level::Error);
+    const Validation validation = media.Validate();
+    ExpectFound(validation, "name-reserved", Level::Error);
+    EXPECT_EQ(validation.findings.Sorted().front().why,
+              "Before Windows 11 and Windows Server 2025, Windows opens the device in place of the "
+              "file.");
     RemoveRaw(file);
     EXPECT_FALSE(Has(media.Validate(), "name-reserved"));
 }
@@ -68,17 +72,23 @@ std::string LongName() {
 // The file itself can be opened where it is: it is the copy whose path would be too long.
 TEST(TreeMistakes, APathThatGetsTooLongInACopy) {
     SampleMedia media;
-    media.Write(LongName());
-    ExpectFound(media.Validate(), "path-too-long-in-copy", Level::Warning);
+    media.Write(LongName(), "x");
+    ExpectFound(media.Validate(), "path-too-long-in-copy", Level::Note);
     mediatool::ValidateRequest request;
     request.folders = {media.Text()};
     request.temp = "C:\\T";
     EXPECT_FALSE(Has(mediatool::Validate(request), "path-too-long-in-copy"));
 }
 
+TEST(TreeMistakes, APathThatGetsTooLongInACopyThatMayBeMade) {
+    SampleMedia media(Layout::Siblings);
+    media.Write(LongName(), "x");
+    ExpectFound(media.Validate(), "path-too-long-in-copy", Level::Warning, "", Layout::Siblings);
+}
+
 TEST(TreeMistakes, APathThatGetsTooLongInACopyThatWillBeMade) {
     SampleMedia media(Layout::Siblings);
-    media.Write(LongName()).Remove("../3");
+    media.Write(LongName(), "x").Remove("../3");
     ExpectFound(media.Validate(), "path-too-long-in-copy", Level::Error, "volume-missing",
                 Layout::Siblings);
 }
@@ -147,7 +157,7 @@ TEST(PlaceMistakes, ALauncherWhosePathIsCut) {
     RemoveDirectoryW(mediatool::Extended(media).c_str());
     ExpectFound(validation, "launcher-path-cut", Level::Error,
                 "launcher-empty not-for-windows root-entry-missing -launcher-not-signed "
-                "-launcher-not-this-one -not-for-32-bit-windows");
+                "-not-for-32-bit-windows");
 }
 
 TEST(PlaceMistakes, AnInstallerWhosePathIsTooLong) {
@@ -198,6 +208,36 @@ TEST(TreeMistakes, AFolderThatCannotBeListed) {
             if (!std::wstring(pattern).ends_with(L"\\closed\\*")) return real(pattern, data);
             SetLastError(ERROR_ACCESS_DENIED);
             return INVALID_HANDLE_VALUE;
+        });
+    ExpectFound(media.Validate(), "folder-unreadable", Level::Error);
+}
+
+// On a disc that tells capitals apart.
+TEST(TreeMistakes, NamesThatDifferInCapitals) {
+    SampleMedia media;
+    media.Write("inst/data/Part.bin", "x").Write("inst/data/Q.bin", "x");
+    const Hook<decltype(&FindNextFileW)> twice(
+        "FindNextFileW", [](auto real, HANDLE search, auto data) -> BOOL {
+            const BOOL found = real(search, data);
+            if (found && std::wstring(data->cFileName) == L"Q.bin")
+                std::wstring(L"PART.BIN").copy(data->cFileName, 9);
+            return found;
+        });
+    const Validation validation = media.Validate();
+    ExpectFound(validation, "name-differs-in-case", Level::Error);
+    EXPECT_EQ(validation.findings.Sorted().front().what,
+              "The name differs from PART.BIN, beside it, only in its capitals.");
+}
+
+TEST(TreeMistakes, AListingThatBreaksOff) {
+    SampleMedia media;
+    media.Write("inst/data/part.bin", "x").Write("inst/data/rest.bin", "x");
+    const Hook<decltype(&FindNextFileW)> broken(
+        "FindNextFileW", [](auto real, HANDLE search, auto data) -> BOOL {
+            const BOOL found = real(search, data);
+            if (!found || std::wstring(data->cFileName) != L"rest.bin") return found;
+            SetLastError(ERROR_CRC);
+            return FALSE;
         });
     ExpectFound(media.Validate(), "folder-unreadable", Level::Error);
 }

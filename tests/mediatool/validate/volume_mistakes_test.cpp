@@ -57,6 +57,21 @@ const Mistake kTextMistakes[] = {
      [](Media& m) { m.Marker(kTwo, "SET\r"); }, "", "volume-id-differs"},
     {"volume-marker-cr-only", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "MTBDIR=SET\rVolume 2"); }, "", "volume-id-differs"},
+    {"volume-marker-cr-only", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "# Volume 2\rMTBDIR=SET\r"); }, "BeforeTheIdentifier"},
+    {"volume-marker-cr-only", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "MTBDIR=SET\r\r"); }, "WithABlankLine", "volume-id-differs"},
+    {"volume-id-letters-differ", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         for (const char* name : {"1.txt", "../3/3.txt"})
+             m.Marker(name, "S\xC3\x89T");
+         m.Marker(kTwo, "SE\xCC\x81T");
+     }},
+    {"volume-id-too-long", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         for (const char* name : {"1.txt", kTwo, "../3/3.txt"})
+             m.Marker(name, std::string(32767, 'x'));
+     }},
     {"volume-marker-two-ids", Level::Warning, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "MTBDIR=SET\r\nMTBDIR=OLD\r\n"); }},
     {"volume-marker-is-folder", Level::Error, Layout::Siblings,
@@ -192,6 +207,32 @@ TEST(Identifiers, ThatAZeroByteTellsApartDoNotDifferInCase) {
     EXPECT_TRUE(Finds(validation, "volume-id-differs"));
     EXPECT_TRUE(Finds(validation, "volume-id-control-character"));
     EXPECT_FALSE(Has(validation, "volume-id-case-differs")) << Ids(validation);
+}
+
+TEST(Identifiers, InComposedAndDecomposedLettersAreSpeltOut) {
+    SampleMedia media(Layout::Siblings);
+    media.Marker("1.txt", "S\xC3\x89T").Marker("../3/3.txt", "S\xC3\x89T");
+    media.Marker(kTwo, "SE\xCC\x81T");
+    EXPECT_EQ(media.Validate().findings.Sorted().front().what,
+              "The identifier is \"SE\\u0301T\"; volume 1 has \"S\\u00C9T\".");
+}
+
+TEST(Identifiers, AsLongAsAVariableHolds) {
+    SampleMedia media(Layout::Siblings);
+    for (const char* name : {"1.txt", kTwo, "../3/3.txt"})
+        media.Marker(name, std::string(32766, 'x'));
+    EXPECT_EQ(Changes(media.Validate(), Layout::Siblings), "");
+}
+
+TEST(Identifiers, AreShortenedForReadersOnly) {
+    SampleMedia media(Layout::Siblings);
+    media.Marker(kTwo, std::string(3000, 'x'));
+    const mediatool::Findings findings = media.Validate().findings;
+    EXPECT_EQ(findings.Sorted().front().what,
+              "The identifier is \"" + std::string(3000, 'x') + "\"; volume 1 has \"SET\".");
+    EXPECT_EQ(findings.Sorted(mediatool::Findings::Shown::Shortened).front().what,
+              "The identifier is \"" + std::string(79, 'x') +
+                  "... (3002 characters); volume 1 has \"SET\".");
 }
 
 TEST(StrayMarkers, AreToldTogetherWithTheMissingVolumes) {

@@ -1,11 +1,12 @@
 # shellcheck shell=sh disable=SC2034
-# For the shell tests of what makes a release, to be sourced: a folder for each run, checks that are
-# counted, and what a refusal is.
+# For the shell tests, to be sourced: a folder for each run, checks that are counted, and what a
+# refusal is.
 
 project=$(cd "$(dirname "$0")/../.." && pwd)
+tools=$project/tools
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-trap 'exit 1' INT TERM HUP
+trap 'exit 1' HUP INT TERM
 failures=0
 
 # check TEXT COMMAND...: the command succeeds

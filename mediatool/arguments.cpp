@@ -1,0 +1,208 @@
+#include "mediatool/arguments.h"
+
+#include <algorithm>
+#include <numeric>
+#include <optional>
+
+#include "mediatool/base/failures.h"
+#include "mediatool/base/files.h"
+#include "mediatool/base/sentences.h"
+
+namespace launcher::mediatool {
+namespace {
+
+constexpr char kHelp[] = "--help";
+
+bool AsksForHelp(const std::string& word) {
+    return word == kHelp || word == "-h" || word == "/?" || word == "-?";
+}
+
+// "a, b and c", with these between them.
+std::string Listed(const std::vector<std::string>& names, const std::string& comma,
+                   const std::string& last) {
+    std::string list;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        list += (i == 0 ? "" : i + 1 < names.size() ? comma : last) + names[i];
+    return list;
+}
+
+// How many characters have to be put in, left out or replaced to come from one to the other.
+std::size_t Distance(const std::string& from, const std::string& to) {
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row[to.size()];
+}
+
+// The name that may have been meant; one that only begins so as well.
+std::optional<std::string> Meant(const std::string& word, const std::vector<std::string>& names) {
+    const std::string lower = InLowerCase(word);
+    const auto mistakes = [&lower](const std::string& name) {
+        const bool isBeginning = lower.size() > 2 && name.starts_with(lower);
+        return isBeginning ? 0 : Distance(lower, name);
+    };
+    const auto nearest = std::ranges::min_element(names, {}, mistakes);
+    if (nearest == names.end() || mistakes(*nearest) > std::max<std::size_t>(1, word.size() / 3))
+        return std::nullopt;
+    return *nearest;
+}
+
+std::vector<std::string> CommandNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    return names;
+}
+
+std::vector<std::string> OptionNames(const CLI::App& command) {
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : command.get_options())
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    return names;
+}
+
+bool IsPath(const CLI::Option& option) {
+    return option.get_positional() || option.get_type_name() == "FOLDER" ||
+           option.get_type_name() == "FILE";
+}
+
+// In "C:\a b\" the last backslash makes the quote a part of the text, which goes on behind it. One
+// in front is meant: TEMP may stand in quotes.
+void CheckQuotes(const std::string& path) {
+    const std::size_t quote = path.find('"');
+    if (quote == 0 || quote == std::string::npos) return;
+    throw BadInput("The path " + path.substr(0, quote + 1) +
+                   "... has a quote in it: a backslash before the closing quote, as in \"" +
+                   path.substr(0, quote) + "\\\", does that; leave it out.");
+}
+
+class Check {
+  public:
+    Check(const CLI::App& command, const std::string& hint) : command_(command), hint_(hint) {}
+
+    std::vector<std::string> Of(const std::vector<std::string>& words) {
+        for (std::size_t i = 0; i < words.size(); ++i)
+            if (words[i].size() > 1 && words[i].front() == '-')
+                i += TakeOption(words[i], i + 1 < words.size() ? &words[i + 1] : nullptr);
+            else
+                TakePath(words[i]);
+        for (const CLI::Option* const option : command_.get_options())
+            if (option->get_required() && !IsGiven(*option))
+                throw BadInput(option->get_name() + " is required; mediatool help " +
+                               command_.get_name() + " tells more.");
+        return checked_;
+    }
+
+  private:
+    // How many of the words after it belong to it.
+    std::size_t TakeOption(const std::string& word, const std::string* next) {
+        const std::size_t equals = word.find('=');
+        const std::string name = word.substr(0, equals);
+        const CLI::Option& option = Known(name);
+        const bool takesValue = option.get_items_expected_max() > 0;
+        if (!takesValue && equals != std::string::npos) throw BadInput(name + " takes no value.");
+        const bool isAgain = IsGiven(option);
+        given_.push_back(&option);
+        if (!takesValue) {
+            if (!isAgain) checked_.push_back(name);
+            return 0;
+        }
+        if (isAgain && option.get_multi_option_policy() != CLI::MultiOptionPolicy::TakeAll)
+            throw BadInput(name + " is given twice.");
+        const bool hasNext = next != nullptr && Find(*next) == nullptr;
+        if (equals == std::string::npos && !hasNext)
+            throw BadInput(name + " is there without its value.");
+        const std::string value = equals == std::string::npos ? *next : word.substr(equals + 1);
+        if (IsPath(option)) CheckQuotes(value);
+        checked_.insert(checked_.end(), {name, value});
+        return equals == std::string::npos ? 1 : 0;
+    }
+
+    void TakePath(const std::string& word) {
+        CheckQuotes(word);
+        const auto options = command_.get_options();
+        const auto room = std::ranges::find_if(options, [this](const CLI::Option* option) {
+            return option->get_positional() &&
+                   std::ranges::count(given_, option) < option->get_items_expected_max();
+        });
+        if (room == options.end())
+            throw BadInput(Quoted(word) +
+                           " is one argument too many; a path with blanks needs quotes" + hint_ +
+                           ".");
+        given_.push_back(*room);
+        checked_.push_back(word);
+    }
+
+    const CLI::Option* Find(const std::string& name) const {
+        return name.starts_with('-') ? command_.get_option_no_throw(name) : nullptr;
+    }
+
+    const CLI::Option& Known(const std::string& name) const {
+        if (const CLI::Option* const option = Find(name)) return *option;
+        const auto meant = Meant(name, OptionNames(command_));
+        throw BadInput("There is no option " + Quoted(name) +
+                       (meant ? "; did you mean " + *meant : "") + hint_ + (meant ? "?" : "."));
+    }
+
+    bool IsGiven(const CLI::Option& option) const {
+        return std::ranges::count(given_, &option) > 0;
+    }
+
+    const CLI::App& command_;
+    const std::string& hint_;
+    std::vector<const CLI::Option*> given_;  // once for each time
+    std::vector<std::string> checked_;
+};
+
+}  // namespace
+
+std::vector<std::string> WithHelpAsked(std::vector<std::string> arguments) {
+    const bool isHelp = !arguments.empty() && arguments.front() == "help";
+    if (isHelp) arguments.erase(arguments.begin());
+    if (!isHelp && std::ranges::none_of(arguments, AsksForHelp)) return arguments;
+    const bool hasCommand = !arguments.empty() && !AsksForHelp(arguments.front());
+    return hasCommand ? std::vector<std::string>{arguments.front(), kHelp}
+                      : std::vector<std::string>{kHelp};
+}
+
+const CLI::App* CommandOf(const CLI::App& app, const std::vector<std::string>& arguments) {
+    const std::vector<std::string> names = CommandNames(app);
+    const std::string all = "; there are " + Listed(names, ", ", " and ") + ".";
+    if (arguments.empty()) throw BadInput("The command is missing" + all);
+    const std::string& name = arguments.front();
+    if (name == kHelp || name == "--version") return nullptr;
+    if (std::ranges::count(names, name) > 0) return app.get_subcommand(name);
+    if (name.starts_with('-'))
+        throw BadInput("The command has to stand before " + Quoted(name) + all);
+    const auto meant = Meant(name, names);
+    throw BadInput("There is no command " + Quoted(name) +
+                   (meant ? "; did you mean " + *meant + "?" : all));
+}
+
+std::vector<std::string> Checked(const CLI::App& command, const std::vector<std::string>& arguments,
+                                 const std::string& hint) {
+    if (std::ranges::count(arguments, kHelp) > 0) return arguments;
+    std::vector<std::string> checked =
+        Check(command, hint).Of({arguments.begin() + 1, arguments.end()});
+    checked.insert(checked.begin(), arguments.front());
+    return checked;
+}
+
+CLI::Validator OneOf(const std::vector<std::string>& values) {
+    return CLI::Validator(
+        [values](const std::string& value) {
+            if (std::ranges::count(values, value) > 0) return std::string();
+            return Listed(values, ", ", " or ") + ", not " + Quoted(value) + ".";
+        },
+        "{" + Listed(values, ",", ",") + "}");
+}
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,71 @@
+#include "mediatool/run/run_log.h"
+
+#include <atomic>
+
+#include "fs/exceptions.h"
+#include "fs/text.h"
+#include "mediatool/base/failures.h"
+#include "mediatool/base/files.h"
+#include "mediatool/base/sentences.h"
+#include "mediatool/run/log_file.h"
+
+namespace launcher::mediatool {
+namespace {
+
+constexpr std::size_t kLogKeeps = 8 << 20;  // bytes
+
+}  // namespace
+
+struct RunLog::File {
+    LogFile file;
+    std::atomic<DWORD> error = ERROR_SUCCESS;  // after which nothing more is written
+
+    explicit File(const std::string& path) : file(path) {}
+
+    void Write(const std::string& text) {
+        if (error != ERROR_SUCCESS || file.Add(text)) return;
+        const DWORD reason = GetLastError();
+        error = reason != ERROR_SUCCESS ? reason : ERROR_WRITE_FAULT;
+    }
+};
+
+RunLog::RunLog(const std::string& path) : name_(path), file_(std::make_shared<File>(path)) {}
+
+void RunLog::Begin(const std::string& heading) {
+    outbox_.Add([file = file_](const std::string& text) { file->Write(text); }, heading + "\n");
+    const bool isStuck = outbox_.Finish() > 0;
+    if (isStuck)
+        throw BadInput("The log " + Quoted(name_) +
+                       " cannot be written: its disk does not answer.");
+    if (file_->error != ERROR_SUCCESS)
+        throw BadInput("The log " + Quoted(name_) +
+                       " cannot be written: " + ErrorText(file_->error) + ".");
+}
+
+void RunLog::Add(const std::string& lines) {
+    const std::string number = std::to_string(GetCurrentProcessId()) + "  ";
+    std::string numbered = number + lines;
+    ReplaceAll(numbered, "\n", "\n" + number, number.size());
+    numbered.resize(numbered.size() - number.size());  // behind the last line
+    outbox_.Add([file = file_](const std::string& text) { file->Write(text); }, numbered);
+}
+
+bool RunLog::IsFull() const {
+    return outbox_.Waiting() > kLogKeeps;
+}
+
+std::optional<std::string> RunLog::NewFailure() {
+    if (failureIsTold_ || file_->error == ERROR_SUCCESS) return std::nullopt;
+    failureIsTold_ = true;
+    return "The log " + Quoted(name_) + " can no longer be written: " + ErrorText(file_->error) +
+           ".";
+}
+
+std::optional<std::string> RunLog::Finish() {
+    const std::size_t lines = outbox_.Finish();
+    if (lines == 0) return NewFailure();
+    return "The log " + Quoted(name_) + " did not take everything: its disk does not answer; " +
+           Counted(lines, "line") + " may be missing.";
+}
+
+}  // namespace launcher::mediatool

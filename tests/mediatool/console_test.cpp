@@ -1,0 +1,155 @@
+// mediatool's output: terminals and files that hooks play.
+
+#include "mediatool/base/console.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fs/encoding.h"
+#include "tests/support/hook.h"
+
+namespace launcher::test {
+namespace {
+
+using mediatool::Colour;
+using mediatool::Painted;
+using mediatool::PrintOut;
+using testing::Each;
+using testing::ElementsAre;
+using testing::Le;
+
+// What a stream says when it is asked for the mode that only terminals have.
+auto IsTerminal(bool terminal) {
+    return [terminal](auto, HANDLE, DWORD* mode) -> BOOL {
+        *mode = 0;
+        return terminal;
+    };
+}
+
+class TerminalTest : public testing::Test {
+  protected:
+    // Prints on a terminal that takes as many characters as this at a time.
+    void Print(const std::string& text, DWORD most = MAXDWORD) {
+        const Hook<decltype(&GetConsoleMode)> mode("GetConsoleMode", IsTerminal(true));
+        const Hook<decltype(&WriteConsoleW)> write(
+            "WriteConsoleW",
+            [this, most](auto, HANDLE, const void* piece, DWORD length, DWORD* written, void*) {
+                offered.push_back(length);
+                *written = std::min(length, most);
+                shown.emplace_back(static_cast<const wchar_t*>(piece), *written);
+                return TRUE;
+            });
+        PrintOut(text);
+    }
+    std::wstring Shown() const {
+        std::wstring all;
+        for (const std::wstring& piece : shown)
+            all += piece;
+        return all;
+    }
+
+    std::vector<DWORD> offered;
+    std::vector<std::wstring> shown;
+};
+
+// Windows 7 refuses a write of 64 KB altogether.
+TEST_F(TerminalTest, GetsALongTextInSmallPieces) {
+    const std::string text(100'000, 'x');
+    Print(text);
+    EXPECT_EQ(Shown(), ToWide(text));
+    EXPECT_THAT(offered, Each(Le(16'384u)));
+}
+
+// Characters of two halves, at even and at odd places.
+TEST_F(TerminalTest, GetsWholeCharacters) {
+    for (std::string text : {"", "x"}) {
+        for (int i = 0; i < 20'000; ++i)
+            text += "\xF0\x9F\x92\xBF";
+        shown.clear();
+        Print(text);
+        EXPECT_EQ(Shown(), ToWide(text));
+        for (const std::wstring& piece : shown)
+            EXPECT_FALSE(IS_HIGH_SURROGATE(piece.back()));
+    }
+}
+
+TEST_F(TerminalTest, GetsTheRestOfWhatItTookInPart) {
+    Print("Größe 漢字", 3);
+    EXPECT_EQ(Shown(), ToWide("Größe 漢字"));
+    EXPECT_THAT(offered, ElementsAre(8, 5, 2));
+}
+
+TEST_F(TerminalTest, ThatTakesNothingIsNotAskedAgain) {
+    Print("text", 0);
+    EXPECT_THAT(offered, ElementsAre(4));
+}
+
+TEST_F(TerminalTest, ThatFailsIsNotAskedAgain) {
+    const Hook<decltype(&GetConsoleMode)> mode("GetConsoleMode", IsTerminal(true));
+    int asked = 0;
+    const Hook<decltype(&WriteConsoleW)> write("WriteConsoleW", [&asked](auto&&...) {
+        ++asked;
+        return FALSE;
+    });
+    PrintOut("text");
+    EXPECT_EQ(asked, 1);
+}
+
+// A file or a pipe, which takes bytes.
+class StreamTest : public testing::Test {
+  protected:
+    // Prints on one whose writes succeed or not, and take as many bytes as this at a time.
+    void Print(const std::string& text, BOOL success, DWORD most) {
+        const Hook<decltype(&GetConsoleMode)> mode("GetConsoleMode", IsTerminal(false));
+        const Hook<decltype(&::WriteFile)> write(
+            "WriteFile", [&](auto, HANDLE, const void* piece, DWORD length, DWORD* written, auto*) {
+                ++asked;
+                *written = std::min(length, most);
+                taken.append(static_cast<const char*>(piece), *written);
+                return success;
+            });
+        PrintOut(text);
+    }
+
+    int asked = 0;
+    std::string taken;
+};
+
+TEST_F(StreamTest, GetsTheRestOfWhatItTookInPart) {
+    Print("Größe 漢字", TRUE, 4);
+    EXPECT_EQ(taken, "Größe 漢字");
+}
+
+TEST_F(StreamTest, ThatTakesNothingIsNotAskedAgain) {
+    Print("text", TRUE, 0);
+    EXPECT_EQ(asked, 1);
+}
+
+TEST_F(StreamTest, ThatFailsIsNotAskedAgain) {
+    Print("text", FALSE, 0);
+    EXPECT_EQ(asked, 1);
+}
+
+// Ends the process with 1 when a text is painted on a terminal that does this with colours.
+void EndWithColours(BOOL understands) {
+    SetEnvironmentVariableW(L"NO_COLOR", nullptr);
+    const Hook<decltype(&GetConsoleMode)> mode("GetConsoleMode", IsTerminal(true));
+    const Hook<decltype(&SetConsoleMode)> colours("SetConsoleMode",
+                                                  [=](auto&&...) { return understands; });
+    std::exit(Painted(Colour::Red, "text") == "text" ? 0 : 1);
+}
+
+TEST(ColoursDeathTest, AreForTerminalsThatUnderstandThem) {
+    EXPECT_EXIT(EndWithColours(TRUE), testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(EndWithColours(FALSE), testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace launcher::test

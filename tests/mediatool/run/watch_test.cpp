@@ -1,0 +1,167 @@
+// The watching itself, in this process, with a program that acts in the launcher's place.
+
+#include <algorithm>
+#include <functional>
+
+#include "fs/environment.h"
+#include "mediatool/run/interruption.h"
+#include "mediatool/run/report.h"
+#include "mediatool/run/run.h"
+#include "mediatool/run/start.h"
+#include "tests/mediatool/run/support/watched_process.h"
+#include "tests/support/hook.h"
+#include "tests/support/isolated_test.h"
+#include "tests/support/wine.h"
+
+namespace launcher::mediatool {
+namespace {
+
+namespace stdfs = std::filesystem;
+using testing::HasSubstr;
+
+struct TestWitness : Witness {
+    void Saw(const std::vector<SeenLine>& lines) override {
+        for (const SeenLine& line : lines)
+            seen.push_back(line.text);
+        if (sees) sees();
+    }
+    void Saw(const AnsweredBox&) override {}
+    void TimePassed(std::uint64_t) override { ++ticks; }
+    bool TakesMore() override { return ticks >= ticksWithoutRoom; }
+
+    std::vector<std::string> seen;
+    std::function<void()> sees;
+    int ticks = 0;
+    int ticksWithoutRoom = 0;
+};
+
+class WatchTest : public test::IsolatedTest {
+  protected:
+    WatchTest() {
+        stdfs::copy_file(test::BuiltFile(ACTING_INSTALLER), folder_.Dir() / "acting.exe");
+        request_.launcher = folder_.Text("acting.exe");
+        request_.arguments = {"-wait"};
+    }
+    ~WatchTest() override {
+        event_.Set();
+        EXPECT_TRUE(test::NoneRunsBelow(folder_.Dir()));
+    }
+
+    WatchedRun Run(const std::string& acts) {
+        SetEnvVar("STANDIN_ACTS", acts);
+        const Interruption interruption;
+        for (;;)
+            try {
+                return RunWatched(request_, interruption, witness_);
+            } catch (const NotStarted& failure) {
+                if (std::string(failure.what()).find("(error 1359)") == std::string::npos) throw;
+            }
+    }
+
+    test::TemporaryFolder folder_;
+    test::NamedEvent event_;
+    RunRequest request_;
+    TestWitness witness_;
+};
+
+TEST_F(WatchTest, ThatFailsEndsTheLauncher) {
+    witness_.sees = [] { throw std::runtime_error("no more memory"); };
+    const WatchedRun run = Run("print one|wait " + event_.Name());
+    EXPECT_EQ(run.exitCode, 125u);
+    EXPECT_EQ(run.endedBy, EndedBy::Failure);
+    EXPECT_EQ(run.failure, "no more memory");
+    ASSERT_TRUE(run.launcher);
+    EXPECT_FALSE(run.launcher->stillRunning);
+    EXPECT_TRUE(run.launcher->wasEnded);
+    EXPECT_EQ(MeaningOf(run, request_),
+              "mediatool failed (no more memory): the launcher was ended; no installer was seen.");
+    EXPECT_TRUE(test::RunningBelow(folder_.Dir()).empty());
+}
+
+TEST_F(WatchTest, ThatFailsEndsTheWholeFamilyIfAsked) {
+    witness_.sees = [] { throw std::runtime_error("no more memory"); };
+    request_.endInstaller = true;
+    const std::string wait = "wait " + event_.Name();
+    const WatchedRun run = Run("child " + wait + "|print one|" + wait);
+    EXPECT_EQ(run.endedBy, EndedBy::Failure);
+    ASSERT_TRUE(run.installer);
+    EXPECT_TRUE(run.installer->wasEnded);
+}
+
+TEST_F(WatchTest, OfALauncherThatCannotBeEndedSaysSo) {
+    request_.timeLimit = 1000;
+    WatchedRun run;
+    {
+        const test::Hook<decltype(&TerminateProcess)> hook(
+            "TerminateProcess", test::FailsWith<BOOL>(ERROR_ACCESS_DENIED, FALSE));
+        run = Run("wait " + event_.Name());
+    }
+    EXPECT_EQ(run.exitCode, 124u);
+    ASSERT_TRUE(run.launcher);
+    EXPECT_TRUE(run.launcher->stillRunning);
+    EXPECT_EQ(MeaningOf(run, request_), "The time limit is over: the launcher, process " +
+                                            std::to_string(run.launcher->processId) +
+                                            ", cannot be ended; no installer was seen.");
+}
+
+TEST_F(WatchTest, KeepsTheFirstLinesAndCountsTheOthers) {
+    const WatchedRun run = Run("lines 200000");
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.lines.size(), kKeptLines / 198);
+    EXPECT_EQ(run.lines.size() + run.linesLeftOut, 200'000u);
+    EXPECT_EQ(witness_.seen.size(), 200'000u);
+    EXPECT_THAT(witness_.seen.back(), HasSubstr("line 199999 ."));
+}
+
+TEST_F(WatchTest, LeavesLinesWhereTheyAreUntilThereIsRoom) {
+    witness_.ticksWithoutRoom = 10;
+    witness_.sees = [this] { EXPECT_GE(witness_.ticks, 10); };
+    request_.timeLimit = 2000;
+    const WatchedRun run = Run("lines 100|wait " + event_.Name());
+    EXPECT_EQ(run.lines.size(), 100u);
+}
+
+TEST_F(WatchTest, GoesOnWithoutRoomForLines) {
+    witness_.ticksWithoutRoom = 1'000'000;
+    request_.timeLimit = 1000;
+    const WatchedRun run = Run("lines 100|wait " + event_.Name());
+    EXPECT_EQ(run.exitCode, 124u);
+    EXPECT_EQ(run.bytesLeft, 10'000u);
+}
+
+// Nobody would let it go on if mediatool were killed before it did.
+TEST_F(WatchTest, StartsNothingThatIsSuspended) {
+    DWORD flags = CREATE_SUSPENDED;
+    request_.endInstaller = true;
+    {
+        const test::Hook<decltype(&CreateProcessW)> hook(
+            "CreateProcessW", [&flags](auto real, auto program, auto line, auto process,
+                                       auto thread, auto inherits, DWORD asked, auto... rest) {
+                flags = asked;
+                return real(program, line, process, thread, inherits, asked, rest...);
+            });
+        Run("exit 0");
+    }
+    EXPECT_EQ(flags & CREATE_SUSPENDED, 0u);
+}
+
+class ProgramCheck : public test::IsolatedTest, public testing::WithParamInterface<DWORD> {};
+
+// It may be there all the same.
+TEST_P(ProgramCheck, TellsWhatCannotBeLookedAtFromNone) {
+    const test::Hook<decltype(&GetFileAttributesExW)> hook(
+        "GetFileAttributesExW", test::FailsWith<BOOL>(GetParam(), FALSE));
+    try {
+        CheckProgram("C:\\setup.exe");
+        ADD_FAILURE();
+    } catch (const NotStarted& failure) {
+        EXPECT_EQ(failure.ExitCode(), 126);
+        EXPECT_THAT(failure.what(), HasSubstr("Windows cannot start \"C:\\setup.exe\": "));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Errors, ProgramCheck,
+                         testing::Values(ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION));
+
+}  // namespace
+}  // namespace launcher::mediatool

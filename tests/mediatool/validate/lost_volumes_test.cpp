@@ -1,0 +1,179 @@
+// Volumes that are given as drives or folders of their own, volumes without content, and those that
+// are found where the launcher does not look.
+
+#include "tests/mediatool/validate/mistake_row.h"
+#include "tests/support/links.h"
+
+namespace launcher::test {
+namespace {
+
+using Media = SampleMedia;
+
+// Sets of three volumes, each on a drive of its own, and what is wrong with them.
+struct DiscRow {
+    const char* name;
+    void (*make)(SampleMedia& media);
+    const char* changes;  // as Changes() tells them
+    bool isThirdGiven = true;
+};
+void PrintTo(const DiscRow& row, std::ostream* stream) {
+    *stream << row.name;
+}
+
+class VolumesOnDrives : public testing::TestWithParam<DiscRow> {};
+
+TEST_P(VolumesOnDrives, AreCheckedForNumberAndIdentifier) {
+    SampleMedia media(Layout::Siblings);
+    media.Rename("../2", "../../two").Rename("../3", "../../three");
+    GetParam().make(media);
+    const MappedDrive first("n:", FromUtf8(media.Text()));
+    const MappedDrive second("o:", FromUtf8(media.Text("../../two")));
+    const MappedDrive third("p:", FromUtf8(media.Text("../../three")));
+    mediatool::ValidateRequest request;
+    request.folders = {ToUtf8(first.Root()), ToUtf8(second.Root())};
+    if (GetParam().isThirdGiven) request.folders.push_back(ToUtf8(third.Root()));
+    const Validation validation = mediatool::Validate(request);
+    EXPECT_EQ(Changes(validation, Layout::Siblings), GetParam().changes) << Ids(validation);
+}
+
+const DiscRow kDiscs[] = {
+    {"Right", [](Media&) {}, "volumes-on-other-drives"},
+    {"AForeignIdentifier", [](Media& m) { m.Marker("../../three/3.txt", "OTHER"); },
+     "volume-id-differs volumes-on-other-drives"},
+    {"AnIdentifierInOtherLetters", [](Media& m) { m.Marker("../../three/3.txt", "set"); },
+     "volume-id-case-differs volumes-on-other-drives"},
+    {"NoMarker", [](Media& m) { m.Remove("../../three/3.txt"); },
+     "volume-marker-missing volumes-on-other-drives"},
+    {"NoMarkerAtAll", [](Media& m) { m.Remove("../../two/2.txt").Remove("../../three/3.txt"); },
+     "volume-marker-missing volumes-on-other-drives"},
+    {"AMarkerWithAZero", [](Media& m) { m.Rename("../../three/3.txt", "../../three/03.txt"); },
+     "volume-marker-leading-zeros volumes-on-other-drives"},
+    {"AMarkerWithAMark",
+     [](Media& m) { m.Write("../../three/3.txt", "\xEF\xBB\xBFMTBDIR=SET\r\n"); },
+     "volume-marker-bom volumes-on-other-drives"},
+    {"ADiscThatIsNotGiven", [](Media&) {}, "volume-missing volumes-on-other-drives", false},
+    {"TheSameNumberTwice", [](Media& m) { m.Rename("../../three/3.txt", "../../three/2.txt"); },
+     "volume-missing volume-number-twice volumes-on-other-drives"},
+    {"ANumberBeyondTheCount", [](Media& m) { m.Rename("../../three/3.txt", "../../three/4.txt"); },
+     "volume-beyond-count volume-missing volumes-on-other-drives"},
+    {"AWholeOtherMedium",
+     [](Media& m) {
+         m.Remove("../../three/3.txt").Marker("../../three/1.txt", "OTHER");
+         m.Write("../../three/setup.exe").Write("../../three/inst/volumes.txt", "2\r\n");
+     },
+     "count-file-in-later-volume folder-other-medium volume-missing volumes-on-other-drives"},
+    {"AnEmptyDisc", [](Media& m) { m.Remove("../../three/content.bin"); },
+     "volume-empty volumes-on-other-drives"},
+};
+INSTANTIATE_TEST_SUITE_P(Discs, VolumesOnDrives, testing::ValuesIn(kDiscs),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(VolumesOnDrives, NameTheFileThatIsMissing) {
+    SampleMedia media(Layout::Siblings);
+    media.Rename("../2", "../../two").Rename("../3", "../../three");
+    media.Remove("../../three/3.txt");
+    const Validation validation = media.Validate({"../../two", "../../three"});
+    const std::vector<Finding> findings = validation.findings.Sorted();
+    EXPECT_EQ(findings.front().id, "volume-marker-missing");
+    EXPECT_EQ(findings.front().file, media.Text("../../three/3.txt"));
+    EXPECT_EQ(findings.front().action, "Write the file with the line MTBDIR=SET.");
+}
+
+TEST(VolumesOnDrives, ThatAreAnotherMediumAreNamed) {
+    SampleMedia media(Layout::Siblings);
+    media.Rename("../2", "../../two").Rename("../3", "../../three");
+    SampleMedia other(Layout::Siblings);
+    other.Marker("1.txt", "OTHER");
+    mediatool::ValidateRequest request;
+    request.folders = {media.Text(), media.Text("../../two"), media.Text("../../three"),
+                       other.Text()};
+    const std::vector<Finding> findings = mediatool::Validate(request).findings.Sorted();
+    EXPECT_EQ(findings.front().id, "folder-other-medium");
+    EXPECT_EQ(findings.front().file, other.Text());
+}
+
+struct EmptyRow {
+    const char* name;
+    Layout layout;
+    void (*make)(SampleMedia& media);
+    bool isEmpty;
+};
+void PrintTo(const EmptyRow& row, std::ostream* stream) {
+    *stream << row.name;
+}
+
+class EmptyVolumes : public testing::TestWithParam<EmptyRow> {};
+
+TEST_P(EmptyVolumes, AreReported) {
+    SampleMedia media(GetParam().layout);
+    GetParam().make(media);
+    const Validation validation = media.Validate();
+    EXPECT_EQ(Changes(validation, GetParam().layout), GetParam().isEmpty ? "volume-empty" : "")
+        << Ids(validation);
+}
+
+const EmptyRow kEmpty[] = {
+    {"TheSecond", Layout::Siblings, [](Media& m) { m.Remove("../2/content.bin"); }, true},
+    {"TheLast", Layout::Siblings, [](Media& m) { m.Remove("../3/content.bin"); }, true},
+    {"InOuterVolumes", Layout::Outer, [](Media& m) { m.Remove("../../../9/media/3/content.bin"); },
+     true},
+    {"WithAnEmptyFolder", Layout::Siblings,
+     [](Media& m) { m.Remove("../2/content.bin").MakeDir("../2/data"); }, true},
+    {"WithALeftover", Layout::Siblings,
+     [](Media& m) { m.Remove("../2/content.bin").Write("../2/Thumbs.db", "x"); }, true},
+    {"WithAListOfChecksums", Layout::Siblings,
+     [](Media& m) { m.Remove("../2/content.bin").Write("../2/SHA256SUMS", "x"); }, true},
+    {"ButForAFolder", Layout::Siblings,
+     [](Media& m) { m.Remove("../2/content.bin").Write("../2/data/part.cab", "x"); }, false},
+};
+INSTANTIATE_TEST_SUITE_P(Volumes, EmptyVolumes, testing::ValuesIn(kEmpty),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+// Nothing is said of discs where the volumes are found.
+const Mistake kLost[] = {
+    {"volume-misplaced", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Rename("../2", "2").Rename("../3", "3"); }, "BelowVolumeOne"},
+    {"volume-misplaced", Level::Error, Layout::Siblings,
+     [](Media& m) { m.MakeDir("../Disk").Rename("../2", "../Disk/2").Rename("../3", "../Disk/3"); },
+     "InAFolderBeside"},
+    {"volume-misplaced", Level::Error, Layout::Siblings,
+     [](Media& m) { m.MakeDir("../Disk").Rename("../2", "../Disk/2").Remove("../3"); },
+     "BesideAMissingOne", "volume-missing"},
+    {"volume-too-deep", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Rename("../2", "../x").MakeDir("../2").Rename("../x", "../2/Disc 2"); }},
+    {"volume-too-deep", Level::Error, Layout::Outer,
+     [](Media& m) {
+         m.Rename("../../../8", "../../../x").MakeDir("../../../8");
+         m.Rename("../../../x", "../../../8/8");
+     },
+     "OfAnOuterVolume"},
+    {"volume-marker-wrong-number", Level::Error, Layout::Outer,
+     [](Media& m) {
+         m.Rename("../../../8/media/2/2.txt", "../../../8/media/2/3.txt");
+         m.Rename("../../../9/media/3/3.txt", "../../../9/media/3/2.txt");
+     },
+     "SwappedInOuterVolumes"},
+    {"volume-not-unpacked", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         m.Remove("../2").Remove("../3").Write("../2.zip", "PK").Write("../Disc-3.ISO", "x");
+     }},
+    {"volume-not-unpacked", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Remove("../2").Remove("../3").Write("../2.zip", "PK"); }, "BesideAMissingOne",
+     "volume-missing"},
+};
+class LostVolumeTest : public MistakeTest {};
+TEST_P(LostVolumeTest, IsFoundByItsName) {
+    ExpectToBeFound(GetParam());
+}
+INSTANTIATE_TEST_SUITE_P(Lost, LostVolumeTest, testing::ValuesIn(kLost), MistakeName);
+
+// The launcher's own search asks for what a listing names, and so does validate.
+TEST(DamagedCounts, AreNotFollowedToTheEnd) {
+    SampleMedia media(Layout::Siblings);
+    media.Write("inst/volumes.txt", "2147483647\r\n").Rename("../3", "../Disk");
+    EXPECT_EQ(Changes(media.Validate(), Layout::Siblings),
+              "count-file-absurd volume-folder-named-otherwise volume-missing");
+}
+
+}  // namespace
+}  // namespace launcher::test
