@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <exception>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -14,8 +15,8 @@
 #include "mediatool/base/files.h"
 #include "mediatool/base/json.h"
 #include "mediatool/base/sentences.h"
+#include "mediatool/create/checksum.h"
 #include "mediatool/create/report.h"
-#include "mediatool/create/writer.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "mediatool/dry_run/report.h"
 #include "mediatool/run/command.h"
@@ -28,11 +29,28 @@ namespace {
 const std::map<std::string, Layout> kLayouts = {
     {"one-folder", Layout::OneFolder}, {"siblings", Layout::Siblings}, {"outer", Layout::Outer}};
 
+// In milliseconds.
+unsigned long long Now() {
+    using std::chrono::steady_clock;
+    const auto since = steady_clock::now().time_since_epoch();
+    return static_cast<unsigned long long>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(since).count());
+}
+
 // One value for each time that the option is given.
 CLI::Option* MayBeGivenAgain(CLI::Option* option) {
     return option->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->allow_extra_args(false);
+}
+
+// Shows them on `line`, with the rate since that work began.
+TellAmounts ShownOn(Progress& line) {
+    return [&line, what = std::string(), begin = 0ULL](const Amounts& amounts) mutable {
+        if (what != amounts.what) begin = Now();
+        what = amounts.what;
+        line.Show(TextOf(amounts, Now() - begin));
+    };
 }
 
 struct ValidateCommand {
@@ -48,6 +66,8 @@ struct ValidateCommand {
                          "usual one).")
             ->type_name("FOLDER");
         command->add_flag("--strict", request.isStrict, "Warnings count as errors do.");
+        command->add_flag("--no-content", noContent,
+                          "Leave out the lists of checksums, SHA256SUMS.");
         command->add_flag("--json", json, "Print JSON.");
         command->footer(
             "Exit code: 0 clean, 1 a finding of severity error, or warning with --strict, 2 wrong "
@@ -55,9 +75,13 @@ struct ValidateCommand {
     }
 
     int Run() {
-        Progress progress("Entries looked at:");
+        Progress line;
         ValidateRequest watched = request;
-        watched.progress = [&progress](std::size_t count) { progress.Show(count); };
+        watched.progress = [&line](std::size_t count) {
+            line.Show("Entries looked at: " + std::to_string(count));
+        };
+        watched.verifying = ShownOn(line);
+        watched.content = !noContent;
         if (command->count("--temp") > 0) watched.temp = temp;
         const Validation validation = Validate(watched);
         PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
@@ -67,6 +91,7 @@ struct ValidateCommand {
     CLI::App* command;
     ValidateRequest request;
     std::string temp;
+    bool noContent = false;
     bool json = false;
 };
 
@@ -92,6 +117,9 @@ struct CreateCommand {
                                 "The folder in each outer volume that the media is in (default: "
                                 "media).")};
         command->add_flag("--force", request.force, "Write over files that are there.");
+        command->add_flag("--checksums", request.checksums,
+                          "Write a list of checksums, SHA256SUMS, into each volume.");
+        command->add_flag("--dry-run", request.isDry, "Only say what would be written.");
         command->add_flag("--json", json, "Print JSON.");
         command->add_option("out", request.out, "The folder to write into.")->required();
         command->footer(
@@ -109,10 +137,14 @@ struct CreateCommand {
         if (ofOuter[1]->count() > 0) request.firstOuter = NumberGiven("--first-outer", firstOuter);
         if (ofOuter.front()->count() > 0 && request.outerId.empty())
             throw BadInput("--outer-id is empty.");
-        Progress progress("Files copied:");
+        Progress line;
         CreateRequest watched = request;
-        watched.progress = [&progress](std::size_t count) { progress.Show(count); };
+        watched.progress = ShownOn(line);
         const Creation creation = Create(watched);
+        if (request.isDry) {
+            PrintOut(json ? Printed(JsonOfDry(creation, request)) : TextOfDry(creation));
+            return kSuccess;
+        }
         PrintOut(json ? Printed(JsonOf(creation, request)) : TextOf(creation) + NextStep(creation));
         return kSuccess;
     }
@@ -134,6 +166,34 @@ struct CreateCommand {
     std::string firstOuter;
     std::vector<const CLI::Option*> ofOuter;  // the options of that layout
     std::vector<std::string> from;
+    bool json = false;
+};
+
+struct ChecksumCommand {
+    explicit ChecksumCommand(CLI::App& app)
+        : command(app.add_subcommand("checksum", "Write the checksums of a media's files.")) {
+        command
+            ->add_option("media", request.folders,
+                         "The media's folder; or the folders of its volumes.")
+            ->required();
+        command->add_flag("--force", request.force, "Write over lists that are there.");
+        command->add_flag("--json", json, "Print JSON.");
+        command->footer(
+            "Writes a list SHA256SUMS, as sha256sum does, into the root of each volume.\n"
+            "Exit code: 0 written, 1 not written, 2 wrong use.");
+    }
+
+    int Run() {
+        Progress line;
+        ChecksumRequest watched = request;
+        watched.progress = ShownOn(line);
+        const Checksums checksums = WriteChecksums(watched);
+        PrintOut(json ? Printed(JsonOf(checksums)) : TextOf(checksums));
+        return kSuccess;
+    }
+
+    CLI::App* command;
+    ChecksumRequest request;
     bool json = false;
 };
 
@@ -234,7 +294,8 @@ class Mediatool {
           run_(WithoutSlashOptions(app_)),
           dryRun_(app_),
           validate_(app_),
-          create_(app_) {
+          create_(app_),
+          checksum_(app_) {
         app_.require_subcommand(1);
         app_.set_version_flag("--version", "mediatool " LAUNCHER_VERSION);
     }
@@ -260,6 +321,7 @@ class Mediatool {
         if (hasEnd)
             throw BadInput("Only run and dry-run take arguments of the launcher, after --.");
         if (validate_.command->parsed()) return validate_.Run();
+        if (checksum_.command->parsed()) return checksum_.Run();
         return create_.Run();
     }
 
@@ -300,6 +362,7 @@ class Mediatool {
     DryRunCommand dryRun_;
     ValidateCommand validate_;
     CreateCommand create_;
+    ChecksumCommand checksum_;
     const CLI::App* command_ = nullptr;  // that was given
     bool isJson_ = false;
 };

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string_view>
 
 #include "fs/encoding.h"
@@ -90,16 +91,17 @@ std::string Painted(Colour colour, const std::string& text) {
 }
 
 Progress::~Progress() {
-    if (visible_) PrintError("\r" + std::string(what_.size() + 24, ' ') + "\r");
+    if (visible_) PrintError("\r" + std::string(width_, ' ') + "\r");
 }
 
-void Progress::Show(std::size_t count) {
+void Progress::Show(const std::string& line) {
     const unsigned long long now = GetTickCount64();
     if (shown_ == 0) shown_ = now;
     if (now - shown_ < kBetween || !IsTerminal(STD_ERROR_HANDLE)) return;
     shown_ = now;
     visible_ = true;
-    PrintError("\r" + what_ + " " + std::to_string(count));
+    width_ = std::max(width_, line.size());
+    PrintError("\r" + line + std::string(width_ - line.size(), ' '));
 }
 
 }  // namespace launcher::mediatool

@@ -18,15 +18,15 @@ std::string Painted(Colour colour, const std::string& text);
 // A line on the standard error stream that is written over and over; on a terminal only.
 class Progress {
   public:
-    explicit Progress(std::string what) : what_(std::move(what)) {}
+    Progress() = default;
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();
 
-    void Show(std::size_t count);
+    void Show(const std::string& line);
 
   private:
-    std::string what_;
+    std::size_t width_ = 0;         // of the longest line so far
     unsigned long long shown_ = 0;  // when last, in milliseconds
     bool visible_ = false;
 };

@@ -3,11 +3,14 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "fs/encoding.h"
 #include "fs/exceptions.h"
 #include "fs/owners.h"
+#include "mediatool/base/failures.h"
+#include "mediatool/base/sentences.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -18,6 +21,9 @@ Entry EntryFrom(const WIN32_FIND_DATAW& data) {
     entry.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     entry.isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if (!entry.isFolder) entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
+    const FILETIME& written = data.ftLastWriteTime;
+    entry.modified = (std::uint64_t{written.dwHighDateTime} << 32) | written.dwLowDateTime;
+    entry.attributes = data.dwFileAttributes;
     return entry;
 }
 
@@ -66,6 +72,7 @@ std::optional<Entry> Look(const Path& path) {
     found.dwFileAttributes = data.dwFileAttributes;
     found.nFileSizeHigh = data.nFileSizeHigh;
     found.nFileSizeLow = data.nFileSizeLow;
+    found.ftLastWriteTime = data.ftLastWriteTime;
     Entry entry = EntryFrom(found);
     entry.name = FileName(path);
     return entry;
@@ -117,6 +124,21 @@ std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
     return bytes;
 }
 
+void ReadWhole(const Path& file, const std::function<void(std::string_view)>& take,
+               const std::string& what) {
+    constexpr DWORD kPiece = 256 * 1024;  // bytes
+    const FileHandle handle(CreateFileW(Extended(file.Text()).c_str(), GENERIC_READ, kShareAll,
+                                        nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
+                                        nullptr));
+    if (!handle) RefuseFor(file, what);
+    const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
+    for (DWORD count = 0;;) {
+        if (!ReadFile(handle.Get(), piece.get(), kPiece, &count, nullptr)) RefuseFor(file, what);
+        if (count == 0) return;
+        take({piece.get(), count});
+    }
+}
+
 bool CanBeRead(const std::string& path) {
     const FileHandle file(CreateFileW(Extended(path).c_str(), GENERIC_READ, kShareAll, nullptr,
                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -165,6 +187,11 @@ std::string ErrorText(std::uint32_t error) {
 
 std::string LastErrorText() {
     return ErrorText(GetLastError());
+}
+
+void RefuseFor(const Path& path, const std::string& what) {
+    const std::string reason = LastErrorText();
+    throw Refused(Quoted(path) + " cannot be " + what + ": " + reason + ".");
 }
 
 std::size_t WideLength(const std::string& text) {

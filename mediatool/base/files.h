@@ -3,8 +3,10 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fs/path.h"
@@ -22,7 +24,9 @@ struct Entry {
     std::string name;
     bool isFolder = false;
     bool isLink = false;
-    std::uint64_t size = 0;  // bytes; 0 for a folder
+    std::uint64_t size = 0;      // bytes; 0 for a folder
+    std::uint64_t modified = 0;  // in units of 100 ns, as Windows counts
+    std::uint32_t attributes = 0;
 };
 
 // The absolute, normalised path that `text` means. Empty for the empty text.
@@ -45,6 +49,11 @@ std::vector<Entry> EntriesOf(const Path& folder);  // none when it cannot be lis
 // The first `limit` bytes of a file; nothing when it cannot be read.
 std::optional<std::string> ReadStart(const Path& path, std::size_t limit);
 
+// Gives the bytes of a file to `take`, piece by piece. Throws Refused, "cannot be WHAT", when it
+// cannot be read to its end.
+void ReadWhole(const Path& file, const std::function<void(std::string_view)>& take,
+               const std::string& what);
+
 // Both leave the reason in GetLastError(). A path here need not be normalised.
 bool CanBeRead(const std::string& path);
 bool CanBeOverwritten(const std::string& path);
@@ -66,6 +75,9 @@ Path FinalPath(const Path& path);
 // stop.
 std::string ErrorText(std::uint32_t error);
 std::string LastErrorText();
+
+// Throws Refused for the system's last error: "PATH cannot be WHAT: the error."
+[[noreturn]] void RefuseFor(const Path& path, const std::string& what);
 
 // The number of UTF-16 code units of a text: what Windows counts a path's length in.
 std::size_t WideLength(const std::string& text);

@@ -1,163 +1,127 @@
 #include "mediatool/create/create.h"
 
-#include <sstream>
+#include <map>
+#include <optional>
 
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
-#include "mediatool/base/names.h"
+#include "mediatool/base/interruption.h"
+#include "mediatool/base/sha256.h"
 #include "mediatool/create/plan.h"
 #include "mediatool/create/writer.h"
-#include "mediatool/media/marker_bytes.h"
-#include "mediatool/media/markers.h"
-#include "mediatool/validate/checks.h"
-#include "mediatool/validate/findings.h"
+#include "mediatool/media/checksums.h"
+#include "mediatool/media/media_set.h"
 
 namespace launcher::mediatool {
 namespace {
 
-constexpr int kMostVolumes = 99;
-
-// What validate says of an identifier, create refuses.
-void CheckId(const std::string& id, const std::string& option) {
-    if (id.empty()) throw BadInput(option + " is empty.");
-    if (HasControlCharacter(id) || Trimmed(id).find('\t') != std::string::npos)
-        throw BadInput(option + " has a control character in it.");
-    if (id != Trimmed(id)) throw BadInput(option + " begins or ends with a blank.");
-    Findings findings;
-    CheckIdentifier(id, Path(), findings);
-    const std::vector<Finding> found = findings.Sorted();
-    if (!found.empty()) throw BadInput(option + " cannot be used: " + found.front().what);
-}
-
-// A folder below another: names between backslashes. Empty for the other folder itself.
-bool IsFolderBelow(const std::string& text) {
-    std::istringstream names(text);
-    for (std::string name; std::getline(names, name, '\\');)
-        if (!IsUsableName(name)) return false;
-    return true;
-}
-
-void CheckRequest(const CreateRequest& request) {
-    CheckId(request.id, "--id");
-    if (request.volumes < 1 || request.volumes > kMostVolumes)
-        throw BadInput("--volumes takes a number from 1 to 99.");
-    if (request.layout == Layout::Outer) {
-        if (!request.outerId.empty()) CheckId(request.outerId, "--outer-id");
-        if (request.outerId == request.id) throw BadInput("--outer-id has to differ from --id.");
-        if (request.firstOuter < 1 || request.firstOuter > kMostVolumes)
-            throw BadInput("--first-outer takes a number from 1 to 99.");
-        if (!IsFolderBelow(Path(request.inner).Text()))
-            throw BadInput("--inner takes the name of a folder in each outer volume, not \"" +
-                           request.inner + "\".");
-    }
-    const auto given = static_cast<int>(request.from.size());
-    if (request.layout == Layout::OneFolder ? given > request.volumes
-                                            : given != 0 && given != request.volumes)
-        throw BadInput("--from takes one folder for each of the " +
-                       std::to_string(request.volumes) + " volumes.");
-}
-
-// The folder to write into. Throws BadInput when there can be no such folder.
-Path CheckedOut(const std::string& text) {
-    Path out = FullPath(text);
-    const std::string quoted = "\"" + (IsEmpty(out) ? text : out.Text()) + "\"";
-    if (IsEmpty(out) || out.Text().starts_with("\\\\.\\"))
-        throw BadInput(quoted + " is no folder.");
-    Path there = out;
-    for (; !IsEmpty(there) && !Look(there); there = Parent(there))
-        if (!IsEmpty(Parent(there)) && !IsUsableName(FileName(there)))
-            throw BadInput(quoted + " cannot be the name of a folder.");
-    if (IsEmpty(there)) throw BadInput(quoted + " is on a drive that is not there.");
-    if (IsFile(there))
-        throw BadInput(IsEmpty(RelativePath(out, there))
-                           ? quoted + " is a file, not a folder."
-                           : quoted + " is below \"" + there.Text() + "\", which is a file.");
-    return out;
-}
-
-Path VolumeFolder(const CreateRequest& request, const Path& out, int k) {
-    const std::string number = std::to_string(k);
-    switch (request.layout) {
-        case Layout::Siblings:
-            return Join(out, number);
-        case Layout::Outer: {
-            const Path outer = Join(out, std::to_string(request.firstOuter + k - 1));
-            return Join(Join(outer, request.inner), number);
-        }
-        default:
-            return out;
-    }
-}
-
-std::string OuterId(const CreateRequest& request) {
-    if (request.layout != Layout::Outer) return {};
-    return request.outerId.empty() ? request.id + "-outer" : request.outerId;
-}
-
-void PlanMarkers(const CreateRequest& request, Plan& plan) {
-    const Path& out = plan.out;
-    for (int k = 1; k <= request.volumes; ++k)
-        plan.folders.push_back(VolumeFolder(request, out, k));
-    plan.texts.push_back({CountFileIn(plan.folders.front()), CountFileText(request.volumes)});
-    for (int k = 1; k <= request.volumes; ++k)
-        plan.texts.push_back(
-            {MarkerIn(plan.folders[static_cast<std::size_t>(k) - 1], k), MarkerText(request.id)});
-    if (request.layout != Layout::Outer) return;
-    for (int k = 1; k <= request.volumes; ++k) {
-        const int number = request.firstOuter + k - 1;
-        plan.texts.push_back(
-            {MarkerIn(Join(out, std::to_string(number)), number), MarkerText(OuterId(request))});
-    }
-}
-
-void RefuseOverwriting(const Plan& plan) {
-    const auto refuse = [](const Path& file) {
-        if (Look(file))
-            throw Refused("\"" + file.Text() + "\" is there already; --force writes over it.");
-    };
-    for (const TextFile& text : plan.texts)
-        refuse(text.path);
-    for (const CopiedFile& copy : plan.copies)
-        refuse(copy.destination);
-}
-
-Creation Carry(const Plan& plan, const CreateRequest& request) {
+Creation CreationOf(const CreateRequest& request, const Plan& plan) {
     Creation result;
     result.layout = request.layout;
     result.outerId = OuterId(request);
-    Writer writer;
-    for (const Path& folder : plan.folders) {
-        writer.MakeFolder(folder);
+    for (const Path& folder : plan.volumes)
         result.folders.push_back(folder.Text());
-    }
-    for (const Path& folder : plan.emptyFolders)
-        writer.MakeFolder(folder);
-    for (const CopiedFile& copy : plan.copies) {
-        writer.Copy(copy.source, copy.destination);
+    for (const PlannedFile& file : plan.files) {
+        result.files.push_back({file.fate, file.path.Text(), file.source.Text(), file.size});
+        if (!file.IsCopy())
+            (file.isList ? result.checksums : result.written).push_back(file.path.Text());
+        if (file.fate == Fate::Kept) ++result.keptFiles;
+        if (!file.IsCopy() || file.fate == Fate::Kept) continue;
         ++result.copiedFiles;
-        result.copiedBytes += copy.size;
-        if (request.progress) request.progress(result.copiedFiles);
+        result.copiedBytes += file.size;
     }
-    for (const TextFile& text : plan.texts) {
-        writer.Write(text.path, text.content);
-        result.written.push_back(text.path.Text());
-    }
-    writer.Keep();
     return result;
 }
+
+// Carries a plan out.
+class Carrying {
+  public:
+    Carrying(const CreateRequest& request, const Plan& plan, const Creation& creation)
+        : request_(request), plan_(plan), writer_(plan) {
+        copied_ = {"Copying", 0, creation.copiedFiles, 0, creation.copiedBytes};
+    }
+
+    void Run() {
+        try {
+            for (const std::vector<Path>* folders : {&plan_.volumes, &plan_.emptyFolders})
+                for (const Path& folder : *folders)
+                    writer_.MakeFolder(folder);
+            for (const PlannedFile& file : plan_.files)
+                Write(file);
+            writer_.Finish();
+        } catch (const Refused& failure) {
+            throw Refused(failure.what() + writer_.TakeBack());
+        }
+    }
+
+  private:
+    void Write(const PlannedFile& file) {
+        Tell(copied_);
+        if (file.isList)
+            writer_.Write(file, ListOf(Parent(file.path)));
+        else if (file.fate == Fate::Kept)
+            hashes_.insert({InLowerCase(file.path.Text()), file.hash});
+        else if (file.IsCopy())
+            Copy(file);
+        else
+            writer_.Write(file, file.content);
+    }
+
+    void Copy(const PlannedFile& file) {
+        std::optional<Sha256> hash;
+        if (request_.checksums) hash.emplace();
+        writer_.Copy(file, [&](std::string_view bytes) {
+            if (hash) hash->Add(bytes);
+            copied_.bytes += bytes.size();
+            Tell(copied_);
+        });
+        if (hash) hashes_.insert({InLowerCase(file.path.Text()), hash->Digits()});
+        ++copied_.files;
+    }
+
+    // What was copied has its checksum; what create wrote itself, or what was there, is read.
+    std::string ListOf(const Path& volume) {
+        const auto refuse = [](const Path& folder) { RefuseFor(folder, "listed"); };
+        std::string list;
+        for (const auto& [name, size] : FilesOfVolume(volume, plan_.volumes, refuse)) {
+            std::string& hash = hashes_[InLowerCase(Join(volume, name).Text())];
+            if (hash.empty()) hash = ReadChecksum(Join(volume, name));
+            list += ChecksumLine(hash, name);
+        }
+        return list;
+    }
+
+    std::string ReadChecksum(const Path& file) {
+        ++read_.files;
+        return ChecksumOf(file, [this](std::uint64_t bytes) {
+            read_.bytes += bytes;
+            Tell(read_);
+        });
+    }
+
+    void Tell(const Amounts& amounts) {
+        if (interruption_.HasCome()) throw Refused("Interrupted; what was new is taken back.");
+        request_.progress(amounts);
+    }
+
+    const CreateRequest& request_;
+    const Plan& plan_;
+    Interruption interruption_;
+    Writer writer_;
+    Amounts copied_;
+    Amounts read_ = {.what = "Checksums"};
+    std::map<std::string, std::string> hashes_;  // by path in lower case; empty when not known yet
+};
 
 }  // namespace
 
 Creation Create(const CreateRequest& request) {
     CheckRequest(request);
-    Plan plan;
-    plan.out = CheckedOut(request.out);
-    PlanMarkers(request, plan);
-    PlanContent(request, plan);
-    RefuseObstacles(request, plan);
-    RefuseStaleMarkers(request, plan);
-    if (!request.force) RefuseOverwriting(plan);
-    return Carry(plan, request);
+    Plan plan = PlanOf(request);
+    MeetWhatIsThere(request, plan);
+    Creation creation = CreationOf(request, plan);
+    if (!request.isDry) Carrying(request, plan, creation).Run();
+    return creation;
 }
 
 std::string NextStep(const Creation& creation) {

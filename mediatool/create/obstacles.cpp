@@ -1,5 +1,6 @@
 // What is in the way of the files and folders that create is going to write.
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -7,51 +8,40 @@
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/create/plan.h"
+#include "mediatool/media/checksums.h"
 
 namespace launcher::mediatool {
 namespace {
 
+// FAT keeps times to two seconds.
+constexpr std::uint64_t kSameTime = 20'000'000;
+
 class Obstacles {
   public:
-    explicit Obstacles(const Plan& plan) : plan_(plan) {}
+    Obstacles(const CreateRequest& request, Plan& plan)
+        : request_(request),
+          plan_(plan),
+          seen_{.what = "Comparing", .allFiles = plan.files.size()} {}
 
-    void RefuseKinds() {
-        for (const Path& folder : plan_.folders)
-            NeedFolder(folder);
-        for (const Path& folder : plan_.emptyFolders)
-            NeedFolder(folder);
-        for (const CopiedFile& copy : plan_.copies)
-            NeedFile(copy.destination);
-        for (const TextFile& text : plan_.texts)
-            NeedFile(text.path);
-    }
-
-    // Of the files that are going to be overwritten. No file may be overwritten that is still to be
-    // copied, whatever its other name.
-    void RefuseLosses() const {
-        if (there_.empty()) return;
-        std::map<FileIdentity, Path> taken;
-        for (const CopiedFile& copy : plan_.copies) {
-            if (!CanBeRead(copy.source.Text())) Fail(copy.source, "read");
-            if (const auto identity = IdentityOf(copy.source.Text()))
-                taken.insert({*identity, copy.source});
+    void Meet() {
+        for (const std::vector<Path>* folders : {&plan_.volumes, &plan_.emptyFolders})
+            for (const Path& folder : *folders)
+                NeedFolder(folder);
+        for (PlannedFile& file : plan_.files) {
+            MeetFile(file);
+            Tell();
         }
-        for (const Path& file : there_) {
-            const auto identity = IdentityOf(file.Text());
-            if (identity) {
-                const auto [other, isNew] = taken.insert({*identity, file});
-                if (!isNew)
-                    throw BadInput(Quoted(file) + " and " + Quoted(other->second) +
-                                   " are the same file.");
-            }
-            if (!CanBeOverwritten(file.Text())) Fail(file, "written");
-        }
+        if (!request_.checksums)
+            for (const Path& folder : plan_.FoldersOfVolumes())
+                if (const Path list = Join(folder, kChecksumsName); IsFile(list))
+                    RefuseOldList(list);
+        if (request_.force) RefuseLosses();
     }
 
   private:
-    [[noreturn]] static void Fail(const Path& file, const std::string& what) {
-        const std::string reason = LastErrorText();
-        throw Refused(Quoted(file) + " cannot be " + what + ": " + reason + ".");
+    void Tell() {
+        ++seen_.files;
+        request_.progress(seen_);
     }
 
     void NeedFolder(const Path& folder) {
@@ -62,25 +52,72 @@ class Obstacles {
         if (!entry) NeedFolder(Parent(folder));
     }
 
-    void NeedFile(const Path& file) {
-        NeedFolder(Parent(file));
-        const auto entry = Look(file);
-        if (!entry) return;
-        if (entry->isFolder) throw BadInput(Quoted(file) + " is a folder, where a file is to be.");
-        there_.push_back(file);
+    void MeetFile(PlannedFile& file) {
+        NeedFolder(Parent(file.path));
+        const auto there = Look(file.path);
+        if (!there) return;
+        if (there->isFolder)
+            throw BadInput(Quoted(file.path) + " is a folder, where a file is to be.");
+        file.fate = plan_.resumes && IsSame(file, *there) ? Fate::Kept : Fate::Replaced;
     }
 
-    const Plan& plan_;
+    // The unfinished run before this one wrote it.
+    bool IsSame(PlannedFile& file, const Entry& there) const {
+        if (there.size != file.size) return false;
+        if (!file.IsCopy()) return ReadStart(file.path, file.content.size() + 1) == file.content;
+        const std::uint64_t apart =
+            std::max(there.modified, file.modified) - std::min(there.modified, file.modified);
+        if (apart > kSameTime) return false;
+        if (!request_.checksums) return true;
+        const auto tell = [this](std::uint64_t) { request_.progress(seen_); };
+        file.hash = ChecksumOf(file.path, tell);
+        return ChecksumOf(file.source, tell) == file.hash;
+    }
+
+    // No file may be overwritten that is still to be copied, whatever its other name.
+    void RefuseLosses() {
+        const auto isReplaced = [](const PlannedFile& file) { return file.fate == Fate::Replaced; };
+        if (std::ranges::none_of(plan_.files, isReplaced)) return;
+        std::map<FileIdentity, Path> taken;
+        seen_ = {.what = "Checking", .allFiles = plan_.copies};
+        for (const PlannedFile& file : plan_.files) {
+            if (!file.IsCopy()) continue;
+            Tell();
+            if (!CanBeRead(file.source.Text())) RefuseFor(file.source, "read");
+            if (const auto identity = IdentityOf(file.source.Text()))
+                taken.insert({*identity, file.source});
+        }
+        for (const PlannedFile& file : plan_.files) {
+            if (!isReplaced(file)) continue;
+            if (const auto identity = IdentityOf(file.path.Text())) {
+                const auto [other, isNew] = taken.insert({*identity, file.path});
+                if (!isNew)
+                    throw BadInput(Quoted(file.path) + " and " + Quoted(other->second) +
+                                   " are the same file.");
+            }
+            if (!CanBeOverwritten(file.path.Text())) RefuseFor(file.path, "written");
+        }
+    }
+
+    const CreateRequest& request_;
+    Plan& plan_;
     std::set<std::string> folders_;  // looked at, in lower case
-    std::vector<Path> there_;        // files that would be overwritten
+    Amounts seen_;
 };
 
 }  // namespace
 
-void RefuseObstacles(const CreateRequest& request, const Plan& plan) {
-    Obstacles obstacles(plan);
-    obstacles.RefuseKinds();
-    if (request.force) obstacles.RefuseLosses();
+void RefuseOldList(const Path& list) {
+    throw Refused(Quoted(list) + " would not hold for the new set; --checksums writes it anew.");
+}
+
+void MeetWhatIsThere(const CreateRequest& request, Plan& plan) {
+    Obstacles(request, plan).Meet();
+    RefuseStaleMarkers(request, plan);
+    if (request.force) return;
+    for (const PlannedFile& file : plan.files)
+        if (file.fate == Fate::Replaced && !(file.isList && plan.resumes))
+            throw Refused(Quoted(file.path) + " is there already; --force writes over it.");
 }
 
 }  // namespace launcher::mediatool

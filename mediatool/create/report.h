@@ -11,4 +11,8 @@ namespace launcher::mediatool {
 std::string TextOf(const Creation& creation);
 Json JsonOf(const Creation& creation, const CreateRequest& request);
 
+// What it would do.
+std::string TextOfDry(const Creation& creation);
+Json JsonOfDry(const Creation& creation, const CreateRequest& request);
+
 }  // namespace launcher::mediatool

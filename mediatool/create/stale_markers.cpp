@@ -15,18 +15,18 @@ namespace {
 class StaleMarkers {
   public:
     StaleMarkers(const CreateRequest& request, const Plan& plan)
-        : request_(request), plan_(plan), parent_(ParentOfVolumes(plan.folders.front())) {
+        : request_(request), plan_(plan), parent_(ParentOfVolumes(plan.VolumeOne())) {
         if (request.layout != Layout::Outer) return;
         const Path outer = Join(plan.out, std::to_string(request.firstOuter));
-        for (Path above = Parent(plan.folders.front()); !SameName(above, Parent(outer));
+        for (Path above = Parent(plan.VolumeOne()); !SameName(above, Parent(outer));
              above = Parent(above))
             above_.push_back(above);
     }
 
     void Refuse() const {
-        CheckEntriesOf(plan_.folders.front());
+        CheckEntriesOf(plan_.VolumeOne());
         if (request_.layout != Layout::OneFolder)
-            std::for_each(plan_.folders.begin() + 1, plan_.folders.end(),
+            std::for_each(plan_.volumes.begin() + 1, plan_.volumes.end(),
                           [this](const Path& folder) { CheckEntriesOf(folder); });
         for (const Path& folder : above_)
             CheckEntriesOf(folder);
@@ -34,8 +34,8 @@ class StaleMarkers {
             for (const Entry& entry : EntriesOf(parent_))
                 if (entry.isFolder && IsNumber(entry.name)) CheckBeside(Join(parent_, entry.name));
         CheckOuterVolumes();
-        for (const CopiedFile& copy : plan_.copies)
-            Check(copy.destination, copy.source);
+        for (const PlannedFile& file : plan_.files)
+            if (file.IsCopy()) Check(file.path, file.source);
     }
 
   private:
@@ -47,7 +47,7 @@ class StaleMarkers {
     // Volumes of the new set in outer volumes that it does not have.
     void CheckOuterVolumes() const {
         if (request_.layout != Layout::Outer && request_.volumes > 1) return;
-        for (const VolumeInOuter& volume : VolumesInOuter(plan_.folders.front(), request_.id))
+        for (const VolumeInOuter& volume : VolumesInOuter(plan_.VolumeOne(), request_.id))
             if (!IsWritten(volume.marker)) RefuseOther(volume.marker);
     }
 
@@ -78,7 +78,7 @@ class StaleMarkers {
 
     bool IsWritten(const Path& place) const {
         return std::ranges::any_of(
-            plan_.texts, [&place](const TextFile& text) { return SameName(text.path, place); });
+            plan_.Own(), [&place](const PlannedFile& file) { return SameName(file.path, place); });
     }
 
     // In a folder where the launcher looks for the marker of the first outer volume, it takes any
@@ -100,7 +100,7 @@ class StaleMarkers {
         if (id.empty()) return false;
         const Path folder = Parent(place);
         const auto isHere = [&folder](const Path& volume) { return SameName(volume, folder); };
-        if (std::ranges::any_of(plan_.folders, isHere)) return true;
+        if (std::ranges::any_of(plan_.volumes, isHere)) return true;
         // Beside volume 1: a volume of another set is none of the launcher's business, but for the
         // outer layout, where it looks here first.
         const bool isBeside = number > 1 && SameName(folder, Join(parent_, std::to_string(number)));

@@ -6,6 +6,7 @@
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
+#include "mediatool/media/unfinished.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -38,8 +39,9 @@ std::optional<Path> FirstVolume(const std::vector<Path>& given, bool needsLaunch
     int bestScore = 0;
     for (const Path& folder : given) {
         if (needsLauncher && !HasLauncher(folder)) continue;
-        const int score = (HasLauncher(folder) ? 4 : 0) + (Look(CountFileIn(folder)) ? 2 : 0) +
-                          (Look(MarkerIn(folder, 1)) ? 1 : 0);
+        const int score =
+            (HasLauncher(folder) ? 4 : 0) + (Look(CountFileIn(folder)) ? 2 : 0) +
+            (Look(MarkerIn(folder, 1)) || Look(Join(folder, kUnfinishedMark)) ? 1 : 0);
         if (score <= bestScore) continue;
         bestScore = score;
         best = folder;

@@ -5,10 +5,10 @@
 
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/interruption.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/media/media_set.h"
 #include "mediatool/run/command_line.h"
-#include "mediatool/run/interruption.h"
 #include "mediatool/run/log_file.h"
 #include "mediatool/run/reporter.h"
 #include "mediatool/run/start.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <exception>
 
+#include "mediatool/base/interruption.h"
 #include "mediatool/run/command_line.h"
-#include "mediatool/run/interruption.h"
 #include "mediatool/run/processes.h"
 #include "mediatool/run/start.h"
 #include "mediatool/run/streams.h"

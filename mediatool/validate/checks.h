@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "media/flavours.h"
+#include "mediatool/base/amounts.h"
 #include "mediatool/media/launcher_view.h"
 #include "mediatool/media/media_set.h"
 #include "mediatool/validate/findings.h"
@@ -49,11 +50,15 @@ void CheckFlavourMarkers(const Subject& subject, Findings& out);
 void CheckCountFile(const Subject& subject, Findings& out);
 void CheckVolumeNumbers(const Subject& subject, Findings& out);
 void CheckVolumes(const Subject& subject, Findings& out);
+void CheckUnfinished(const Subject& subject, Findings& out);
 void CheckTree(const Subject& subject, Findings& out);
 
 // Whether the names of the medium were cut to 8.3; what is missing is not missing then, and the
 // checks of its entries, installers and flavour markers have nothing to say.
 bool CheckCutNames(const Subject& subject, Findings& out);
+
+// What the lists of checksums say of the volumes that have one. Returns how much was read.
+Amounts CheckChecksums(const Subject& subject, const TellAmounts& progress, Findings& out);
 
 // An identifier, as it is in `marker`.
 void CheckIdentifier(const std::string& id, const Path& marker, Findings& out);

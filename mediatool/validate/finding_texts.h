@@ -73,7 +73,52 @@ inline constexpr char kTooLong[] =
 inline constexpr char kShorten[] = "Shorten the names of the file or of its folders.";
 inline constexpr char kReplaceLink[] = "Put the file or folder itself in its place.";
 
+inline constexpr char kWriteList[] =
+    "Write the lists again, when the files are right: mediatool checksum --force.";
+inline constexpr char kMoreOfThem[] = "The list of checksums has them all.";
+
 inline constexpr FindingText kTexts[] = {
+    // The set as mediatool left it.
+    {"set-unfinished", Error, "The set was not written to its end.",
+     "Files may be missing, and others may be those of an older set.",
+     "Run the same mediatool create again: it goes on where it stopped."},
+
+    // The lists of checksums.
+    {"checksum-list-missing", Warning, "The volume has no list of checksums; others have one.",
+     "Nobody can tell whether its files are whole, or those of another volume.", kWriteList},
+    {"checksum-list-unreadable", Error, "The list of checksums cannot be read.",
+     "Nobody can tell whether the volume's files are whole.", kReadable},
+    {"checksum-list-malformed", Error, "Line %1 of the list of checksums is none of sha256sum.",
+     "What it was to name is not verified.", kWriteList},
+    {"checksum-list-wrong-volume", Error,
+     "The list of checksums does not fit here, but fits the files in %1.",
+     "The lists, or the files, of the two volumes have changed places.",
+     "Put each back; to rename the folders is right, to rename the markers is not."},
+    {"checksum-list-wrong-volume/marker", Error,
+     "The list of checksums names %1 and fits the files here, but the marker is %2.",
+     "The installer gets these files for those of another volume.",
+     "Put the files into the folder of that volume, with %1 as their marker."},
+    {"checksum-differs", Error, "The file is not the one of the list of checksums.",
+     "It was damaged, or changed after the list was written.",
+     "Copy it again from where it is whole; or write the list again, when it was meant to change: "
+     "mediatool checksum --force."},
+    {"checksum-differs/more", Error, "%1 more files are not those of the list of checksums.",
+     kMoreOfThem, "Copy the volume again."},
+    {"checksum-file-missing", Error, "The list of checksums names a file that is missing.",
+     "The volume is not complete.",
+     "Copy it again from where it is whole; or write the list again, when it was meant to go: "
+     "mediatool checksum --force."},
+    {"checksum-file-missing/more", Error, "%1 more files of the list of checksums are missing.",
+     kMoreOfThem, "Copy the volume again."},
+    {"checksum-file-unlisted", Warning, "The list of checksums does not name this file.",
+     "Nobody can tell whether it belongs to the medium.",
+     "Remove it; or write the list again, when it belongs there: mediatool checksum --force."},
+    {"checksum-file-unlisted/more", Warning, "The list of checksums does not name %1 more files.",
+     "Nobody can tell whether they belong to the medium.", kWriteList},
+    {"checksum-file-unreadable", Error, "The file cannot be read to its end.",
+     "The launcher's copy, and the installer, may take its beginning for the whole file.",
+     "Clean the disc, or copy the medium again."},
+
     // The launcher, and what is beside it.
     {"launcher-missing", Error, "The launcher, setup.exe, is missing.", kNoStart,
      "Copy the launcher to the root of volume 1."},

@@ -83,7 +83,11 @@ std::string TextOf(const Validation& validation) {
     text += "  " + VolumesText(validation.view) + "; " +
             (validation.view.copies ? "the installer is copied to the temporary folder"
                                     : "the installer runs from the media") +
-            "\n\n";
+            "\n";
+    if (validation.verified.files > 0)
+        text += "  " + Counted(validation.verified.files, "checksum") + " verified, " +
+                std::to_string(validation.verified.bytes) + " bytes\n";
+    text += "\n";
     bool hadNote = false;
     for (const Finding& finding : validation.findings.Sorted(Findings::Shown::Shortened)) {
         hadNote = finding.level == Level::Note;
@@ -103,16 +107,18 @@ Json JsonOf(const Validation& validation) {
                             {"why", finding.why},
                             {"action", finding.action}});
     const Findings& all = validation.findings;
-    return {{"schema", 1},
-            {"command", "validate"},
-            {"media", validation.media},
-            {"clean", validation.IsClean()},
-            {"errors", all.Count(Level::Error)},
-            {"warnings", all.Count(Level::Warning)},
-            {"notes", all.Count(Level::Note)},
-            {"volumes", VolumesJson(validation.view)},
-            {"copiesInstaller", validation.view.copies},
-            {"findings", findings}};
+    return {
+        {"schema", 1},
+        {"command", "validate"},
+        {"media", validation.media},
+        {"clean", validation.IsClean()},
+        {"errors", all.Count(Level::Error)},
+        {"warnings", all.Count(Level::Warning)},
+        {"notes", all.Count(Level::Note)},
+        {"volumes", VolumesJson(validation.view)},
+        {"copiesInstaller", validation.view.copies},
+        {"verified", {{"files", validation.verified.files}, {"bytes", validation.verified.bytes}}},
+        {"findings", findings}};
 }
 
 }  // namespace launcher::mediatool

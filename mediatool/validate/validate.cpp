@@ -80,10 +80,12 @@ Validation Validate(const ValidateRequest& request) {
 
     Validation result;
     const auto check = [&](auto... checks) { (checks(subject, result.findings), ...); };
-    check(CheckLauncher, CheckAutorun);
+    check(CheckUnfinished, CheckLauncher, CheckAutorun);
     if (!CheckCutNames(subject, result.findings))
         check(CheckRootEntries, CheckInstallerPlaces, CheckInstallers, CheckFlavourMarkers);
     check(CheckCountFile, CheckVolumeNumbers, CheckVolumes, CheckTree);
+    if (request.content)
+        result.verified = CheckChecksums(subject, request.verifying, result.findings);
     for (const Path& folder : subject.set.given)
         result.media.push_back(folder.Text());
     result.view = subject.view;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "mediatool/base/amounts.h"
 #include "mediatool/media/launcher_view.h"
 #include "mediatool/validate/findings.h"
 
@@ -16,12 +17,15 @@ struct ValidateRequest {
     // longest usual one.
     std::optional<std::string> temp;
     bool isStrict = false;  // warnings count as errors do
+    bool content = true;    // verify it where there are lists of checksums
     std::function<void(std::size_t entries)> progress;
+    TellAmounts verifying = [](const Amounts&) {};
 };
 
 struct Validation {
     std::vector<std::string> media;  // the folders, absolute
     LauncherView view;
+    Amounts verified;  // by lists of checksums
     Findings findings;
     bool isStrict = false;
 

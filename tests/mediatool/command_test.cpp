@@ -57,6 +57,46 @@ TEST_F(Command, CreateWithContent) {
     EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\b.bin"))), "45");
 }
 
+TEST_F(Command, CreateThatIsDry) {
+    scratch.Write("one/a.bin", "123");
+    const Json output =
+        Output({"create", "--id", "SET", "--layout", "siblings", "--volumes", "1", "--from",
+                scratch.Text("one"), "--checksums", "--dry-run", "--json", scratch.Text("out")});
+    EXPECT_EQ(output["dryRun"], true);
+    EXPECT_EQ(output["files"].size(), 4u);
+    EXPECT_EQ(output["totals"]["copy"]["bytes"], 3);
+    EXPECT_FALSE(std::filesystem::exists(FromUtf8(scratch.Text("out"))));
+}
+
+TEST_F(Command, CreateOfAnUnfinishedSet) {
+    scratch.Write("out/1/mediatool-unfinished.txt");
+    scratch.Write("out/1/1.txt", "MTBDIR=SET\r\n");
+    const Json output = Output({"create", "--id", "SET", "--layout", "siblings", "--volumes", "1",
+                                "--checksums", "--json", scratch.Text("out")});
+    EXPECT_EQ(output["kept"], 1);
+    EXPECT_EQ(output["checksums"], Json::array({scratch.Text("out\\1\\SHA256SUMS")}));
+}
+
+TEST_F(Command, ChecksumOfAMedia) {
+    const Json output = Output({"checksum", media.Text(), "--json"});
+    EXPECT_EQ(output["written"], Json::array({media.Text("SHA256SUMS")}));
+    EXPECT_GT(output["files"], 5);
+    const MediatoolRun again = Run({"checksum", media.Text()});
+    EXPECT_EQ(again.exitCode, 1u);
+    EXPECT_EQ(again.errors, "mediatool: \"" + media.Text("SHA256SUMS") +
+                                "\" is there already; --force writes over it.\n");
+}
+
+TEST_F(Command, ValidateWithAndWithoutChecksums) {
+    EXPECT_EQ(Output({"validate", media.Text(), "--json"})["verified"]["files"], 0);
+    ASSERT_EQ(Run({"checksum", media.Text()}).exitCode, 0u);
+    EXPECT_GT(Output({"validate", media.Text(), "--json"})["verified"]["files"], 5);
+    EXPECT_THAT(Run({"validate", media.Text()}).output, HasSubstr(" checksums verified, "));
+    media.Write("media.db", "damaged");
+    EXPECT_EQ(Output({"validate", media.Text(), "--json"}, 1)["errors"], 1);
+    Output({"validate", media.Text(), "--no-content", "--json"}, 0);
+}
+
 TEST_F(Command, CreateThatIsRefused) {
     scratch.Write("1.txt");
     const MediatoolRun run =
@@ -70,7 +110,8 @@ TEST_F(Command, WrongUse) {
     EXPECT_THAT(Complaint({}), StartsWith("mediatool: "));
     EXPECT_EQ(
         Complaint({"burn", "--fast"}),
-        "mediatool: There is no command \"burn\"; there are run, dry-run, validate and create.\n");
+        "mediatool: There is no command \"burn\"; there are run, dry-run, validate, create and "
+        "checksum.\n");
     EXPECT_THAT(Complaint({"validate"}), HasSubstr("media is required"));
     EXPECT_THAT(Complaint({"validate", "--fast", media.Text()}), HasSubstr("--fast"));
     EXPECT_THAT(Complaint({"validate", scratch.Text("keine Größe")}), HasSubstr("keine Größe"));

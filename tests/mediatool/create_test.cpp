@@ -147,7 +147,7 @@ TEST_F(Creating, CopiesTheContentAndItsEmptyFolders) {
     const Creation creation = Create(request);
     EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\a\\b.bin"))), "12345");
     EXPECT_TRUE(stdfs::is_directory(FromUtf8(scratch.Text("out\\2\\empty"))));
-    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\2.txt"))), "MTBDIR=SET\r\n");
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\2.txt"))), "An old marker.\nMTBDIR=SET\n");
     EXPECT_EQ(creation.copiedFiles, 1u);
     EXPECT_EQ(creation.copiedBytes, 5u);
 }

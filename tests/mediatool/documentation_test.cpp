@@ -102,6 +102,20 @@ void MakeMedia(const std::string& name, const stdfs::path& drive) {
                   "\xEF\xBB\xBF"
                   "3\r\n");
     }
+    if (name == "unfinished") {
+        volumes({2, 3});
+        WriteFile(drive / "Set" / "1" / "mediatool-unfinished.txt", "");
+    }
+    if (name == "damaged") {
+        volumes({2, 3});
+        const stdfs::path set = drive / "Set";
+        WriteFile(set / "2" / "data.bin", "2");
+        RunMediatool({"checksum", ToUtf8(set / "1")}, drive);
+        WriteFile(set / "1" / "media.db", "damaged");
+        stdfs::remove_all(set / "3");
+        stdfs::copy(set / "2", set / "3");
+        stdfs::rename(set / "3" / "2.txt", set / "3" / "3.txt");
+    }
     if (name == "wrong marker") {
         volumes({2, 3});
         WriteFile(drive / "Set" / "2" / "2.txt", "MTBDIR=PRODUCT-2026\r\n");

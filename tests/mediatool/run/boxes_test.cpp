@@ -2,8 +2,8 @@
 
 #include <functional>
 
+#include "mediatool/base/interruption.h"
 #include "mediatool/media/remedies.h"
-#include "mediatool/run/interruption.h"
 #include "mediatool/run/run.h"
 #include "tests/mediatool/run/support/run_test.h"
 #include "tests/support/isolated_test.h"

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "fs/environment.h"
-#include "mediatool/run/interruption.h"
+#include "mediatool/base/interruption.h"
 #include "mediatool/run/report.h"
 #include "mediatool/run/run.h"
 #include "mediatool/run/start.h"

@@ -1,6 +1,6 @@
-#include "mediatool/run/interruption.h"
+#include "mediatool/base/interruption.h"
 
-#include "mediatool/run/owners.h"
+#include "mediatool/base/owners.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -22,7 +22,7 @@ BOOL WINAPI OnControl(DWORD kind) {
 }  // namespace
 
 Interruption::Interruption() {
-    TheEvent();
+    ResetEvent(TheEvent());
     SetConsoleCtrlHandler(&OnControl, TRUE);
 }
 

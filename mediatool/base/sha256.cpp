@@ -1,0 +1,71 @@
+#include "mediatool/base/sha256.h"
+
+#include <stdexcept>
+
+#include "mediatool/base/owners.h"
+#include "platform/libraries.h"
+
+namespace launcher::mediatool {
+namespace {
+
+constexpr wchar_t kLibrary[] = L"bcrypt.dll";
+constexpr std::size_t kHashSize = 32;  // bytes
+
+void Check(NTSTATUS status) {
+    if (status < 0) throw std::runtime_error("Windows computes no SHA-256 checksums.");
+}
+
+// Both stay open and loaded: they are used to the end of the run.
+BCRYPT_ALG_HANDLE Provider() {
+    static const BCRYPT_ALG_HANDLE provider = [] {
+        BCRYPT_ALG_HANDLE opened = nullptr;
+        Check(TheCryptography().openProvider(&opened, BCRYPT_SHA256_ALGORITHM, nullptr, 0));
+        return opened;
+    }();
+    return provider;
+}
+
+}  // namespace
+
+Cryptography::Cryptography() {
+    Check(LoadLibraryExW(kLibrary, nullptr, 0) == nullptr ? -1 : 0);
+    openProvider = ModuleFunction<decltype(openProvider)>(kLibrary, "BCryptOpenAlgorithmProvider");
+    createHash = ModuleFunction<decltype(createHash)>(kLibrary, "BCryptCreateHash");
+    hashData = ModuleFunction<decltype(hashData)>(kLibrary, "BCryptHashData");
+    finishHash = ModuleFunction<decltype(finishHash)>(kLibrary, "BCryptFinishHash");
+    destroyHash = ModuleFunction<decltype(destroyHash)>(kLibrary, "BCryptDestroyHash");
+}
+
+const Cryptography& TheCryptography() {
+    static const Cryptography cryptography;
+    return cryptography;
+}
+
+struct Sha256::State {
+    HashHandle hash;
+};
+
+// Since Windows 7 the system itself finds the memory for a hash.
+Sha256::Sha256() : state_(std::make_unique<State>()) {
+    Check(TheCryptography().createHash(Provider(), state_->hash.Put(), nullptr, 0, nullptr, 0, 0));
+}
+Sha256::Sha256(Sha256&&) noexcept = default;
+Sha256::~Sha256() = default;
+
+void Sha256::Add(std::string_view bytes) {
+    auto* const data = reinterpret_cast<PUCHAR>(const_cast<char*>(bytes.data()));
+    Check(
+        TheCryptography().hashData(state_->hash.Get(), data, static_cast<ULONG>(bytes.size()), 0));
+}
+
+std::string Sha256::Digits() {
+    constexpr char kDigits[] = "0123456789abcdef";
+    unsigned char bytes[kHashSize] = {};
+    Check(TheCryptography().finishHash(state_->hash.Get(), bytes, kHashSize, 0));
+    std::string text;
+    for (const unsigned char byte : bytes)
+        text += {kDigits[byte >> 4], kDigits[byte & 15]};
+    return text;
+}
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,145 @@
+#include "mediatool/media/checksums.h"
+
+#include <algorithm>
+
+#include "mediatool/base/files.h"
+#include "mediatool/base/sha256.h"
+#include "mediatool/media/marker_bytes.h"
+#include "mediatool/media/unfinished.h"
+
+namespace launcher::mediatool {
+namespace {
+
+constexpr std::size_t kDigits = 64;  // of a checksum
+
+bool IsSystemFolder(const std::string& name) {
+    return SameName(name, "System Volume Information") || SameName(name, "$RECYCLE.BIN");
+}
+
+class Walk {
+  public:
+    Walk(const Path& volume, const std::vector<Path>& volumes,
+         const std::function<void(const Path&)>& unlisted)
+        : volumes_(volumes), unlisted_(unlisted) {
+        Visit(volume, "");
+    }
+
+    SizesByName files;
+
+  private:
+    // `prefix` is the folder's name in the list, with a "/" at the end.
+    void Visit(const Path& folder, const std::string& prefix) {
+        const auto entries = List(folder);
+        if (!entries) {
+            unlisted_(folder);
+            return;
+        }
+        for (const Entry& entry : *entries) {
+            if (!entry.isFolder && IsListed(entry.name, prefix.empty()))
+                files[prefix + entry.name] = entry.size;
+            else if (entry.isFolder && !entry.isLink && IsOfVolume(folder, entry.name))
+                Visit(Join(folder, entry.name), prefix + entry.name + "/");
+        }
+    }
+
+    static bool IsListed(const std::string& name, bool atRoot) {
+        if (SameName(name, kUnfinishedFile)) return false;
+        return !atRoot || (!SameName(name, kChecksumsName) && !SameName(name, kUnfinishedMark));
+    }
+
+    bool IsOfVolume(const Path& parent, const std::string& name) const {
+        if (IsEmpty(Parent(parent)) && IsSystemFolder(name)) return false;
+        const Path folder = Join(parent, name);
+        return std::ranges::none_of(
+            volumes_, [&folder](const Path& volume) { return SameName(volume, folder); });
+    }
+
+    const std::vector<Path>& volumes_;
+    const std::function<void(const Path&)>& unlisted_;
+};
+
+std::string Unescaped(std::string_view name) {
+    std::string text;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        const bool isEscape = name[i] == '\\' && i + 1 < name.size();
+        const char c = isEscape ? name[++i] : name[i];
+        text += !isEscape ? c : c == 'n' ? '\n' : c == 'r' ? '\r' : c;
+    }
+    return text;
+}
+
+bool IsChecksum(std::string_view text) {
+    return text.size() == kDigits &&
+           text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
+// Nothing in `file` for a line of another kind.
+bool ParseLine(std::string_view line, ChecksumList::File& file) {
+    const bool isEscaped = line.starts_with('\\');
+    if (isEscaped) line.remove_prefix(1);
+    if (line.size() <= kDigits + 2 || !IsChecksum(line.substr(0, kDigits)) ||
+        line[kDigits] != ' ' || (line[kDigits + 1] != ' ' && line[kDigits + 1] != '*'))
+        return false;
+    std::string_view name = line.substr(kDigits + 2);
+    if (name.starts_with("./")) name.remove_prefix(2);
+    file.name = isEscaped ? Unescaped(name) : std::string(name);
+    file.hash = InLowerCase(std::string(line.substr(0, kDigits)));
+    return true;
+}
+
+}  // namespace
+
+std::string ChecksumOf(const Path& file, const std::function<void(std::uint64_t)>& progress) {
+    Sha256 hash;
+    const auto take = [&](std::string_view bytes) {
+        hash.Add(bytes);
+        if (progress) progress(bytes.size());
+    };
+    ReadWhole(file, take, "read");
+    return hash.Digits();
+}
+
+std::string ChecksumLine(const std::string& hash, const std::string& name) {
+    std::string escaped;
+    for (const char c : name)
+        escaped += c == '\\' ? "\\\\" : c == '\n' ? "\\n" : c == '\r' ? "\\r" : std::string(1, c);
+    return (escaped == name ? "" : "\\") + hash + "  " + escaped + "\n";
+}
+
+ChecksumList ParseChecksums(std::string_view text) {
+    if (text.starts_with(kUtf8Mark)) text.remove_prefix(sizeof kUtf8Mark - 1);
+    ChecksumList list;
+    for (std::size_t number = 1; !text.empty(); ++number) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string_view line = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        ChecksumList::File file;
+        if (ParseLine(line, file))
+            list.files.push_back(file);
+        else if (!line.empty() && list.badLine == 0)
+            list.badLine = number;
+    }
+    return list;
+}
+
+std::vector<Path> FoldersOf(const std::vector<Path>& given, const std::vector<std::string>& found) {
+    std::vector<Path> folders;
+    const auto add = [&folders](const Path& folder) {
+        if (std::ranges::none_of(folders,
+                                 [&folder](const Path& other) { return SameName(other, folder); }))
+            folders.push_back(folder);
+    };
+    for (const std::string& folder : found)
+        add(FullPath(folder));
+    for (const Path& folder : given)
+        add(folder);
+    return folders;
+}
+
+SizesByName FilesOfVolume(const Path& volume, const std::vector<Path>& volumes,
+                          const std::function<void(const Path&)>& unlisted) {
+    return Walk(volume, volumes, unlisted).files;
+}
+
+}  // namespace launcher::mediatool

@@ -1,0 +1,259 @@
+// Lines of the content's own markers, what a dry run of create says, its progress, and checksums.
+
+#include <windows.h>
+
+#include <cctype>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "mediatool/create/checksum.h"
+#include "mediatool/create/report.h"
+#include "mediatool/media/checksums.h"
+#include "tests/mediatool/creating.h"
+
+namespace launcher::test {
+namespace {
+
+namespace stdfs = std::filesystem;
+
+// The SHA-256 of nothing and of "abc", as FIPS 180-4 gives them.
+constexpr char kOfNothing[] = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
+constexpr char kOfAbc[] = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
+
+class Content : public Creating {
+  protected:
+    Content() {
+        scratch.MakeDir("one");
+        scratch.MakeDir("two");
+        request.from = {scratch.Text("one"), scratch.Text("two")};
+    }
+    std::string Written(const char* name) const { return ReadFile(FromUtf8(scratch.Text(name))); }
+};
+
+TEST_F(Content, OtherLinesOfAMarkerStay) {
+    scratch.Write("one/1.txt", "Disc 1\r\nMTBDIR=OLD\r\nMTBDIR=OLDER\nCopyright");
+    scratch.Write("two/2.txt", "MTBDIR=OLD");
+    Create(request);
+    EXPECT_EQ(Written("out\\1\\1.txt"), "Disc 1\r\nMTBDIR=SET\r\nMTBDIR=SET\nCopyright");
+    EXPECT_EQ(Written("out\\2\\2.txt"), "MTBDIR=SET\r\n");
+}
+
+TEST_F(Content, OtherLinesOfACountFileStay) {
+    scratch.Write("one/inst/volumes.txt", " 5 \nof them\n");
+    Create(request);
+    EXPECT_EQ(Written("out\\1\\inst\\volumes.txt"), "2\nof them\n");
+}
+
+TEST_F(Content, ACountFileWithoutACountIsReplacedByForceOnly) {
+    for (const std::string text : {"Volumes: 2\n", "\n2\n", "2 discs\n",
+                                   "\xEF\xBB\xBF"
+                                   "2\n"}) {
+        const std::string file = scratch.Write("one/inst/volumes.txt", text);
+        request.force = false;
+        EXPECT_EQ(Complaint(), "refused: \"" + file +
+                                   "\" has lines that would be lost: its first is not a number; "
+                                   "--force writes a new count file in its place.");
+        EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+        request.force = true;
+        EXPECT_EQ(Complaint(), "none");
+        EXPECT_EQ(Written("out\\1\\inst\\volumes.txt"), "2\r\n");
+        stdfs::remove_all(FromUtf8(scratch.Text("out")));
+    }
+    scratch.Write("one/inst/volumes.txt", " \r\n");
+    request.force = false;
+    EXPECT_EQ(Complaint(), "none") << "there is nothing to lose";
+}
+
+TEST_F(Content, ADryRunSaysAllAndChangesNothing) {
+    scratch.Write("one/a.bin", "12345");
+    scratch.Write("two/b.bin", "123");
+    scratch.Write("out/2/2.txt", "old");
+    request.isDry = true;
+    const Tree before = TreeBelow(scratch.Dir());
+    EXPECT_THAT(Complaint(), testing::EndsWith("is there already; --force writes over it."));
+    request.force = true;
+    const Creation creation = Create(request);
+    EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+    EXPECT_EQ(mediatool::TextOfDry(creation),
+              "2 volumes (siblings), nothing is changed:\n"
+              "  copy     " +
+                  scratch.Text("out\\1\\a.bin") +
+                  "\n"
+                  "  copy     " +
+                  scratch.Text("out\\2\\b.bin") +
+                  "\n"
+                  "  write    " +
+                  scratch.Text("out\\1\\inst\\volumes.txt") +
+                  "\n"
+                  "  write    " +
+                  scratch.Text("out\\1\\1.txt") +
+                  "\n"
+                  "  replace  " +
+                  scratch.Text("out\\2\\2.txt") +
+                  "\n"
+                  "copy: 2 files, 8 bytes\n"
+                  "replace: 1 file, 12 bytes\n"
+                  "write: 2 files, 15 bytes\n");
+    const mediatool::Json json = mediatool::JsonOfDry(creation, request);
+    EXPECT_EQ(json["files"][0]["source"], scratch.Text("one\\a.bin"));
+    EXPECT_EQ(json["totals"]["copy"]["bytes"], 8);
+}
+
+TEST_F(Content, ProgressHasTotalsFromTheFirstByte) {
+    scratch.Write("one/big.bin", std::string(1000000, 'x'));
+    scratch.Write("two/small.bin", "x");
+    std::map<std::string, std::vector<mediatool::Amounts>> told;
+    request.progress = [&](const mediatool::Amounts& amounts) {
+        told[amounts.what].push_back(amounts);
+    };
+    Create(request);
+    ASSERT_EQ(told["Content"].size(), 2u) << "one for each file that is looked at";
+    EXPECT_EQ(told["Content"].back().bytes, 1000001u);
+    ASSERT_EQ(told["Comparing"].size(), 5u) << "with the count file and the markers";
+    EXPECT_EQ(told["Comparing"].back().files, told["Comparing"].front().allFiles);
+    const std::vector<mediatool::Amounts>& copying = told["Copying"];
+    EXPECT_EQ(copying.front().bytes, 0u);
+    for (const mediatool::Amounts& amounts : copying) {
+        EXPECT_EQ(amounts.allFiles, 2u);
+        EXPECT_EQ(amounts.allBytes, 1000001u);
+    }
+    EXPECT_TRUE(std::ranges::any_of(copying, [](const mediatool::Amounts& amounts) {
+        return amounts.bytes > 0 && amounts.bytes < 1000000;
+    })) << "inside a file";
+    EXPECT_EQ(copying.back().files, 2u);
+    EXPECT_EQ(copying.back().bytes, 1000001u);
+}
+
+TEST(AmountsText, HasTotalAndRateOnceTheyAreKnown) {
+    using mediatool::TextOf;
+    EXPECT_EQ(TextOf({"Content", 50000, 0, 1234567890, 0}, 0), "Content: 50000 files, 1.2 GB");
+    EXPECT_EQ(TextOf({"Comparing", 1, 3, 0, 0}, 0), "Comparing: 1 of 3 files");
+    EXPECT_EQ(TextOf({"Copying", 20, 50000, 45600000, 1234567890}, 2000),
+              "Copying: 20 of 50000 files, 45.6 MB of 1.2 GB, 22.8 MB/s");
+    EXPECT_EQ(TextOf({"Copying", 0, 1, 0, 999}, 0),
+              "Copying: 0 of 1 file, 0 bytes of 999 bytes, 0 bytes/s");
+}
+
+TEST_F(Content, ChecksumsAreAListInEachVolume) {
+    request.checksums = true;
+    scratch.Write("one/data/\xC3\xA4.bin", "abc");
+    scratch.Write("one/empty.bin");
+    scratch.Write("one/SHA256SUMS", "an old list");
+    scratch.Write("out/1/setup.exe", "abc");
+    const Creation creation = Create(request);
+    EXPECT_THAT(creation.checksums, testing::ElementsAre(scratch.Text("out\\1\\SHA256SUMS"),
+                                                         scratch.Text("out\\2\\SHA256SUMS")));
+    const std::string list = Written("out\\1\\SHA256SUMS");
+    for (const std::string& line :
+         {std::string(kOfAbc) + "  data/\xC3\xA4.bin\n", std::string(kOfNothing) + "  empty.bin\n",
+          std::string(kOfAbc) + "  setup.exe\n"})
+        EXPECT_THAT(list, testing::HasSubstr(line));
+    EXPECT_EQ(std::ranges::count(list, '\n'), 5) << "with the count file and the marker\n" << list;
+    EXPECT_THAT(Written("out\\2\\SHA256SUMS"), testing::EndsWith("  2.txt\n"));
+}
+
+TEST_F(Content, ChecksumsOfOneFolderAreOneList) {
+    request.checksums = true;
+    request.layout = Layout::OneFolder;
+    EXPECT_EQ(Create(request).checksums.size(), 1u);
+    EXPECT_EQ(std::ranges::count(Written("out\\SHA256SUMS"), '\n'), 3);
+}
+
+// It would say of the new markers that they are damaged.
+TEST_F(Content, AListOfOtherChecksumsIsNeitherCopiedNorLeft) {
+    const std::string inContent = scratch.Write("one/SHA256SUMS", "old");
+    EXPECT_EQ(Complaint(), "refused: \"" + inContent +
+                               "\" would not hold for the new set; --checksums writes it anew.");
+    stdfs::remove(FromUtf8(inContent));
+    const std::string there = scratch.Write("out/2/SHA256SUMS", "old");
+    request.force = true;
+    EXPECT_EQ(Complaint(), "refused: \"" + there +
+                               "\" would not hold for the new set; --checksums writes it anew.");
+    request.checksums = true;
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_THAT(Written("out\\2\\SHA256SUMS"), testing::EndsWith("  2.txt\n"));
+}
+
+// A name with all that sha256sum escapes.
+TEST(ChecksumLine, IsWrittenAsSha256sumDoesAndReadAgain) {
+    using mediatool::ChecksumLine;
+    EXPECT_EQ(ChecksumLine(kOfAbc, "a b"), std::string(kOfAbc) + "  a b\n");
+    const std::string name = "a\\b\nc\rd";
+    const std::string line = ChecksumLine(kOfAbc, name);
+    EXPECT_EQ(line, "\\" + std::string(kOfAbc) + "  a\\\\b\\nc\\rd\n");
+    const mediatool::ChecksumList list = mediatool::ParseChecksums(line);
+    ASSERT_EQ(list.files.size(), 1u);
+    EXPECT_EQ(list.files.front().name, name);
+    EXPECT_EQ(list.files.front().hash, kOfAbc);
+    EXPECT_EQ(list.badLine, 0u);
+}
+
+TEST(ChecksumList, OfOtherProgramsIsRead) {
+    std::string capitals = kOfAbc;
+    std::ranges::transform(capitals, capitals.begin(),
+                           [](char c) { return static_cast<char>(std::toupper(c)); });
+    const mediatool::ChecksumList list =
+        mediatool::ParseChecksums("\xEF\xBB\xBF" + capitals + " *a\r\n\r\n" + kOfAbc + "  ./b/c");
+    ASSERT_EQ(list.files.size(), 2u);
+    EXPECT_EQ(list.files[0].name, "a");
+    EXPECT_EQ(list.files[0].hash, kOfAbc);
+    EXPECT_EQ(list.files[1].name, "b/c");
+    EXPECT_EQ(list.badLine, 0u);
+}
+
+TEST(ChecksumList, TellsItsFirstBadLine) {
+    const std::string good = std::string(kOfAbc) + "  a\n";
+    for (const std::string& bad :
+         {std::string("text"), std::string(kOfAbc), std::string(kOfAbc) + "  ",
+          std::string(kOfAbc) + " -a", std::string(kOfAbc).replace(63, 1, "g") + "  a"}) {
+        const mediatool::ChecksumList list =
+            mediatool::ParseChecksums(good + bad + "\nmore\n" + good);
+        EXPECT_EQ(list.badLine, 2u) << bad;
+        EXPECT_EQ(list.files.size(), 2u) << bad;
+    }
+}
+
+class ChecksumCommandTest : public testing::Test {
+  protected:
+    mediatool::Checksums Write() const {
+        mediatool::ChecksumRequest request;
+        request.folders = {media.Text()};
+        request.force = force;
+        return mediatool::WriteChecksums(request);
+    }
+    std::string Complaint() const {
+        try {
+            Write();
+        } catch (const Refused& failure) {
+            return failure.what();
+        }
+        return "none";
+    }
+    SampleMedia media{Layout::Siblings};
+    bool force = false;
+};
+
+TEST_F(ChecksumCommandTest, WritesAListIntoEveryVolumeThatIsFound) {
+    media.Write("abc", "abc");
+    EXPECT_EQ(Write().written.size(), 3u);
+    EXPECT_THAT(ReadFile(FromUtf8(media.Text("SHA256SUMS"))),
+                testing::HasSubstr(std::string(kOfAbc) + "  abc\n"));
+    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::EndsWith("  3.txt\n"));
+}
+
+TEST_F(ChecksumCommandTest, WritesOverAListByForceOnly) {
+    media.Write("../3/SHA256SUMS", "old");
+    EXPECT_THAT(Complaint(), testing::EndsWith("is there already; --force writes over it."));
+    EXPECT_FALSE(stdfs::exists(FromUtf8(media.Text("SHA256SUMS"))));
+    force = true;
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::EndsWith("  3.txt\n"));
+}
+
+TEST_F(ChecksumCommandTest, RefusesAnUnfinishedSet) {
+    media.Write("mediatool-unfinished.txt");
+    EXPECT_THAT(Complaint(), testing::EndsWith("says that the set is not finished."));
+}
+
+}  // namespace
+}  // namespace launcher::test

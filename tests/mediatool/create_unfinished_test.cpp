@@ -1,0 +1,180 @@
+// Runs of create that do not come to their end, and the next one.
+
+#include <windows.h>
+
+#include <filesystem>
+
+#include "fs/encoding.h"
+#include "tests/mediatool/creating.h"
+#include "tests/support/hook.h"
+
+namespace launcher::test {
+namespace {
+
+namespace stdfs = std::filesystem;
+
+bool IsCopying(const mediatool::Amounts& amounts) {
+    return std::string_view(amounts.what) == "Copying";
+}
+
+// Over an older set of two volumes, the first of which is changed before anything goes wrong.
+class Unfinished : public Creating {
+  protected:
+    Unfinished() {
+        request.force = true;
+        scratch.Write("out/1/a.bin", "old");
+        scratch.Write("out/1/inst/volumes.txt", "2\r\n");
+        scratch.Write("out/1/1.txt", "MTBDIR=SET\r\n");
+        scratch.Write("out/2/2.txt", "MTBDIR=SET\r\n");
+        scratch.Write("one/a.bin", "new");
+        scratch.Write("two/b.bin", "new");
+        scratch.Write("two/c.bin", "new");
+        request.from = {scratch.Text("one"), scratch.Text("two")};
+    }
+
+    std::string Mark() const { return scratch.Text("out\\1\\mediatool-unfinished.txt"); }
+    bool IsThere(const std::string& name) const {
+        return stdfs::exists(FromUtf8(scratch.Text(name)));
+    }
+
+    std::string IdsOfErrors() const {
+        mediatool::ValidateRequest check;
+        check.folders = {scratch.Text("out\\1")};
+        std::string ids;
+        for (const Finding& finding : mediatool::Validate(check).findings.Sorted())
+            if (finding.level == Level::Error) ids += finding.id + " ";
+        return ids;
+    }
+
+    // Presses Ctrl+C when the file with this number is being copied.
+    std::string ComplaintOfInterruptedRun(std::size_t files) {
+        PHANDLER_ROUTINE handler = nullptr;
+        const Hook<decltype(&SetConsoleCtrlHandler)> hook(
+            "SetConsoleCtrlHandler", [&](auto, PHANDLER_ROUTINE routine, BOOL adds) {
+                handler = adds ? routine : nullptr;
+                return TRUE;
+            });
+        request.progress = [&](const mediatool::Amounts& progress) {
+            if (IsCopying(progress) && progress.files == files) {
+                EXPECT_TRUE(handler(CTRL_C_EVENT));
+            }
+        };
+        std::string complaint = Complaint();
+        request.progress = [](const mediatool::Amounts&) {};
+        EXPECT_EQ(handler, nullptr) << "it stays installed";
+        return complaint;
+    }
+};
+
+TEST_F(Unfinished, NewSetIsTakenBackAfterCtrlC) {
+    stdfs::remove_all(FromUtf8(scratch.Text("out")));
+    const Tree before = TreeBelow(scratch.Dir());
+    EXPECT_EQ(ComplaintOfInterruptedRun(2), "refused: Interrupted; what was new is taken back.");
+    EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+}
+
+TEST_F(Unfinished, OlderSetStaysMarkedAfterCtrlC) {
+    EXPECT_EQ(ComplaintOfInterruptedRun(2),
+              "refused: Interrupted; what was new is taken back. 1 file written over before "
+              "stays so. \"" +
+                  Mark() + "\" stays until the same create has run to its end.");
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\a.bin"))), "new");
+    EXPECT_FALSE(IsThere("out\\2\\b.bin"));
+    EXPECT_THAT(IdsOfErrors(), testing::HasSubstr("set-unfinished"));
+}
+
+TEST_F(Unfinished, OlderSetIsAsItWasWhenNothingWasWrittenOver) {
+    const Tree before = TreeBelow(scratch.Dir());
+    EXPECT_EQ(ComplaintOfInterruptedRun(0), "refused: Interrupted; what was new is taken back.");
+    EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+}
+
+TEST_F(Unfinished, TheNextRunGoesOn) {
+    ComplaintOfInterruptedRun(1);
+    ASSERT_TRUE(IsThere("out\\1\\mediatool-unfinished.txt"));
+    std::vector<std::size_t> all;
+    request.progress = [&](const mediatool::Amounts& progress) {
+        if (IsCopying(progress)) all.push_back(progress.allFiles);
+    };
+    const Creation creation = Create(request);
+    EXPECT_EQ(creation.copiedFiles, 2u);
+    EXPECT_EQ(creation.keptFiles, 4u) << "a.bin, the count file and the markers";
+    EXPECT_THAT(all, testing::Each(2u));
+    EXPECT_FALSE(IsThere("out\\1\\mediatool-unfinished.txt"));
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\c.bin"))), "new");
+    EXPECT_THAT(IdsOfErrors(), testing::Not(testing::HasSubstr("set-unfinished")));
+}
+
+// A file that a kill left in the middle, and one that is of the same size and another time.
+TEST_F(Unfinished, WhatIsNotTheSameIsCopiedAgain) {
+    scratch.Write("out/1/mediatool-unfinished.txt");
+    scratch.Write("out/2/mediatool-unfinished.tmp", "n");
+    const std::string file = scratch.Write("out/1/a.bin", "odd");
+    const auto time = stdfs::last_write_time(FromUtf8(scratch.Text("one\\a.bin")));
+    stdfs::last_write_time(FromUtf8(file), time - std::chrono::hours(1));
+    Create(request);
+    EXPECT_EQ(ReadFile(FromUtf8(file)), "new");
+    EXPECT_FALSE(IsThere("out\\2\\mediatool-unfinished.tmp"));
+}
+
+// With checksums the content counts.
+TEST_F(Unfinished, TheSameTimeIsNotEnoughWithChecksums) {
+    for (const bool checksums : {false, true}) {
+        request.checksums = checksums;
+        scratch.Write("out/1/mediatool-unfinished.txt");
+        const std::string file = scratch.Write("out/1/a.bin", "odd");
+        stdfs::last_write_time(FromUtf8(file),
+                               stdfs::last_write_time(FromUtf8(scratch.Text("one\\a.bin"))));
+        Create(request);
+        EXPECT_EQ(ReadFile(FromUtf8(file)), checksums ? "new" : "odd");
+    }
+}
+
+// The set is marked before it is changed, and a file has its name when it is whole.
+TEST_F(Unfinished, EveryFileIsWrittenUnderAnotherNameInAMarkedSet) {
+    std::size_t seen = 0;
+    request.progress = [&](const mediatool::Amounts& progress) {
+        if (!IsCopying(progress)) return;
+        EXPECT_TRUE(IsThere("out\\1\\mediatool-unfinished.txt"));
+        if (progress.files == 0) {
+            EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\a.bin"))), "old");
+        }
+        if (progress.bytes == 3 && progress.files == 0) {
+            EXPECT_TRUE(IsThere("out\\1\\mediatool-unfinished.tmp"));
+            ++seen;
+        }
+    };
+    Create(request);
+    EXPECT_EQ(seen, 1u);
+    EXPECT_FALSE(IsThere("out\\1\\mediatool-unfinished.tmp"));
+}
+
+TEST_F(Unfinished, SetIsAnErrorOfValidate) {
+    scratch.Write("out/1/setup.exe", "x");
+    EXPECT_THAT(IdsOfErrors(), testing::Not(testing::HasSubstr("set-unfinished")));
+    scratch.Write("out/1/mediatool-unfinished.txt");
+    EXPECT_THAT(IdsOfErrors(), testing::HasSubstr("set-unfinished"));
+}
+
+TEST_F(Unfinished, SetIsNoContentOfAnother) {
+    const std::string left = scratch.Write("two/mediatool-unfinished.txt");
+    EXPECT_EQ(Complaint(), "wrong use: \"" + left +
+                               "\" is left from a set that was not written to its end; finish that "
+                               "set, or remove the file.");
+}
+
+TEST_F(Unfinished, ReadOnlyFilesAreTakenBackToo) {
+    stdfs::remove_all(FromUtf8(scratch.Text("out")));
+    const std::wstring source = ToWide(scratch.Text("one\\a.bin"));
+    SetFileAttributesW(source.c_str(), FILE_ATTRIBUTE_READONLY);
+    ComplaintOfInterruptedRun(1);
+    EXPECT_FALSE(IsThere("out"));
+    Create(request);
+    const DWORD attributes = GetFileAttributesW(ToWide(scratch.Text("out\\1\\a.bin")).c_str());
+    EXPECT_NE(attributes & FILE_ATTRIBUTE_READONLY, 0u);
+    for (const std::wstring& file : {source, ToWide(scratch.Text("out\\1\\a.bin"))})
+        SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+}  // namespace
+}  // namespace launcher::test
