@@ -1,4 +1,4 @@
-// Every kind of mistake in the launcher's own part of a media, its installers, its flavour markers
+// Every kind of mistake in the launcher's own part of a medium, its installers, its flavour markers
 // and its count file.
 
 #include <windows.h>
