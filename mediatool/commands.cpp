@@ -82,17 +82,22 @@ struct DryRunCommand {
         command->add_option("--temp", temp, "Its TEMP folder.")->type_name("FOLDER");
         command->add_option("--pick", pick, "The folder that is picked in the folder dialog.")
             ->type_name("FOLDER");
-        command->add_flag("--all", everything, "Show every variable that changes.");
+        command->add_flag("--all", everything,
+                          "Show all that was looked for, every variable and every copied file.");
+        command->add_flag("--check", check, "Give the verdict as exit code.");
         command->add_flag("--json", json, "Print JSON.");
         command->footer(
             "The launcher's own arguments stand after --, as in: mediatool dry-run D:\\ -- -wait\n"
-            "Exit code: 0 whatever the launcher would do, 2 wrong use.");
+            "Exit code: 0 whatever the launcher would do, 2 wrong use; with --check, 0 when it "
+            "starts the installer without waiting for anybody, 3 when it would wait, 4 when it "
+            "does not start it.");
     }
 
     int Run(std::vector<std::string> launcherArguments) {
         request.arguments = std::move(launcherArguments);
         PretendedMachine& machine = request.machine;
         if (!windows.empty()) machine.isWindows8OrNewer = windows != "7";
+        if (windows.starts_with("7") || windows.starts_with("8")) machine.longPaths = false;
         if (!bits.empty()) machine.is64Bit = bits == "64";
         if (!administrator.empty()) machine.isAdministrator = administrator == "yes";
         if (command->count("--pick") > 0) machine.picked = pick;
@@ -103,7 +108,14 @@ struct DryRunCommand {
         if (machine.picked && std::ranges::none_of(run.journal.messages, &Message::dialog))
             PrintError("mediatool: --pick changes nothing: no folder dialog comes in this run.\n");
         PrintOut(json ? Printed(JsonOf(run)) : TextOf(run, everything));
-        return kSuccess;
+        return check ? ExitCodeOf(run.verdict) : kSuccess;
+    }
+
+    static int ExitCodeOf(Verdict verdict) {
+        constexpr int kWouldWait = 3;
+        constexpr int kRefused = 4;
+        if (verdict == Verdict::Refused) return kRefused;
+        return verdict == Verdict::Waits ? kWouldWait : kSuccess;
     }
 
     // An empty one pretends that there is no TEMP; a folder of the current one, or of that of a
@@ -138,6 +150,7 @@ struct DryRunCommand {
     std::string temp;
     std::string pick;
     bool everything = false;
+    bool check = false;
     bool json = false;
 };
 
