@@ -90,14 +90,17 @@ std::string Painted(Colour colour, const std::string& text) {
     return coloured && colour != Colour::Plain ? Code(colour) + text + "\x1b[0m" : text;
 }
 
+Progress::Progress() : isTerminal_(IsTerminal(STD_ERROR_HANDLE)) {}
+
 Progress::~Progress() {
     if (visible_) PrintError("\r" + std::string(width_, ' ') + "\r");
 }
 
 void Progress::Show(const std::string& line) {
+    if (!isTerminal_) return;
     const unsigned long long now = GetTickCount64();
     if (shown_ == 0) shown_ = now;
-    if (now - shown_ < kBetween || !IsTerminal(STD_ERROR_HANDLE)) return;
+    if (now - shown_ < kBetween) return;
     shown_ = now;
     visible_ = true;
     width_ = std::max(width_, line.size());

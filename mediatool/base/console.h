@@ -18,7 +18,7 @@ std::string Painted(Colour colour, const std::string& text);
 // A line on the standard error stream that is written over and over; on a terminal only.
 class Progress {
   public:
-    Progress() = default;
+    Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();
@@ -26,6 +26,7 @@ class Progress {
     void Show(const std::string& line);
 
   private:
+    bool isTerminal_;
     std::size_t width_ = 0;         // of the longest line so far
     unsigned long long shown_ = 0;  // when last, in milliseconds
     bool visible_ = false;

@@ -1,9 +1,13 @@
 #include "mediatool/base/interruption.h"
 
+#include <atomic>
+
 #include "mediatool/base/owners.h"
 
 namespace launcher::mediatool {
 namespace {
+
+std::atomic<bool> come = false;
 
 // Of the process, like the console itself. It outlives the object: the handler runs in a thread of
 // its own, which may be late.
@@ -13,6 +17,7 @@ HANDLE TheEvent() {
 }
 
 BOOL WINAPI OnControl(DWORD kind) {
+    come = true;
     SetEvent(TheEvent());
     // Windows ends the process when the handler of these returns, or after some seconds.
     if (kind != CTRL_C_EVENT && kind != CTRL_BREAK_EVENT) Sleep(INFINITE);
@@ -22,12 +27,17 @@ BOOL WINAPI OnControl(DWORD kind) {
 }  // namespace
 
 Interruption::Interruption() {
+    come = false;
     ResetEvent(TheEvent());
     SetConsoleCtrlHandler(&OnControl, TRUE);
 }
 
 Interruption::~Interruption() {
     SetConsoleCtrlHandler(&OnControl, FALSE);
+}
+
+bool Interruption::HasCome() const {
+    return come;
 }
 
 HANDLE Interruption::Event() const {

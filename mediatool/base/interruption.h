@@ -14,8 +14,8 @@ class Interruption {
     Interruption& operator=(const Interruption&) = delete;
     ~Interruption();
 
-    HANDLE Event() const;  // set for good when it came
-    bool HasCome() const { return WaitForSingleObject(Event(), 0) == WAIT_OBJECT_0; }
+    HANDLE Event() const;  // set while it lives once it came
+    bool HasCome() const;
 };
 
 }  // namespace launcher::mediatool

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
@@ -44,16 +43,21 @@ class Obstacles {
         request_.progress(seen_);
     }
 
-    void NeedFolder(const Path& folder) {
-        if (IsEmpty(folder) || !folders_.insert(InLowerCase(folder.Text())).second) return;
+    // Whether the folder is there already.
+    bool NeedFolder(const Path& folder) {
+        if (IsEmpty(folder)) return false;
+        const auto [known, isNew] = folders_.insert({InLowerCase(folder.Text()), false});
+        if (!isNew) return known->second;
         const auto entry = Look(folder);
         if (entry && !entry->isFolder)
             throw BadInput(Quoted(folder) + " is a file, where a folder is to be.");
+        known->second = entry.has_value();
         if (!entry) NeedFolder(Parent(folder));
+        return known->second;
     }
 
     void MeetFile(PlannedFile& file) {
-        NeedFolder(Parent(file.path));
+        if (!NeedFolder(Parent(file.path))) return;
         const auto there = Look(file.path);
         if (!there) return;
         if (there->isFolder)
@@ -101,7 +105,7 @@ class Obstacles {
 
     const CreateRequest& request_;
     Plan& plan_;
-    std::set<std::string> folders_;  // looked at, in lower case
+    std::map<std::string, bool> folders_;  // in lower case: whether it is there
     Amounts seen_;
 };
 

@@ -42,8 +42,10 @@ class NewFile {
           temporary_(Join(Parent(path), kUnfinishedFile)),
           blamed_(blamed),
           what_(what),
-          file_(CreateFileW(Extended(temporary_.Text()).c_str(), GENERIC_WRITE, 0, nullptr,
-                            CREATE_ALWAYS, attributes, nullptr)) {
+          file_(Open(attributes)) {
+        // What a run that was killed has left.
+        if (!file_ && GetLastError() == ERROR_FILE_EXISTS && Remove(temporary_))
+            file_ = Open(attributes);
         if (!file_) RefuseFor(blamed_, what_);
     }
     NewFile(const NewFile&) = delete;
@@ -76,6 +78,11 @@ class NewFile {
     }
 
   private:
+    FileHandle Open(DWORD attributes) const {
+        return FileHandle(CreateFileW(Extended(temporary_.Text()).c_str(), GENERIC_WRITE, 0,
+                                      nullptr, CREATE_NEW, attributes, nullptr));
+    }
+
     const Path& path_;
     Path temporary_;
     const Path& blamed_;
@@ -155,9 +162,9 @@ void Writer::GiveName(NewFile& whole, const PlannedFile& file) {
 }
 
 void Writer::Finish() {
-    if (!Remove(mark_)) RefuseFor(mark_, "removed");
     made_.clear();
     replaced_ = 0;
+    if (!Remove(mark_)) RefuseFor(mark_, "removed");
     wasMarked_ = false;
 }
 

@@ -8,6 +8,7 @@
 #include "mediatool/base/files.h"
 #include "mediatool/base/names.h"
 #include "mediatool/base/sentences.h"
+#include "mediatool/media/checksums.h"
 #include "mediatool/media/marker_bytes.h"
 #include "mediatool/validate/checks.h"
 #include "mediatool/validate/volume_markers.h"
@@ -48,7 +49,7 @@ bool HasId(const Path& marker, const std::string& id) {
 bool IsContent(const Path& folder, const Entry& entry) {
     const Path path = Join(folder, entry.name);
     if (entry.isFolder) return !EntriesOf(path).empty();
-    return NumberIn(path) == 0 && !IsLeftover(entry.name) && !SameName(entry.name, "SHA256SUMS");
+    return NumberIn(path) == 0 && !IsLeftover(entry.name) && !SameName(entry.name, kChecksumsName);
 }
 
 void CheckContent(const std::string& number, const Path& folder, Findings& out) {

@@ -29,6 +29,15 @@ TEST_F(Command, ValidateOfAMediaWithMistakes) {
     EXPECT_EQ(output["findings"][0]["severity"], "error");
 }
 
+TEST_F(Command, ValidateThatIsStrict) {
+    media.Write("StartTUI.exe");
+    EXPECT_EQ(Output({"validate", media.Text(), "--json"})["clean"], true);
+    const Json output = Output({"validate", "--strict", media.Text(), "--json"}, 1);
+    EXPECT_EQ(output["clean"], false);
+    EXPECT_EQ(output["errors"], 0);
+    EXPECT_THAT(Run({"validate", "--help"}).output, testing::HasSubstr("or warning with --strict"));
+}
+
 TEST_F(Command, ValidateOfSeveralFolders) {
     SampleMedia split(Layout::Siblings);
     const Json output =
@@ -161,11 +170,12 @@ TEST_F(Command, WrongUse) {
 TEST_F(Command, WrongUseOfOptions) {
     const std::string folder = media.Text();
     EXPECT_EQ(Complaint({}),
-              "mediatool: The command is missing; there are run, dry-run, validate and create.\n");
+              "mediatool: The command is missing; there are run, dry-run, validate, create and "
+              "checksum.\n");
     EXPECT_EQ(
         Complaint({"--all", "validate"}),
-        "mediatool: The command has to stand before \"--all\"; there are run, dry-run, validate "
-        "and create.\n");
+        "mediatool: The command has to stand before \"--all\"; there are run, dry-run, validate, "
+        "create and checksum.\n");
     EXPECT_EQ(Complaint({"validate"}),
               "mediatool: media is required; mediatool help validate tells more.\n");
     EXPECT_EQ(Complaint({"validate", folder, "--temp"}),
@@ -215,7 +225,7 @@ TEST_F(Command, WrongUseOfABackslashBeforeAQuote) {
 TEST_F(Command, ComplaintsSendNoControlCharacters) {
     EXPECT_EQ(Complaint({"\x1B[2Jburn\r\n"}),
               "mediatool: There is no command \"\\x1B[2Jburn\\x0D\\x0A\"; there are run, dry-run, "
-              "validate and create.\n");
+              "validate, create and checksum.\n");
 }
 
 TEST_F(Command, ComplaintsAreJsonToo) {

@@ -92,6 +92,7 @@ TEST_F(Unfinished, OlderSetIsAsItWasWhenNothingWasWrittenOver) {
 TEST_F(Unfinished, TheNextRunGoesOn) {
     ComplaintOfInterruptedRun(1);
     ASSERT_TRUE(IsThere("out\\1\\mediatool-unfinished.txt"));
+    scratch.Write("out/1/mediatool-unfinished.tmp", "n");
     std::vector<std::size_t> all;
     request.progress = [&](const mediatool::Amounts& progress) {
         if (IsCopying(progress)) all.push_back(progress.allFiles);
@@ -101,6 +102,7 @@ TEST_F(Unfinished, TheNextRunGoesOn) {
     EXPECT_EQ(creation.keptFiles, 4u) << "a.bin, the count file and the markers";
     EXPECT_THAT(all, testing::Each(2u));
     EXPECT_FALSE(IsThere("out\\1\\mediatool-unfinished.txt"));
+    EXPECT_FALSE(IsThere("out\\1\\mediatool-unfinished.tmp")) << "where nothing is written";
     EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\c.bin"))), "new");
     EXPECT_THAT(IdsOfErrors(), testing::Not(testing::HasSubstr("set-unfinished")));
 }
@@ -161,6 +163,96 @@ TEST_F(Unfinished, SetIsNoContentOfAnother) {
     EXPECT_EQ(Complaint(), "wrong use: \"" + left +
                                "\" is left from a set that was not written to its end; finish that "
                                "set, or remove the file.");
+}
+
+// A new set, while one of Windows' functions fails.
+class FailingCall : public Unfinished {
+  protected:
+    FailingCall() {
+        stdfs::remove_all(FromUtf8(scratch.Text("out")));
+        before = TreeBelow(scratch.Dir());
+    }
+
+    // The function says that the disk is full.
+    template <class Function>
+    std::string ComplaintWithout(const char* name) {
+        const Hook<Function> fails(name, [](auto...) {
+            SetLastError(ERROR_DISK_FULL);
+            return FALSE;
+        });
+        return Complaint();
+    }
+    void ExpectTakenBack(const std::string& complaint, const std::string& file,
+                         const std::string& what) {
+        EXPECT_THAT(complaint, testing::StartsWith("refused: \"" + scratch.Text(file) +
+                                                   "\" cannot be " + what + ": "));
+        EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+    }
+
+    Tree before;
+};
+
+TEST_F(FailingCall, ForTheBytesOfACopy) {
+    std::string complaint;
+    {
+        int writes = 0;
+        const Hook<decltype(&::WriteFile)> full("WriteFile",
+                                                [&writes](auto real, auto... arguments) {
+                                                    if (++writes == 1) return real(arguments...);
+                                                    SetLastError(ERROR_DISK_FULL);
+                                                    return FALSE;
+                                                });
+        complaint = Complaint();
+    }
+    ExpectTakenBack(complaint, "one\\a.bin", "copied");
+}
+
+TEST_F(FailingCall, ForTheNewFile) {
+    std::string complaint;
+    {
+        const Hook<decltype(&CreateFileW)> full(
+            "CreateFileW", [](auto real, LPCWSTR name, auto... rest) -> HANDLE {
+                if (!std::wstring(name).ends_with(L".tmp")) return real(name, rest...);
+                SetLastError(ERROR_DISK_FULL);
+                return INVALID_HANDLE_VALUE;
+            });
+        complaint = Complaint();
+    }
+    ExpectTakenBack(complaint, "one\\a.bin", "copied");
+}
+
+TEST_F(FailingCall, ForTheTimeOfACopy) {
+    const auto complaint = ComplaintWithout<decltype(&SetFileTime)>("SetFileTime");
+    ExpectTakenBack(complaint, "one\\a.bin", "copied");
+}
+
+TEST_F(FailingCall, ForTheNameOfACopy) {
+    const auto complaint = ComplaintWithout<decltype(&MoveFileExW)>("MoveFileExW");
+    ExpectTakenBack(complaint, "one\\a.bin", "copied");
+}
+
+TEST_F(FailingCall, ForTheNameOfAMarker) {
+    request.from.clear();
+    const auto complaint = ComplaintWithout<decltype(&MoveFileExW)>("MoveFileExW");
+    ExpectTakenBack(complaint, "out\\1\\inst\\volumes.txt", "written");
+}
+
+// All is written: it stays, and the next run has nothing to do but this.
+TEST_F(FailingCall, ForTheEndOfTheMark) {
+    std::string complaint;
+    {
+        const Hook<decltype(&DeleteFileW)> held("DeleteFileW", [](auto real, LPCWSTR name) {
+            if (!std::wstring(name).ends_with(L"unfinished.txt")) return real(name);
+            SetLastError(ERROR_SHARING_VIOLATION);
+            return FALSE;
+        });
+        complaint = Complaint();
+    }
+    EXPECT_THAT(complaint, testing::StartsWith("refused: \"" + Mark() + "\" cannot be removed: "));
+    EXPECT_TRUE(IsThere("out\\2\\c.bin"));
+    request.force = false;
+    EXPECT_EQ(Create(request).copiedFiles, 0u);
+    EXPECT_FALSE(IsThere("out\\1\\mediatool-unfinished.txt"));
 }
 
 TEST_F(Unfinished, ReadOnlyFilesAreTakenBackToo) {
