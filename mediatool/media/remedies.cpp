@@ -63,8 +63,8 @@ std::vector<Remedy> RemediesOn(std::string_view page) {
         page.remove_prefix(end + 1);
         if (cells.size() != 3) continue;
         for (const std::string_view message : CodeIn(cells[0]))
-            remedies.push_back(
-                {std::string(message), Plain(WithoutBlanks(cells[1])), Plain(WithoutBlanks(cells[2]))});
+            remedies.push_back({std::string(message), Plain(WithoutBlanks(cells[1])),
+                                Plain(WithoutBlanks(cells[2]))});
     }
     return remedies;
 }
