@@ -189,6 +189,37 @@ std::string PickedFolder(const std::string& text) {
     return folder.Text();
 }
 
+// What the run was and did, while the variables are as it left them.
+void WriteDownRun(DryRun& run, const Rehearsal& rehearsal, const LauncherState& state) {
+    run.machine = rehearsal.machine;
+    run.journal = rehearsal.journal;
+    run.temp = GetEnvVar("TEMP");
+    run.workingFolder = FullPath(".").Text();
+    run.isAdministrator = rehearsal.isAdministrator.value_or(true);
+    run.tracesInBoxes = rehearsal.tracesInBoxes.value_or(false);
+    run.started = run.journal.commandLine.has_value();
+    run.showsCommandLine = run.started && IsCommandLineOnlyShown();
+    run.exitCodeIsInstallers = run.journal.waited;
+    if (run.started) run.installerArguments = ArgumentsOf(*run.journal.commandLine);
+    run.copy = DecisionOf(state);
+    if (!HasInstaller(state)) return;  // the search for volumes comes next
+    run.countsVolumes = IsVolumeCountAskedFor();
+    run.installer = InstallerOf(*state.options);
+    run.volumesChecked = AreVolumesSearched(state.options->copySkipped);
+    const Environment after = CurrentEnvironment();
+    run.volumes = ViewOf(state.media);
+    RestoreEnvironment(after);
+}
+
+// Of another Windows, nobody knows whether it takes long paths.
+void AddEndWithLongPaths(DryRun& run, DryRunRequest request) {
+    request.machine.longPaths = true;
+    run.hints.push_back(
+        "With LongPathsEnabled on that Windows, paths of more than 259 characters are not too "
+        "long there: " +
+        RunDry(request).summary);
+}
+
 }  // namespace
 
 std::size_t DryRun::Waits() const {
@@ -205,54 +236,29 @@ DryRun RunDry(const DryRunRequest& request) {
     rehearsal.machine = request.machine;
     rehearsal.machine.launcherPath = run.launcher;
     if (request.machine.picked) rehearsal.machine.picked = PickedFolder(*request.machine.picked);
+    std::optional<bool>& longPaths = rehearsal.machine.longPaths;
+    const bool isOtherWindows = request.machine.isWindows8OrNewer.has_value();
+    if (!longPaths && !isOtherWindows) longPaths = AreLongPathsEnabled();
+
     const Environment own = CurrentEnvironment();
     for (const auto& [name, value] : request.environment) {
         SetEnvVar(name, value);
         run.variables.push_back(name);
     }
-    const Environment before = CurrentEnvironment();
     run.setVariables = SetVariables();
-    std::optional<bool>& longPaths = rehearsal.machine.longPaths;
-    const bool isOtherWindows = request.machine.isWindows8OrNewer.has_value();
-    if (!longPaths && !isOtherWindows) longPaths = AreLongPathsEnabled();
-
+    const Environment before = CurrentEnvironment();
     LauncherState state;
     run.exitCode = Rehearse(request, rehearsal, state);
-
-    run.machine = rehearsal.machine;
-    run.journal = rehearsal.journal;
     run.environment = Changes(before, CurrentEnvironment());
-    run.temp = GetEnvVar("TEMP");
-    run.workingFolder = FullPath(".").Text();
-    run.started = run.journal.commandLine.has_value();
-    run.showsCommandLine = run.started && IsCommandLineOnlyShown();
-    run.exitCodeIsInstallers = run.journal.waited;
-    if (run.started) run.installerArguments = ArgumentsOf(*run.journal.commandLine);
-    run.copy = DecisionOf(state);
-    if (HasInstaller(state)) {  // the search for volumes comes next
-        run.installer = InstallerOf(*state.options);
-        run.volumesChecked = AreVolumesSearched(state.options->copySkipped);
-        const Environment after = CurrentEnvironment();
-        run.volumes = ViewOf(state.media);
-        RestoreEnvironment(after);
-    }
-    run.countsVolumes = run.volumes && IsVolumeCountAskedFor();
+    WriteDownRun(run, rehearsal, state);
+    RestoreEnvironment(own);
+
     run.meaning = MeaningOf(run);
-    run.isAdministrator = rehearsal.isAdministrator.value_or(true);
-    run.tracesInBoxes = rehearsal.tracesInBoxes.value_or(false);
     HidePretendedUuid(run);
     run.verdict = VerdictOf(run);
     run.summary = SummaryOf(run);
     run.hints = HintsOf(run, state.options ? &*state.options : nullptr);
-    RestoreEnvironment(own);
-    if (!longPaths && run.journal.metLongPaths) {
-        DryRunRequest other = request;
-        other.machine.longPaths = true;
-        run.hints.push_back(
-            "With LongPathsEnabled on that Windows, paths of more than 259 characters are not too "
-            "long there: " +
-            RunDry(other).summary);
-    }
+    if (!longPaths && run.journal.metLongPaths) AddEndWithLongPaths(run, request);
     return run;
 }
 
