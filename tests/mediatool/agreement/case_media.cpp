@@ -79,8 +79,7 @@ std::string Maker::CountText(int volumes) {
                                     "1",
                                     "03",
                                     "99999999999",
-                                    "\xEF\xBB\xBF"
-                                    "2",
+                                    "\xEF\xBB\xBF\x32",  // a byte-order mark, and 2
                                     " 2 "};
     if (!IsFree() || Chance(80)) return mediatool::CountFileText(volumes);
     const std::string odd = Pick(kOdd);
