@@ -12,7 +12,7 @@
 #include "mediatool/base/files.h"
 #include "mediatool/base/json.h"
 #include "mediatool/base/sentences.h"
-#include "mediatool/create/command.h"
+#include "mediatool/create_command.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "mediatool/dry_run/report.h"
 #include "mediatool/run/command.h"

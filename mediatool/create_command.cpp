@@ -1,4 +1,4 @@
-#include "mediatool/create/command.h"
+#include "mediatool/create_command.h"
 
 #include <charconv>
 #include <map>
