@@ -238,7 +238,7 @@ TEST_F(ChecksumCommandTest, WritesAListIntoEveryVolumeThatIsFound) {
     EXPECT_EQ(Write().written.size(), 3u);
     EXPECT_THAT(ReadFile(FromUtf8(media.Text("SHA256SUMS"))),
                 testing::HasSubstr(std::string(kOfAbc) + "  abc\n"));
-    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::EndsWith("  3.txt\n"));
+    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::HasSubstr("  3.txt\n"));
 }
 
 TEST_F(ChecksumCommandTest, WritesOverAListByForceOnly) {
@@ -247,7 +247,7 @@ TEST_F(ChecksumCommandTest, WritesOverAListByForceOnly) {
     EXPECT_FALSE(stdfs::exists(FromUtf8(media.Text("SHA256SUMS"))));
     force = true;
     EXPECT_EQ(Complaint(), "none");
-    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::EndsWith("  3.txt\n"));
+    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::HasSubstr("  3.txt\n"));
 }
 
 TEST_F(ChecksumCommandTest, RefusesAnUnfinishedSet) {
