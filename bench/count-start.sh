@@ -1,6 +1,6 @@
 #!/bin/sh
 # Compares what the launcher costs to start, wait and end with the least that a launcher can do:
-# system calls, time, and the libraries loaded. Then the time of a start from a media with a damaged
+# system calls, time, and the libraries loaded. Then the time of a start from a medium with a damaged
 # count of volumes.
 #
 #   count-start.sh            after run.sh has built the programs

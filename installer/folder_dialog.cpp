@@ -32,7 +32,7 @@ ComPtr<IFileDialogEvents> CreateEvents(LaunchOptions& options) {
     return events;
 }
 
-// The start folder, two levels above the media; none for a media near a drive's root, where
+// The start folder, two levels above the media; none for a medium near a drive's root, where
 // Windows chooses.
 ComPtr<IShellItem> StartFolder(const LaunchOptions& options) {
     const std::string folder = Parent(Parent(options.mediaDir)).Text();

@@ -31,8 +31,8 @@ void TakeFromCurrentMedia(LaunchOptions& options, const Flavours& flavours, bool
     options.osFolder = flavour->osFolder;
 }
 
-// A media without an installer for 32-bit Windows that has one for 64-bit Windows, or is marked for
-// that alone, is refused there.
+// A medium without an installer for 32-bit Windows that has one for 64-bit Windows, or is marked
+// for that alone, is refused there.
 void RefuseOn32BitWindows(const LaunchOptions& options, const Flavours& flavours) {
     const auto any = [&flavours](bool needs64Bit, std::string Flavour::*path) {
         return std::ranges::any_of(flavours, [needs64Bit, path](const Flavour& flavour) {

@@ -28,7 +28,7 @@ void CopyMediaEntries(const LaunchOptions& options, const std::string& temporary
     }
 }
 
-// Adds a folder of the separate installer media to the copy. A media without that folder may still
+// Adds a folder of the separate installer media to the copy. A medium without that folder may still
 // be complete, and the installer itself says what it misses.
 void CopyInstallerFolder(const LaunchOptions& options, const std::string& temporaryDir,
                          const std::string& folder) {

@@ -12,7 +12,7 @@ class LaunchOptions;
 // A marker's name is that of the per-OS folder, and this.
 inline constexpr char kFlavourMarkerExtension[] = ".installos";
 
-// One operating-system flavour of a media: a per-OS folder below "inst" with the installer for it,
+// One operating-system flavour of a medium: a per-OS folder below "inst" with the installer for it,
 // and a flavour marker, whose existence says that the media, or the separate installer media it
 // needs, is made for that flavour.
 struct Flavour {

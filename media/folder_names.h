@@ -6,18 +6,18 @@
 
 namespace launcher {
 
-// The fixed names of a media.
+// The fixed names of a medium.
 inline constexpr char kInstFolder[] = "inst";      // at the media's root
 inline constexpr char kCommonFolder[] = "common";  // in "inst", beside the per-OS folders
 inline constexpr char kCodeFolder[] = "code";      // in a per-OS folder
 inline constexpr char kBinFolder[] = "bin";        // in "code"; holds the installer
 
-// In "inst" of volume 1: the number of volumes of a split media.
+// In "inst" of volume 1: the number of volumes of a split medium.
 inline constexpr char kCountFile[] = "volumes.txt";
 
 inline constexpr char kLauncherName[] = "setup.exe";
 
-// The installer's part of a media: what is copied of its root, in this order. All are required.
+// The installer's part of a medium: what is copied of its root, in this order. All are required.
 inline constexpr const char* kMediaEntries[] = {kInstFolder,      "meta.TOCxml", "media.xml",
                                                 "media.db",       kLauncherName, "StartTUI.exe",
                                                 "setup_noUAC.exe"};

@@ -9,7 +9,7 @@
 namespace launcher {
 namespace {
 
-// Where the installer of a media with the root `root`, ending in a backslash, has to be. Plain
+// Where the installer of a medium with the root `root`, ending in a backslash, has to be. Plain
 // text: these paths are shown and passed on as given.
 struct InstallerPlace {
     InstallerPlace(const LaunchOptions& options, const std::string& root)

@@ -10,7 +10,7 @@
 
 namespace launcher {
 
-// The small files that tie the volumes of a split media together. They are only read, shared with
+// The small files that tie the volumes of a split medium together. They are only read, shared with
 // every other reader and writer, and nothing is reported about them.
 
 // "inst\volumes.txt" of volume 1.

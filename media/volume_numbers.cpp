@@ -10,7 +10,7 @@
 namespace launcher {
 namespace {
 
-// Far more than any media has; up to here, asking for each is cheaper than a listing.
+// Far more than any medium has; up to here, asking for each is cheaper than a listing.
 constexpr VolumeNumber kOrdinaryCount = 100;
 
 constexpr std::size_t kMostDigits = 10;  // of INT_MAX + 98

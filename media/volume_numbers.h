@@ -13,7 +13,7 @@ namespace launcher {
 using VolumeNumber = std::int64_t;
 
 // Calls `visit` with the numbers from `first` to `last`, in order, for which `folder` may hold an
-// entry named number + `suffix` (ASCII). As many as a media may really have are all visited. Of
+// entry named number + `suffix` (ASCII). As many as a medium may really have are all visited. Of
 // more, which only a damaged count asks for, those that a listing of the folder names: what cannot
 // exist is not looked for. A folder that cannot be listed has them all visited, however many.
 void ForEachVolumeNumber(const Path& folder, VolumeNumber first, VolumeNumber last,

@@ -16,11 +16,11 @@ namespace {
 // What one pass over volumes 2 to N found.
 struct Pass {
     VolumeNumber found = 1;            // volume 1 is always there
-    bool mismatch = false;             // a volume of another media was found
+    bool mismatch = false;             // a volume of another medium was found
     std::vector<std::string> folders;  // of the volumes found, in layouts of several folders
 };
 
-// A split media whose volume 1 was found and identified.
+// A split medium whose volume 1 was found and identified.
 struct SplitMedia {
     const LaunchOptions& options;  // of which `mediaDir` is the folder of volume 1
     TellVariable tell;

@@ -13,7 +13,7 @@ namespace launcher {
 enum class CopySkipped : int;
 class LaunchOptions;
 
-// How the volumes of a media lie.
+// How the volumes of a medium lie.
 enum class VolumeLayout {
     NotSplit,    // in one piece, or not to be checked
     OneFolder,   // all in the folder of volume 1
@@ -31,7 +31,7 @@ struct OuterMarker {
     Path File() const { return Join(folder, fileName); }
 };
 
-// The outer set that a media is nested in ("AM" in messages and variables).
+// The outer set that a medium is nested in ("AM" in messages and variables).
 struct OuterSet {
     VolumeNumber first;  // the outer volume that holds volume 1
     std::string id;
@@ -47,12 +47,12 @@ OuterSet OuterSetOf(const Path& mediaDir, const OuterMarker& marker);
 Path OuterVolumeFolder(const OuterSet& set, VolumeNumber outer);
 Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume);
 
-// What a search for the volumes of a media found, as far as it came.
+// What a search for the volumes of a medium found, as far as it came.
 struct FoundVolumes {
     CopySkipped notSearched{};  // what forbids the search, when something does
     VolumeLayout layout = VolumeLayout::Incomplete;
     std::optional<VolumeCount> count;  // nothing when "volumes.txt" was not read
-    std::string id;                    // of a split media, from the marker of volume 1
+    std::string id;                    // of a split medium, from the marker of volume 1
     std::optional<OuterSet> outer;
     std::vector<std::string> folders;  // of volumes 2 to N, in the layouts of several folders; of
                                        // those that were found when some are missing

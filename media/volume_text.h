@@ -7,7 +7,7 @@ namespace launcher {
 
 class InputStream;
 
-// The text of the small files that tie the volumes of a split media together: plain 8-bit text,
+// The text of the small files that tie the volumes of a split medium together: plain 8-bit text,
 // lines ended by LF or CR LF.
 
 // Reads one line, without its LF and without one CR before it. The stream is in the failed state

@@ -196,6 +196,12 @@ std::vector<std::string> Checked(const CLI::App& command, const std::vector<std:
     return checked;
 }
 
+CLI::Option* MayBeGivenAgain(CLI::Option* option) {
+    return option->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->allow_extra_args(false);
+}
+
 CLI::Validator OneOf(const std::vector<std::string>& values) {
     return CLI::Validator(
         [values](const std::string& value) {

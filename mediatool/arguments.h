@@ -21,6 +21,9 @@ const CLI::App* CommandOf(const CLI::App& app, const std::vector<std::string>& a
 std::vector<std::string> Checked(const CLI::App& command, const std::vector<std::string>& arguments,
                                  const std::string& hint);
 
+// One value for each time that the option is given.
+CLI::Option* MayBeGivenAgain(CLI::Option* option);
+
 // For a value that has to be one of these.
 CLI::Validator OneOf(const std::vector<std::string>& values);
 

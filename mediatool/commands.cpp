@@ -2,10 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
-#include <chrono>
 #include <exception>
-#include <map>
 #include <nlohmann/json.hpp>
 
 #include "fs/path.h"
@@ -15,8 +12,7 @@
 #include "mediatool/base/files.h"
 #include "mediatool/base/json.h"
 #include "mediatool/base/sentences.h"
-#include "mediatool/create/checksum.h"
-#include "mediatool/create/report.h"
+#include "mediatool/create/command.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "mediatool/dry_run/report.h"
 #include "mediatool/run/command.h"
@@ -25,33 +21,6 @@
 
 namespace launcher::mediatool {
 namespace {
-
-const std::map<std::string, Layout> kLayouts = {
-    {"one-folder", Layout::OneFolder}, {"siblings", Layout::Siblings}, {"outer", Layout::Outer}};
-
-// In milliseconds.
-unsigned long long Now() {
-    using std::chrono::steady_clock;
-    const auto since = steady_clock::now().time_since_epoch();
-    return static_cast<unsigned long long>(
-        std::chrono::duration_cast<std::chrono::milliseconds>(since).count());
-}
-
-// One value for each time that the option is given.
-CLI::Option* MayBeGivenAgain(CLI::Option* option) {
-    return option->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-        ->allow_extra_args(false);
-}
-
-// Shows them on `line`, with the rate since that work began.
-TellAmounts ShownOn(Progress& line) {
-    return [&line, what = std::string(), begin = 0ULL](const Amounts& amounts) mutable {
-        if (what != amounts.what) begin = Now();
-        what = amounts.what;
-        line.Show(TextOf(amounts, Now() - begin));
-    };
-}
 
 struct ValidateCommand {
     explicit ValidateCommand(CLI::App& app)
@@ -95,108 +64,6 @@ struct ValidateCommand {
     bool json = false;
 };
 
-struct CreateCommand {
-    explicit CreateCommand(CLI::App& app)
-        : command(app.add_subcommand("create", "Write the count file and markers of a media.")) {
-        command->add_option("--id", request.id, "The identifier of the media.")->required();
-        command->add_option("--layout", layout, "How the volumes lie.")
-            ->required()
-            ->check(OneOf({"one-folder", "siblings", "outer"}));
-        command->add_option("--volumes", volumes, "How many volumes: 1 to 99.")->required();
-        MayBeGivenAgain(
-            command->add_option(
-                "--from", from,
-                "A folder with the content of a volume, once for each, volume 1 first."))
-            ->type_name("FOLDER");
-        ofOuter = {
-            command->add_option("--outer-id", request.outerId,
-                                "The identifier of the outer volumes (default: ID-outer)."),
-            command->add_option("--first-outer", firstOuter,
-                                "The number of the first outer volume (default: 1)."),
-            command->add_option("--inner", request.inner,
-                                "The folder in each outer volume that the media is in (default: "
-                                "media).")};
-        command->add_flag("--force", request.force, "Write over files that are there.");
-        command->add_flag("--checksums", request.checksums,
-                          "Write a list of checksums, SHA256SUMS, into each volume.");
-        command->add_flag("--dry-run", request.isDry, "Only say what would be written.");
-        command->add_flag("--json", json, "Print JSON.");
-        command->add_option("out", request.out, "The folder to write into.")->required();
-        command->footer(
-            "Exit code: 0 written, 1 not written, 2 wrong use. When writing fails half-way, new "
-            "files are taken back; with --force, files may have been written over before.");
-    }
-
-    int Run() {
-        request.from = from;
-        request.layout = kLayouts.at(layout);
-        request.volumes = NumberGiven("--volumes", volumes);
-        for (const CLI::Option* option : ofOuter)
-            if (option->count() > 0 && request.layout != Layout::Outer)
-                throw BadInput(option->get_name() + " goes with --layout outer only.");
-        if (ofOuter[1]->count() > 0) request.firstOuter = NumberGiven("--first-outer", firstOuter);
-        if (ofOuter.front()->count() > 0 && request.outerId.empty())
-            throw BadInput("--outer-id is empty.");
-        Progress line;
-        CreateRequest watched = request;
-        watched.progress = ShownOn(line);
-        const Creation creation = Create(watched);
-        if (request.isDry) {
-            PrintOut(json ? Printed(JsonOfDry(creation, request)) : TextOfDry(creation));
-            return kSuccess;
-        }
-        PrintOut(json ? Printed(JsonOf(creation, request)) : TextOf(creation) + NextStep(creation));
-        return kSuccess;
-    }
-
-    // CLI11 would only say that it cannot convert the text.
-    static int NumberGiven(const std::string& option, const std::string& text) {
-        int number = 0;
-        const char* const end = text.data() + text.size();
-        const auto [rest, error] = std::from_chars(text.data(), end, number);
-        if (error != std::errc() || rest != end)
-            throw BadInput(option + " takes a number from 1 to 99, not \"" + text + "\".");
-        return number;
-    }
-
-    CLI::App* command;
-    CreateRequest request;
-    std::string layout;
-    std::string volumes;
-    std::string firstOuter;
-    std::vector<const CLI::Option*> ofOuter;  // the options of that layout
-    std::vector<std::string> from;
-    bool json = false;
-};
-
-struct ChecksumCommand {
-    explicit ChecksumCommand(CLI::App& app)
-        : command(app.add_subcommand("checksum", "Write the checksums of a media's files.")) {
-        command
-            ->add_option("media", request.folders,
-                         "The media's folder; or the folders of its volumes.")
-            ->required();
-        command->add_flag("--force", request.force, "Write over lists that are there.");
-        command->add_flag("--json", json, "Print JSON.");
-        command->footer(
-            "Writes a list SHA256SUMS, as sha256sum does, into the root of each volume.\n"
-            "Exit code: 0 written, 1 not written, 2 wrong use.");
-    }
-
-    int Run() {
-        Progress line;
-        ChecksumRequest watched = request;
-        watched.progress = ShownOn(line);
-        const Checksums checksums = WriteChecksums(watched);
-        PrintOut(json ? Printed(JsonOf(checksums)) : TextOf(checksums));
-        return kSuccess;
-    }
-
-    CLI::App* command;
-    ChecksumRequest request;
-    bool json = false;
-};
-
 struct DryRunCommand {
     explicit DryRunCommand(CLI::App& app)
         : command(app.add_subcommand("dry-run", "Rehearse a run of a media's launcher.")) {
@@ -215,17 +82,22 @@ struct DryRunCommand {
         command->add_option("--temp", temp, "Its TEMP folder.")->type_name("FOLDER");
         command->add_option("--pick", pick, "The folder that is picked in the folder dialog.")
             ->type_name("FOLDER");
-        command->add_flag("--all", everything, "Show every variable that changes.");
+        command->add_flag("--all", everything,
+                          "Show all that was looked for, every variable and every copied file.");
+        command->add_flag("--check", check, "Give the verdict as exit code.");
         command->add_flag("--json", json, "Print JSON.");
         command->footer(
             "The launcher's own arguments stand after --, as in: mediatool dry-run D:\\ -- -wait\n"
-            "Exit code: 0 whatever the launcher would do, 2 wrong use.");
+            "Exit code: 0 whatever the launcher would do, 2 wrong use; with --check, 0 when it "
+            "starts the installer without waiting for anybody, 3 when it would wait, 4 when it "
+            "does not start it.");
     }
 
     int Run(std::vector<std::string> launcherArguments) {
         request.arguments = std::move(launcherArguments);
         PretendedMachine& machine = request.machine;
         if (!windows.empty()) machine.isWindows8OrNewer = windows != "7";
+        if (windows.starts_with("7") || windows.starts_with("8")) machine.longPaths = false;
         if (!bits.empty()) machine.is64Bit = bits == "64";
         if (!administrator.empty()) machine.isAdministrator = administrator == "yes";
         if (command->count("--pick") > 0) machine.picked = pick;
@@ -236,7 +108,14 @@ struct DryRunCommand {
         if (machine.picked && std::ranges::none_of(run.journal.messages, &Message::dialog))
             PrintError("mediatool: --pick changes nothing: no folder dialog comes in this run.\n");
         PrintOut(json ? Printed(JsonOf(run)) : TextOf(run, everything));
-        return kSuccess;
+        return check ? ExitCodeOf(run.verdict) : kSuccess;
+    }
+
+    static int ExitCodeOf(Verdict verdict) {
+        constexpr int kWouldWait = 3;
+        constexpr int kRefused = 4;
+        if (verdict == Verdict::Refused) return kRefused;
+        return verdict == Verdict::Waits ? kWouldWait : kSuccess;
     }
 
     // An empty one pretends that there is no TEMP; a folder of the current one, or of that of a
@@ -271,6 +150,7 @@ struct DryRunCommand {
     std::string temp;
     std::string pick;
     bool everything = false;
+    bool check = false;
     bool json = false;
 };
 

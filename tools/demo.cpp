@@ -1,4 +1,4 @@
-// Shows the launcher at work on a sample media: one installation as the installer sees it, and two
+// Shows the launcher at work on a sample medium: one installation as the installer sees it, and two
 // refusals as a person sees them.
 
 #include <windows.h>

@@ -49,6 +49,6 @@ rm -r "$drive/NoInstaller/inst/win_b64"
 
 draw run 'M:\> mediatool run M:\NoInstaller --time-limit 90m -- -wait' \
     run 'M:\NoInstaller' --time-limit 90m -- -wait
-draw dry-run 'M:\> mediatool dry-run M:\Media --admin no -- -wait' \
-    dry-run 'M:\Media' --admin no -- -wait
+draw dry-run 'M:\> mediatool dry-run M:\Media --env ZEPProcessNotAdmin=1 -- -wait' \
+    dry-run 'M:\Media' --env ZEPProcessNotAdmin=1 -- -wait
 draw validate 'M:\> mediatool validate M:\Set\1' validate 'M:\Set\1'

@@ -45,7 +45,7 @@ set_colour() {
     "$WINE" reg add 'HKCU\Control Panel\Colors' /v "$1" /d "$2" /f
 }
 
-# A media whose installer is elsewhere, and, two levels above it, the separate installer media.
+# A medium whose installer is elsewhere, and, two levels above it, the separate installer media.
 make_media() {
     media="$work/drive/QN_Installer/media/1"
     mkdir -p "$media/inst/common" "$work/drive/QN_Installer/inst/win_b64/code/bin"

@@ -107,4 +107,12 @@ void Progress::Show(const std::string& line) {
     PrintError("\r" + line + std::string(width_ - line.size(), ' '));
 }
 
+TellAmounts ShownOn(Progress& line) {
+    return [&line, what = std::string(), begin = 0ULL](const Amounts& amounts) mutable {
+        if (what != amounts.what) begin = GetTickCount64();
+        what = amounts.what;
+        line.Show(TextOf(amounts, GetTickCount64() - begin));
+    };
+}
+
 }  // namespace launcher::mediatool

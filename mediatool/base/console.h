@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string>
 
+#include "mediatool/base/amounts.h"
+
 namespace launcher::mediatool {
 
 // The standard streams, in UTF-8. On a terminal they show it whatever its code page.
@@ -31,5 +33,8 @@ class Progress {
     unsigned long long shown_ = 0;  // when last, in milliseconds
     bool visible_ = false;
 };
+
+// Shows amounts on `line`, with the rate since that work began.
+TellAmounts ShownOn(Progress& line);
 
 }  // namespace launcher::mediatool

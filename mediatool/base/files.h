@@ -84,6 +84,8 @@ std::size_t WideLength(const std::string& text);
 // Without "\\?\" in front, in the same units: 260 with the null at the end.
 inline constexpr std::size_t kLongestPath = 259;
 inline constexpr std::size_t kLongestFolder = 247;  // of a new folder: room for a short file name
+// Likewise, of a command line.
+inline constexpr std::size_t kLongestCommandLine = 32766;
 
 // Without regard to case, as Windows compares names.
 bool SameName(const std::string& left, const std::string& right);

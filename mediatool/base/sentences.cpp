@@ -12,6 +12,15 @@ std::string Quoted(const Path& path) {
     return Quoted(path.Text());
 }
 
+std::string Grouped(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t i = digits.size(); i > 3;) {
+        i -= 3;
+        digits.insert(i, 1, ',');
+    }
+    return digits;
+}
+
 std::string Harmless(const std::string& text) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     std::string harmless;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include "fs/path.h"
@@ -12,6 +13,9 @@ namespace launcher::mediatool {
 // In double quotes.
 std::string Quoted(const std::string& text);
 std::string Quoted(const Path& path);
+
+// "1234567" as "1,234,567"
+std::string Grouped(std::uint64_t number);
 
 // With each control character but tab and LF as "\x1B": a terminal would obey it.
 std::string Harmless(const std::string& text);

@@ -6,10 +6,12 @@
 
 #include <algorithm>
 #include <exception>
+#include <map>
 
 #include "fs/encoding.h"
 #include "fs/environment.h"
 #include "fs/owners.h"
+#include "fs/text.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
 #include "launcher/driver.h"
@@ -17,6 +19,8 @@
 #include "launcher/temporary_copy.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/long_paths.h"
+#include "mediatool/dry_run/hints.h"
 #include "mediatool/media/media_set.h"
 #include "mediatool/media/program_file.h"
 
@@ -86,9 +90,27 @@ bool HasInstaller(const LauncherState& state) {
     return state.options && state.options->installerOrigin != InstallerOrigin::None;
 }
 
+// By ProgramKind().
+std::string FaultOf(const std::string& program) {
+    static const std::map<std::string, std::string> faults = {
+        {"folder", "it is a folder"},
+        {"library", "it is a library"},
+        {"no program", "it is no program"},
+        {"other machine", "it is for another processor"},
+        {"cut off", "the end of it is missing"},
+        {"unreadable", "it cannot be read"}};
+    const auto fault = faults.find(program);
+    return fault == faults.end() ? std::string() : fault->second;
+}
+
 ChosenInstaller InstallerOf(const LaunchOptions& options) {
-    return {options.installerExePath, options.installerFoundAt, options.osFolder,
-            OriginName(options.installerOrigin), ProgramKind(Path(options.installerFoundAt))};
+    const std::string program = ProgramKind(Path(options.installerFoundAt));
+    return {options.installerExePath,
+            options.installerFoundAt,
+            options.osFolder,
+            OriginName(options.installerOrigin),
+            program,
+            FaultOf(program)};
 }
 
 bool AreVolumesSearched(CopySkipped reason) {
@@ -102,7 +124,7 @@ std::string SkippedText(CopySkipped reason) {
         case CopySkipped::ByRepository:
             return "ZEP_Online_Installation_Caf_Repositiory is set.";
         case CopySkipped::NotSplit:
-            return "The media is not split.";
+            return "The medium is not split.";
         case CopySkipped::Complete:
             return "All volumes are there.";
         case CopySkipped::No:
@@ -113,10 +135,10 @@ std::string SkippedText(CopySkipped reason) {
 
 // For the variables as they were during the run.
 CopyDecision DecisionOf(const LauncherState& state) {
-    if (!HasInstaller(state)) return {false, "The run does not come so far."};
+    if (!HasInstaller(state)) return {false, "The run does not get that far."};
     if (IsVolumeCountAskedFor()) return {false, "Only the number of volumes is asked for."};
     if (state.options->temporaryCopyMade)
-        return {true, "Not all volumes of the media can be put together."};
+        return {true, "Not all volumes of the medium can be put together."};
     if (IsCopyForbidden()) return {false, "ZEPAdmInstDontCopyInstaller is set."};
     if (state.options->skipTemporaryCopy) return {false, SkippedText(state.options->copySkipped)};
     return {false, "The copy fails."};
@@ -129,7 +151,7 @@ std::string MeaningOf(const DryRun& run) {
                    : "A console was started in place of the installer, which is not run.";
     if (run.exitCodeIsInstallers) return "The installer's own, for which the launcher waits.";
     if (run.started) return "The installer was started; the launcher does not wait for it.";
-    if (run.volumes && IsVolumeCountAskedFor())
+    if (run.countsVolumes)
         return "The number of volumes, which ZEPAdmODTMultiVolumes asks for; nothing is started.";
     if (run.journal.crashed) return "The launcher crashes.";
     return "The launcher refuses; the message says why.";
@@ -142,12 +164,60 @@ std::string LauncherPath(const std::string& media) {
     return launcher.Text();
 }
 
+// What is told of the run shows no name that only this rehearsal has.
+void HidePretendedUuid(DryRun& run) {
+    const auto hideIn = [](std::string& text) { ReplaceAll(text, kPretendedUuid, kUuidShown, 0); };
+    for (Message& message : run.journal.messages)
+        hideIn(message.text);
+    for (Lookup& lookup : run.journal.lookups)
+        hideIn(lookup.path);
+    for (auto& [key, file] : run.journal.copy.contents)
+        hideIn(file.path);
+    if (run.journal.commandLine) hideIn(*run.journal.commandLine);
+    for (std::string& argument : run.installerArguments)
+        hideIn(argument);
+    for (Change& change : run.environment)
+        if (change.after) hideIn(*change.after);
+    if (run.installer) hideIn(run.installer->path);
+}
+
 // As the dialog would name it.
 std::string PickedFolder(const std::string& text) {
     const Path folder = FullPath(text);
     if (!IsFolder(folder))
         throw BadInput("\"" + text + "\" cannot be picked: there is no such folder.");
     return folder.Text();
+}
+
+// What the run was and did, while the variables are as it left them.
+void WriteDownRun(DryRun& run, const Rehearsal& rehearsal, const LauncherState& state) {
+    run.machine = rehearsal.machine;
+    run.journal = rehearsal.journal;
+    run.temp = GetEnvVar("TEMP");
+    run.workingFolder = FullPath(".").Text();
+    run.isAdministrator = rehearsal.isAdministrator.value_or(true);
+    run.tracesInBoxes = rehearsal.tracesInBoxes.value_or(false);
+    run.started = run.journal.commandLine.has_value();
+    run.showsCommandLine = run.started && IsCommandLineOnlyShown();
+    run.exitCodeIsInstallers = run.journal.waited;
+    if (run.started) run.installerArguments = ArgumentsOf(*run.journal.commandLine);
+    run.copy = DecisionOf(state);
+    if (!HasInstaller(state)) return;  // the search for volumes comes next
+    run.countsVolumes = IsVolumeCountAskedFor();
+    run.installer = InstallerOf(*state.options);
+    run.volumesChecked = AreVolumesSearched(state.options->copySkipped);
+    const Environment after = CurrentEnvironment();
+    run.volumes = ViewOf(state.media);
+    RestoreEnvironment(after);
+}
+
+// Of another Windows, nobody knows whether it takes long paths.
+void AddEndWithLongPaths(DryRun& run, DryRunRequest request) {
+    request.machine.longPaths = true;
+    run.hints.push_back(
+        "With LongPathsEnabled on that Windows, paths of more than 259 characters are not too "
+        "long there: " +
+        RunDry(request).summary);
 }
 
 }  // namespace
@@ -166,34 +236,29 @@ DryRun RunDry(const DryRunRequest& request) {
     rehearsal.machine = request.machine;
     rehearsal.machine.launcherPath = run.launcher;
     if (request.machine.picked) rehearsal.machine.picked = PickedFolder(*request.machine.picked);
+    std::optional<bool>& longPaths = rehearsal.machine.longPaths;
+    const bool isOtherWindows = request.machine.isWindows8OrNewer.has_value();
+    if (!longPaths && !isOtherWindows) longPaths = AreLongPathsEnabled();
+
     const Environment own = CurrentEnvironment();
     for (const auto& [name, value] : request.environment) {
         SetEnvVar(name, value);
         run.variables.push_back(name);
     }
+    run.setVariables = SetVariables();
     const Environment before = CurrentEnvironment();
-
     LauncherState state;
     run.exitCode = Rehearse(request, rehearsal, state);
-
-    run.machine = rehearsal.machine;
-    run.journal = rehearsal.journal;
     run.environment = Changes(before, CurrentEnvironment());
-    run.temp = GetEnvVar("TEMP");
-    run.started = run.journal.commandLine.has_value();
-    run.showsCommandLine = run.started && IsCommandLineOnlyShown();
-    run.exitCodeIsInstallers = run.journal.waited;
-    if (run.started) run.installerArguments = ArgumentsOf(*run.journal.commandLine);
-    run.copy = DecisionOf(state);
-    if (HasInstaller(state)) {  // the search for volumes comes next
-        run.installer = InstallerOf(*state.options);
-        run.volumesChecked = AreVolumesSearched(state.options->copySkipped);
-        const Environment after = CurrentEnvironment();
-        run.volumes = ViewOf(state.media);
-        RestoreEnvironment(after);
-    }
-    run.meaning = MeaningOf(run);
+    WriteDownRun(run, rehearsal, state);
     RestoreEnvironment(own);
+
+    run.meaning = MeaningOf(run);
+    HidePretendedUuid(run);
+    run.verdict = VerdictOf(run);
+    run.summary = SummaryOf(run);
+    run.hints = HintsOf(run, state.options ? &*state.options : nullptr);
+    if (!longPaths && run.journal.metLongPaths) AddEndWithLongPaths(run, request);
     return run;
 }
 

@@ -7,6 +7,8 @@
 
 #include "mediatool/dry_run/environment.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
+#include "mediatool/dry_run/variables.h"
+#include "mediatool/dry_run/verdict.h"
 #include "mediatool/media/launcher_view.h"
 
 namespace launcher::mediatool {
@@ -27,6 +29,7 @@ struct ChosenInstaller {
                           // "folder-dialog"
     std::string program;  // what kind of file it is: "64-bit", "32-bit", "library", "other
                           // machine", "no program", "cut off", "folder", "unreadable"
+    std::string fault;    // why Windows does not start that: "it is a folder"; mostly empty
 };
 
 struct CopyDecision {
@@ -40,19 +43,27 @@ struct DryRun {
     std::string doubt;                   // why it may do something else, a sentence; mostly empty
     std::vector<std::string> arguments;  // its own
     PretendedMachine machine;
-    std::vector<std::string> variables;  // names of those that are pretended
-    std::string temp;                    // its "TEMP"
+    std::vector<std::string> variables;     // names of those that are pretended
+    std::vector<SetVariable> setVariables;  // that the launcher reads, when it starts
+    bool isAdministrator = false;           // as the launcher sees it
+    bool tracesInBoxes = false;
+    std::string temp;           // its "TEMP"
+    std::string workingFolder;  // that the launcher and the installer would have
     Journal journal;
     int exitCode = 0;
     bool exitCodeIsInstallers = false;
-    std::string meaning;                          // of the exit code, as a sentence
+    std::string meaning;  // of the exit code, as a sentence
+    Verdict verdict = Verdict::Refused;
+    std::string summary;                          // the verdict in one line
+    std::vector<std::string> hints;               // what may be a slip, each a sentence
+    bool countsVolumes = false;                   // starts nothing, as ZEPAdmODTMultiVolumes asks
     bool started = false;                         // the installer would have been
     bool showsCommandLine = false;                // in a console that stays open, as
                                                   // DEBUGCMD_INSTALLK7 asks; no installer then
     std::vector<std::string> installerArguments;  // as it would see them, without the program
     std::vector<Change> environment;
     std::optional<ChosenInstaller> installer;
-    std::optional<LauncherView> volumes;  // nothing when the run did not come so far
+    std::optional<LauncherView> volumes;  // nothing when the run does not get that far
     bool volumesChecked = false;          // false when an option or a variable forbids it
     CopyDecision copy;
 

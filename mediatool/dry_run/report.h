@@ -10,7 +10,7 @@ namespace launcher::mediatool {
 // The outputs of a dry run, for people and for programs. docs/mediatool.schema.json describes the
 // latter.
 
-// With `everything`, every variable that changes is told with its value before.
+// With `everything`, all that was looked for, every variable and every copied file.
 std::string TextOf(const DryRun& run, bool everything);
 Json JsonOf(const DryRun& run);
 

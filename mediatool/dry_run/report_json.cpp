@@ -38,6 +38,13 @@ Json MessagesOf(const DryRun& run) {
     return messages;
 }
 
+Json VariablesOf(const DryRun& run) {
+    Json variables = Json::object();
+    for (const SetVariable& variable : run.setVariables)
+        variables[variable.name] = {{"value", variable.value}, {"effect", variable.effect}};
+    return variables;
+}
+
 Json LookupsOf(const DryRun& run) {
     Json lookups = Json::array();
     for (const Lookup& lookup : run.journal.lookups)
@@ -72,11 +79,16 @@ Json VolumesOf(const DryRun& run) {
 
 Json CopyOf(const DryRun& run) {
     const PretendedCopy& copy = run.journal.copy;
+    Json contents = Json::array();
+    for (const auto& [key, file] : copy.contents)
+        contents.push_back({{"path", file.path}, {"source", file.source}, {"bytes", file.bytes}});
     return {{"made", run.copy.made},
             {"reason", run.copy.reason},
             {"files", copy.contents.size()},
             {"bytes", copy.bytes},
-            {"room", OrNull(copy.room)}};
+            {"room", OrNull(copy.room)},
+            {"contents", contents},
+            {"removeScript", run.journal.wroteRemoveScript}};
 }
 
 Json MachineOf(const DryRun& run) {
@@ -85,7 +97,9 @@ Json MachineOf(const DryRun& run) {
             {"isAdministrator", OrNull(machine.isAdministrator)},
             {"isWindows8OrNewer", OrNull(machine.isWindows8OrNewer)},
             {"hasOldWebLibrary", machine.hasOldWebLibrary},
-            {"temp", run.temp}};
+            {"temp", run.temp},
+            {"variables", run.variables},
+            {"picked", OrNull(machine.picked)}};
 }
 
 }  // namespace
@@ -94,9 +108,14 @@ Json JsonOf(const DryRun& run) {
     return {{"schema", 1},
             {"command", "dry-run"},
             {"launcher", run.launcher},
+            {"verdict", VerdictName(run.verdict)},
+            {"summary", run.summary},
+            {"hints", run.hints},
             {"doubt", run.doubt.empty() ? Json() : Json(run.doubt)},
             {"launcherArguments", run.arguments},
+            {"workingFolder", run.workingFolder},
             {"pretended", MachineOf(run)},
+            {"variables", VariablesOf(run)},
             {"exitCode", run.exitCode},
             {"exitCodeIsInstallers", run.exitCodeIsInstallers},
             {"meaning", run.meaning},

@@ -1,7 +1,5 @@
-#include <algorithm>
-
-#include "installer/installer_environment.h"
 #include "launcher/base/message.h"
+#include "media/folder_names.h"
 #include "mediatool/base/console.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/dry_run/report.h"
@@ -9,7 +7,7 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kMissingShown = 10;  // of the files that were looked for
+constexpr std::size_t kMissingShown = 4;  // of the files that were looked for
 
 std::string Heading(const std::string& text) {
     return Painted(Colour::Bold, text) + "\n";
@@ -17,16 +15,6 @@ std::string Heading(const std::string& text) {
 
 std::string Line(const std::string& text) {
     return "  " + text + "\n";
-}
-
-// "1234567" -> "1,234,567"
-std::string Grouped(std::uint64_t number) {
-    std::string digits = std::to_string(number);
-    for (std::size_t i = digits.size(); i > 3;) {
-        i -= 3;
-        digits.insert(i, 1, ',');
-    }
-    return digits;
 }
 
 // An argument as it is typed.
@@ -58,26 +46,57 @@ std::string DoubtText(const DryRun& run) {
     return Line(Painted(Colour::Yellow, run.doubt) + " It may do something else than this:");
 }
 
-std::string InstallerText(const DryRun& run) {
+std::string HintsText(const DryRun& run) {
+    if (run.hints.empty()) return {};
+    std::string text = Heading("Hints");
+    for (const std::string& hint : run.hints)
+        text += Line(Painted(Colour::Yellow, hint));
+    return text;
+}
+
+// TEMP, which is always set, is told with the copy.
+std::string VariablesText(const DryRun& run) {
+    std::string text;
+    for (const SetVariable& variable : run.setVariables)
+        if (variable.name != "TEMP")
+            text += Line(variable.name + " = " + variable.value + ": " + variable.effect);
+    return text.empty() ? text
+                        : Heading("Variables that are set and that the launcher reads") + text;
+}
+
+// Every medium but a volume of a split one lacks it.
+bool IsMissingInOrder(const DryRun& run, const Lookup& lookup) {
+    return run.volumes && run.volumes->layout == Layout::NotSplit &&
+           lookup.path.ends_with(std::string(kInstFolder) + "\\" + kCountFile);
+}
+
+std::string LookupsText(const DryRun& run, bool everything) {
     std::string text = Heading("Looked for");
     if (run.journal.lookups.empty()) text += Line("nothing");
     std::size_t missing = 0;
     for (const Lookup& lookup : run.journal.lookups) {
-        if (!lookup.found && ++missing > kMissingShown) continue;
-        text += "  " + (lookup.found ? Painted(Colour::Green, "found    ") : "missing  ") +
-                lookup.path + "\n";
+        if (!lookup.found && ++missing > kMissingShown && !everything) continue;
+        text +=
+            Line((lookup.found ? Painted(Colour::Green, "found    ") : "missing  ") + lookup.path +
+                 (!lookup.found && IsMissingInOrder(run, lookup) ? ", as it should be" : ""));
     }
-    if (missing > kMissingShown)
-        text += Line("missing  " + std::to_string(missing - kMissingShown) + " more");
-    text += Heading("Installer");
+    if (missing > kMissingShown && !everything)
+        text +=
+            Line("missing  " + std::to_string(missing - kMissingShown) + " more; --all shows them");
+    return text;
+}
+
+std::string InstallerText(const DryRun& run) {
+    std::string text = Heading("Installer");
     if (!run.installer) return text + Line("none");
-    text += Line(run.installer->foundAt);
-    text += Line(run.installer->osFolder + ", found by " + run.installer->foundBy);
-    const std::string& program = run.installer->program;
-    if (program != "64-bit" && program != "32-bit")
-        text += Line(Painted(Colour::Red, "Windows cannot start it: " + program + "."));
-    else
-        text += Line("a " + program + " program");
+    const ChosenInstaller& installer = *run.installer;
+    const bool isInMedia = installer.foundBy == "current-media";
+    text += Line(installer.foundAt);
+    text += Line(installer.osFolder + ", found " +
+                 (isInMedia ? "on the medium itself" : "by " + installer.foundBy) +
+                 (installer.fault.empty() ? ", a " + installer.program + " program" : ""));
+    if (!installer.fault.empty())
+        text += Line(Painted(Colour::Red, "Windows cannot start it: " + installer.fault + "."));
     return text;
 }
 
@@ -93,12 +112,12 @@ std::string LayoutText(const DryRun& run) {
         case Layout::Outer:
             return count + " in outer volumes";
         case Layout::Incomplete:
-            return "missing or not to be put together, of " + count + "; why: mediatool validate " +
+            return "not all of the " + count + " can be put together; why: mediatool validate " +
                    Typed(run.volumes->folders.front());
         case Layout::NotSplit:
             break;
     }
-    return "one; the media is not split";
+    return "one; the medium is not split";
 }
 
 std::string VolumesText(const DryRun& run) {
@@ -111,17 +130,19 @@ std::string VolumesText(const DryRun& run) {
     return text;
 }
 
-std::string CopyText(const DryRun& run) {
+std::string CopyText(const DryRun& run, bool everything) {
     if (!run.volumes) return {};
     const PretendedCopy& copy = run.journal.copy;
     std::string text = Heading("Temporary copy");
     text += Line((run.copy.made ? "made: " : "none: ") + run.copy.reason);
     if (copy.contents.empty()) return text;
     text += Line(Counted(copy.contents.size(), "file") + ", " + Grouped(copy.bytes) +
-                 " bytes, to " + run.temp + "\\" + kPretendedUuid);
+                 " bytes, to " + run.temp + "\\" + kUuidShown);
     if (copy.room)
         text += Line(Grouped(*copy.room) + " bytes are free there" +
                      (copy.bytes > *copy.room ? Painted(Colour::Red, ": too few") : ""));
+    for (const auto& [key, file] : copy.contents)
+        if (everything) text += Line(file.path);
     return text;
 }
 
@@ -129,45 +150,16 @@ std::string ValueText(const std::optional<std::string>& value) {
     return value ? *value : "(not set)";
 }
 
-// The first entry of a list of folders; the others are like it.
-std::string ShortValue(const std::string& value) {
-    const std::size_t end = value.find(';');
-    return end == std::string::npos ? value : value.substr(0, end) + ";...";
-}
-
-bool IsFixed(const Change& change) {
-    return std::ranges::count(kFixedVariables, change.name, &FixedVariable::name) > 0;
-}
-
-bool IsBackup(const Change& change) {
-    return change.name.starts_with(kBackupPrefix);
-}
-
 std::string EnvironmentText(const DryRun& run, bool everything) {
     if (run.environment.empty()) return {};
     std::string text = Heading("Environment");
-    std::size_t backups = 0;
-    std::size_t fixed = 0;
+    if (!everything)
+        return text + Line(Counted(run.environment.size(), "variable") +
+                           " change for the installer; --all shows them");
     for (const Change& change : run.environment) {
-        if (everything) {
-            text += Line(change.name + " = " + ValueText(change.after));
-            text += Line("    before: " + ValueText(change.before));
-        } else if (IsBackup(change)) {
-            ++backups;
-        } else if (IsFixed(change)) {
-            ++fixed;
-        } else {
-            const std::string was =
-                change.before ? "   (before: " + ShortValue(*change.before) + ")" : "";
-            text += Line(change.name + " = " +
-                         (change.after ? ShortValue(*change.after) : "(removed)") +
-                         Painted(Colour::Dim, was));
-        }
+        text += Line(change.name + " = " + ValueText(change.after));
+        text += Line("    before: " + ValueText(change.before));
     }
-    if (backups + fixed > 0)
-        text += Line(Painted(
-            Colour::Dim, "and " + Counted(backups, "backup") + " in " + kBackupPrefix + "..., " +
-                             Counted(fixed, "fixed value") + "; --all shows them"));
     return text;
 }
 
@@ -208,11 +200,9 @@ std::string MessagesText(const DryRun& run) {
     return text;
 }
 
-std::string ExitCodeText(const DryRun& run) {
-    const Colour colour = run.started ? Colour::Green : Colour::Red;
-    if (run.exitCodeIsInstallers) return Heading("Exit code") + Line(Painted(colour, run.meaning));
-    return Heading("Exit code") +
-           Line(Painted(colour, std::to_string(run.exitCode)) + ": " + run.meaning);
+Colour ColourOf(Verdict verdict) {
+    if (verdict == Verdict::Starts) return Colour::Green;
+    return verdict == Verdict::Waits ? Colour::Yellow : Colour::Red;
 }
 
 }  // namespace
@@ -221,10 +211,12 @@ std::string TextOf(const DryRun& run, bool everything) {
     std::string typed = run.launcher;
     for (const std::string& argument : run.arguments)
         typed += " " + Typed(argument);
-    std::string text = Heading(typed) + Line(MachineText(run)) + DoubtText(run);
-    text += InstallerText(run) + VolumesText(run) + CopyText(run);
-    text += EnvironmentText(run, everything) + CommandLineText(run);
-    return text + MessagesText(run) + ExitCodeText(run);
+    std::string text = Painted(ColourOf(run.verdict), run.summary) + "\n";
+    text += Heading(typed) + Line(MachineText(run)) + DoubtText(run);
+    text += HintsText(run) + VariablesText(run) + LookupsText(run, everything);
+    text += InstallerText(run) + VolumesText(run) + CopyText(run, everything);
+    text += EnvironmentText(run, everything);
+    return text + CommandLineText(run) + MessagesText(run);
 }
 
 }  // namespace launcher::mediatool

@@ -65,14 +65,21 @@ std::string VersionText(std::wstring_view resource, const std::wstring& name) {
     return ToNarrow(value.c_str());
 }
 
-// The version resource of a program that is only looked at.
-std::wstring_view VersionResource(const Library& program) {
-    const HRSRC found = FindResourceW(program.Get(), MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
+// A program that is only looked at.
+Library OpenResources(const Path& path) {
+    return Library(LoadLibraryExW(ToWide(path.Text()).c_str(), nullptr,
+                                  LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+}
+
+// Its first resource of a type, in characters of one size or the other.
+template <class Character>
+std::basic_string_view<Character> FirstResource(const Library& program, const wchar_t* type) {
+    const HRSRC found = FindResourceW(program.Get(), MAKEINTRESOURCEW(1), type);
     if (found == nullptr) return {};
     const HGLOBAL loaded = LoadResource(program.Get(), found);
     if (loaded == nullptr) return {};
-    return {static_cast<const wchar_t*>(LockResource(loaded)),
-            SizeofResource(program.Get(), found) / sizeof(wchar_t)};
+    return {static_cast<const Character*>(LockResource(loaded)),
+            SizeofResource(program.Get(), found) / sizeof(Character)};
 }
 
 struct SectionTraits {
@@ -149,13 +156,19 @@ std::uint32_t ImageError(const std::wstring& name) {
     return image ? ERROR_SUCCESS : GetLastError();
 }
 
+bool AsksForElevation(const Path& path) {
+    const Library program = OpenResources(path);
+    if (!program) return false;
+    const auto manifest = FirstResource<char>(program, RT_MANIFEST);
+    return manifest.find("\"requireAdministrator\"") != std::string_view::npos ||
+           manifest.find("\"highestAvailable\"") != std::string_view::npos;
+}
+
 // Without the system's library for versions: one of its name beside this program would run.
 ProgramVersion ReadProgramVersion(const Path& path) {
-    const Library program(
-        LoadLibraryExW(ToWide(path.Text()).c_str(), nullptr,
-                       LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+    const Library program = OpenResources(path);
     if (!program) return {};
-    const std::wstring_view resource = VersionResource(program);
+    const auto resource = FirstResource<wchar_t>(program, RT_VERSION);
     return {VersionText(resource, L"ProductName"), VersionText(resource, L"ProductVersion")};
 }
 

@@ -31,6 +31,9 @@ std::string ProgramKind(const Path& path);
 // start.
 std::uint32_t ImageError(const std::wstring& name);
 
+// Whether its manifest asks for more rights than a user has who is no elevated administrator.
+bool AsksForElevation(const Path& path);
+
 // The name and the version in a program's resources; empty when it has none.
 struct ProgramVersion {
     std::string product;

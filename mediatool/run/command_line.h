@@ -10,9 +10,6 @@ namespace launcher::mediatool {
 // https://learn.microsoft.com/windows/win32/api/shellapi/nf-shellapi-commandlinetoargvw
 std::string CommandLineOf(const std::string& program, const std::vector<std::string>& arguments);
 
-// What Windows takes at most, in UTF-16 code units, without the null at the end.
-inline constexpr std::size_t kLongestCommandLine = 32766;
-
 // Whether the launcher, given these, waits for the installer.
 bool WaitsForInstaller(const std::vector<std::string>& arguments);
 

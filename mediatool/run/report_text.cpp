@@ -5,9 +5,9 @@
 #include "fs/text.h"
 #include "mediatool/base/console.h"
 #include "mediatool/base/sentences.h"
+#include "mediatool/media/remedies.h"
 #include "mediatool/run/command_line.h"
 #include "mediatool/run/launcher_line.h"
-#include "mediatool/run/remedies.h"
 #include "mediatool/run/report.h"
 
 namespace launcher::mediatool {

@@ -47,7 +47,8 @@ void CheckAutorun(const Subject& subject, Findings& out) {
         if (!isInSection || equals == std::string::npos) continue;
         const std::string key = Trimmed(lower.substr(0, equals));
         const std::string program = ProgramOf(Trimmed(line.substr(equals + 1)));
-        if ((key == "open" || key == "shellexecute") && !IsOurs(subject.Media(), program))
+        const bool isStart = (key == "open" || key == "shellexecute") && !program.empty();
+        if (isStart && !IsOurs(subject.Media(), program))
             out.Add("autorun-other-program", file, {Quoted(Visible(program))});
     }
 }

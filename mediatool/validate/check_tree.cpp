@@ -104,7 +104,7 @@ class Tree {
         std::unordered_map<std::string, const Entry*> names;
         for (const Entry& entry : entries) {
             const auto [other, isNew] = names.try_emplace(InLowerCase(entry.name), &entry);
-            if (!isNew)
+            if (!isNew && MayAdd(capitals_))
                 out_.Add("name-differs-in-case", Join(folder, entry.name), {other->second->name});
         }
     }
@@ -113,7 +113,7 @@ class Tree {
     void CheckKind(const std::string& path, const Entry& entry) {
         if (entry.isFolder || entry.isLink) return;
         if (IsLeftover(entry.name) && MayAdd(leftovers_)) out_.Add("leftover", path, {entry.name});
-        if (entry.size == 0 && IsProgramName(entry.name) && !HasItsOwnCheck(path))
+        if (entry.size == 0 && IsProgramName(entry.name) && !HasItsOwnCheck(path) && MayAdd(empty_))
             out_.Add("program-empty", path, {entry.name});
     }
 
@@ -155,6 +155,8 @@ class Tree {
     std::size_t tooLong_ = 0;
     std::size_t unreadable_ = 0;
     std::size_t leftovers_ = 0;
+    std::size_t capitals_ = 0;
+    std::size_t empty_ = 0;
 };
 
 }  // namespace

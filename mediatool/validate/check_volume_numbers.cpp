@@ -32,7 +32,7 @@ class VolumeNumbers {
         if (layout_ == Layout::Incomplete) {
             CheckFolder(1, media_);
             for (const VolumeNumber k : NumberedFolders(parent_, 2, count_))
-                CheckFolder(k, Beside(k));
+                if (!SameName(Beside(k), media_)) CheckFolder(k, Beside(k));
             if (!isAnyTwice_) CheckGiven(given);
         } else {
             VolumeNumber number = 0;

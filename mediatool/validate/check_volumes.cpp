@@ -30,6 +30,7 @@ class Volumes {
         for (const auto& [number, marker] : MarkersMeantIn(set.first))
             if (number > 1 && number <= set.count) inFirst_.insert(number);
         beside_ = NumberedFolders(parent_, 2, set.count);
+        std::erase_if(beside_, [this](VolumeNumber k) { return IsFirst(Beside(k)); });
         if (subject.view.layout != Layout::Incomplete) return;
         lost_ = LostVolumes(set, subject.set.given);
         // A folder at the right place speaks for itself, unless it holds another volume.
@@ -61,6 +62,7 @@ class Volumes {
     }
 
     Path Beside(VolumeNumber k) const { return Join(parent_, std::to_string(k)); }
+    bool IsFirst(const Path& folder) const { return SameName(folder, set_.first); }
     bool IsBeside(const Path& folder) const { return SameName(Parent(folder), parent_); }
 
     void CheckOneFolder() {
@@ -96,9 +98,10 @@ class Volumes {
     void ReportLost(MissingVolumes& missing) {
         for (const auto& [k, folder] : lost_) {
             missing.Remove(k);
-            out_.AddFirst(
-                {{IsBeside(folder), "volume-folder-named-otherwise"}, {true, "volume-misplaced"}},
-                folder, {std::to_string(k), FileName(folder), Beside(k).Text()});
+            out_.AddFirst({{IsFirst(Beside(k)), "volume-folder-named-otherwise/taken"},
+                           {IsBeside(folder), "volume-folder-named-otherwise"},
+                           {true, "volume-misplaced"}},
+                          folder, {std::to_string(k), FileName(folder), Beside(k).Text()});
         }
         if (IsEmpty(Parent(set_.first))) return;
         for (const auto& [k, archive] : PackedVolumes(parent_)) {

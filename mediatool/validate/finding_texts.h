@@ -24,9 +24,10 @@ using enum Level;
 
 inline constexpr char kNoStart[] = "Nobody can start the installation.";
 inline constexpr char kCopyLauncher[] = "Copy the launcher to the medium again.";
-inline constexpr char kCutOff[] = "Windows cannot start it: a copy of the file was broken off.";
+inline constexpr char kCutOff[] =
+    "Windows cannot start it: copying stopped before the end of the file.";
 inline constexpr char kReadable[] =
-    "Let everybody read it, and close the program that has it open.";
+    "Make it readable for everyone, and close the program that has it open.";
 inline constexpr char kCopyFails[] =
     "The medium is copied to the temporary folder before the installer starts, and the copy fails.";
 inline constexpr char kCopyWouldFail[] =
@@ -63,13 +64,13 @@ inline constexpr char kInstallerAsks[] =
 inline constexpr char kSecondMarker[] =
     "Volume %1 has a second marker, in another volume's folder.";
 inline constexpr char kRemoveMarker[] = "Remove the marker that is in the wrong folder.";
-inline constexpr char kOtherMarker[] = "The folder of volume %2 has the marker %3.";
+inline constexpr char kOtherMarker[] = "The folder of volume %2 has the marker %3 in it.";
 inline constexpr char kNoOuterMarker[] =
     "The launcher does not take it for the marker of an outer volume.";
 inline constexpr char kNumberOuter[] = "Number the outer volumes from 1 to 99.";
 inline constexpr char kRename[] = "Give it another name.";
 inline constexpr char kTooLong[] =
-    "In a copy, the path would have %1 characters; Windows takes %2.";
+    "In a copy, the path would have %1 characters; Windows takes %2 unless long paths are enabled.";
 inline constexpr char kShorten[] = "Shorten the names of the file or of its folders.";
 inline constexpr char kReplaceLink[] = "Put the file or folder itself in its place.";
 
@@ -124,7 +125,7 @@ inline constexpr FindingText kTexts[] = {
      "Copy the launcher to the root of volume 1."},
     {"launcher-not-file", Error, "setup.exe is a folder.", kNoStart, kCopyLauncher},
     {"launcher-empty", Error, "setup.exe is empty.", kNoStart, kCopyLauncher},
-    {"launcher-not-program", Error, "setup.exe is no Windows program.", kNoStart, kCopyLauncher},
+    {"launcher-not-program", Error, "setup.exe is not a Windows program.", kNoStart, kCopyLauncher},
     {"launcher-cut-off", Error, "setup.exe is shorter than its headers say.", kCutOff,
      kCopyLauncher},
     {"launcher-wrong-machine", Error, "setup.exe is made for another kind of processor.",
@@ -133,9 +134,9 @@ inline constexpr FindingText kTexts[] = {
      "They are not part of the launcher: the file was damaged or changed after it was built.",
      kCopyLauncher},
     {"launcher-not-this-one", Error, "setup.exe is not this launcher%1.",
-     "It starts another program, and the findings hold for this launcher only.", kCopyLauncher},
+     "Another program starts, and these findings apply to this launcher only.", kCopyLauncher},
     {"launcher-other-version", Note, "setup.exe is version %1 of the launcher.",
-     "The findings hold for version %2.", "Use the launcher and mediatool of one release."},
+     "These findings apply to version %2.", "Use the launcher and mediatool of one release."},
     {"launcher-not-signed", Note, "setup.exe carries no signature.",
      "When it asks for elevation, Windows calls its publisher unknown.",
      "Sign it before you ship it."},
@@ -154,7 +155,7 @@ inline constexpr FindingText kTexts[] = {
      "It is a leftover at best, and may ask for other rights on old systems.", "Remove it."},
 
     {"autorun-other-program", Warning, "autorun.inf starts %1, not the launcher.",
-     "Whoever puts in the disc and follows Windows' offer gets that program.",
+     "Anyone who inserts the disc and accepts what Windows offers gets that program.",
      "Write open=setup.exe into its section [autorun]."},
 
     // The entries of the root that are copied with the installer.
@@ -193,12 +194,11 @@ inline constexpr FindingText kTexts[] = {
      "Nothing, unless 64-bit Windows is to get one of its own: then add inst\\win_b64."},
     {"installer-on-other-media", Note, "There are flavour markers, but no installer.",
      "The launcher asks for the folder of the installer medium in a dialog, where an unattended "
-     "run waits for ever.",
+     "run waits forever.",
      "Tell administrators of -installerPath and ZEP_TALVOR_Installer."},
     {"installer-never-used", Note, "win_csa64 and win_b64 both have an installer.",
      "The launcher takes the one in win_b64.", "Nothing, or remove the other."},
-    {"installer-missing", Error, "The folder %1 has no installer in it.",
-     "The launcher passes it by.",
+    {"installer-missing", Error, "The folder %1 has no installer in it.", "The launcher skips it.",
      "Add the installer; or, when it comes on a medium of its own, add inst\\common\\%2."},
     {"installer-missing/not-needed", Note, "The folder %1 has no installer in it.",
      "The launcher takes the one in %3.",
@@ -221,8 +221,8 @@ inline constexpr FindingText kTexts[] = {
     {"installer-is-folder", Error, "The installer is a folder.", kStartFails, kPutInstaller},
     {"installer-empty", Error, "The installer is empty.", kStartFails, kPutInstaller},
     {"installer-unreadable", Error, "The installer cannot be read.", kStartFails,
-     "Let everybody read and run it."},
-    {"installer-not-program", Error, "The installer is no Windows program.", kStartFails,
+     "Let everyone read and run it."},
+    {"installer-not-program", Error, "The installer is not a Windows program.", kStartFails,
      kPutInstaller},
     {"installer-cut-off", Error, "The installer is shorter than its headers say.", kCutOff,
      "Copy it again, and compare the sizes."},
@@ -255,14 +255,15 @@ inline constexpr FindingText kTexts[] = {
      "Put an empty file in its place."},
     {"flavour-marker-double-extension", Error,
      "The name of the flavour marker goes on after .installos.", kMarkerUnseen, "Rename it to %1."},
-    {"flavour-marker-unknown", Warning, "No Windows goes with the name of this flavour marker.",
+    {"flavour-marker-unknown", Warning, "No kind of Windows has a flavour marker of this name.",
      kMarkerUnseen, "Use win_b64.installos, win_csa64.installos or intel_a.installos."},
     {"flavour-marker-misplaced", Error, "The flavour marker is in the wrong folder.",
      "The launcher looks for it in inst\\common only.", "Move it there."},
 
     // The count file, inst\volumes.txt.
     {"count-file-missing", Error, "There is a volume marker, 1.txt, but no count file.",
-     "The launcher takes the disc set for a single medium, and tells the installer nothing of the "
+     "The launcher takes the disc set for a single medium, and does not tell the installer about "
+     "the "
      "other volumes.",
      "Write inst\\volumes.txt with the number of volumes."},
     {"count-file-misplaced", Error, "The count file is in the wrong folder.", kOnlyInInst,
@@ -280,8 +281,8 @@ inline constexpr FindingText kTexts[] = {
      kNumberAlone},
     {"count-file-blank-line-first", Error, "The first line of the count file is blank.", kNoCount,
      kNumberAlone},
-    {"count-file-not-a-number", Error, "The first line of the count file is no number.", kNoCount,
-     kNumberAlone},
+    {"count-file-not-a-number", Error, "The first line of the count file is not a number.",
+     kNoCount, kNumberAlone},
     {"count-file-out-of-range", Error, "The number of volumes is too large to be read.", kNoCount,
      kNumberAlone},
     {"count-file-negative", Error, "The number of volumes is below zero.", kTakenAsSingle,
@@ -328,7 +329,7 @@ inline constexpr FindingText kTexts[] = {
     {"volume-marker-no-equals", Error, "There is no = after MTBDIR.", kNoId, kWriteKey},
     {"volume-marker-no-id", Error, "No line begins with MTBDIR=.", kNoId, kWriteKey},
     {"volume-marker-two-ids", Warning, "The marker has two different identifiers.",
-     "The first counts.", kWriteKey},
+     "Only the first counts.", kWriteKey},
     {"volume-marker-double-cr", Error, "The line ends with two carriage returns.", kPartOfId,
      kWriteKey},
     {"volume-marker-cr-only", Error, "The lines end with carriage returns alone.",
@@ -357,12 +358,12 @@ inline constexpr FindingText kTexts[] = {
      "Nothing tells which volume it is.",
      "Write the file k.txt with the line MTBDIR=%1, where k is the number of the volume."},
     {"volume-too-deep", Error, "%1 is one folder too deep.",
-     "The launcher looks for it in %2, where only this folder is.",
+     "The launcher looks for it in %2, where there is only this folder.",
      "Move all that is in the folder up, into %2."},
     {"volume-misplaced", Error, "Volume %1 is in a folder where the launcher does not look.",
      "It looks for the volume in %3.", "Move the folder there."},
     {"volume-not-unpacked", Error, "Volume %1 is still in its archive.",
-     "The launcher looks for it in %2 and into no archive.", "Unpack it into that folder."},
+     "The launcher looks for it in %2, and never in an archive.", "Unpack it into that folder."},
     {"volume-empty", Error, "There is nothing in volume %1 but its marker.",
      "The launcher tells the installer that the volume is there; the installer finds nothing in "
      "it.",
@@ -378,9 +379,9 @@ inline constexpr FindingText kTexts[] = {
     {"volume-id-case-differs", Error, kIdDiffers, kOfAnotherSet, kSameId},
     {"volume-id-blanks-differ", Error, kIdDiffers, kOfAnotherSet, kSameId},
     {"volume-id-letters-differ", Error, kIdDiffers,
-     "They look the same, but one has letters with their accents in one piece and the other in "
-     "two: "
-     "the launcher takes the volume for one of another disc set, and gives up on all of them.",
+     "They look the same, but accented letters are one character in one of them and two in the "
+     "other: the launcher takes the volume for one of another disc set, and gives up on all of "
+     "them.",
      kSameId},
     {"volume-missing", Error, "%1",
      "The launcher finds some volumes and not others, and copies the installer to the temporary "
@@ -392,6 +393,11 @@ inline constexpr FindingText kTexts[] = {
     {"volume-folder-named-otherwise", Error, "Volume %1 is in a folder named %2.",
      "The launcher looks for it in the folder %1 beside volume 1's.",
      "Rename the folder to %1, and leave the marker as it is."},
+    {"volume-folder-named-otherwise/taken", Error,
+     "Volume %1 is in a folder named %2, and volume 1 in the one named %1.",
+     "The launcher looks for volume %1 in the folder %1 beside volume 1's.",
+     "Give volume 1's folder another name, and this one the name %1; leave the markers as they "
+     "are."},
     {"volume-number-twice", Warning, kSecondMarker,
      "The launcher does not read it; the installer may take the folder for that volume.",
      kRemoveMarker},
@@ -400,7 +406,7 @@ inline constexpr FindingText kTexts[] = {
     {"volume-number-twice/given", Error, "Two of the given folders claim to be volume %1.",
      "The launcher can find only one of them.", "Give each volume a number of its own."},
     {"volume-beyond-count", Error, "There is a volume %1, but the count file says %2.",
-     "The installer is not told of it.",
+     "The installer is not told about it.",
      "Write the right number into inst\\volumes.txt, or remove the marker."},
     {"volumes-mixed-layouts", Error, "Some volumes are in volume 1's folder and others beside it.",
      "The launcher looks beside it only when none is in it.",
@@ -414,7 +420,7 @@ inline constexpr FindingText kTexts[] = {
      "Nothing, when the others are on discs of their own: give validate the drives of all to check "
      "them; otherwise put them into one of the layouts."},
     {"volumes-on-other-drives", Warning, "Each volume is on a drive of its own.", kInstallerAsks,
-     "Nothing, when they are discs to be put in one after the other."},
+     "Nothing, when they are discs that are inserted one after the other."},
     {"no-layout-fits", Error, "The given folders fit none of the three layouts.", kInstallerAsks,
      "Name the folders of the others by their numbers, beside that of volume 1."},
     {"volumes-not-found", Error, "The launcher does not find all volumes of this disc set.",
@@ -439,15 +445,15 @@ inline constexpr FindingText kTexts[] = {
     {"outer-marker-zero", Error, "The number of the outer volume is 0.", kNoOuterMarker,
      kNumberOuter},
     {"outer-marker-stray", Error,
-     "A file above volume 1 is named like the marker of an outer volume, but is none.",
+     "A file above volume 1 has the name of an outer volume's marker, but is not one.",
      "When volumes are missing, the launcher takes it for one and looks no further up.",
      "Delete or rename it."},
     {"outer-markers-two", Error, "Two files in one folder look like markers of an outer volume.",
-     "The launcher takes the one that the system lists first.", "Leave one of them."},
+     "The launcher takes the one that the system lists first.", "Keep only one of them."},
     {"outer-marker-irregular", Error,
      "A file above volume 1 looks like the marker of outer volume %1.",
      "The launcher takes it for one and looks no further up.",
-     "Rename or remove it, unless it is one: then name it %2."},
+     "Rename or remove it; if it is one, name it %2."},
     {"outer-volume-at-drive-root", Error, "The outer volume is at the root of a drive.",
      "The other outer volumes have to be in folders beside its own.",
      "Copy the outer volumes into folders named by their numbers."},
@@ -466,11 +472,11 @@ inline constexpr FindingText kTexts[] = {
     // All that is below inst, which is what a copy is made of.
     {"folder-unreadable", Error, "The folder cannot be listed.",
      "A copy of the medium has an empty folder in its place, or a part of it.",
-     "Let everybody read it; if they can, the disc or the share is failing."},
+     "Make it readable for everyone; if it is, the disc or the share is failing."},
     {"file-unreadable", Error, "The file cannot be read.",
      "A copy of the medium fails, and so may the installation.", kReadable},
     {"program-empty", Warning, "%1 is empty.",
-     "Nothing can be started or loaded from it: a copy of the file was broken off.",
+     "Nothing can be started or loaded from it: copying stopped before the end of the file.",
      "Copy it again, and compare the sizes."},
     {"leftover", Note, "%1 was left behind by another program.", "It is shipped with the medium.",
      "Delete it, unless it is meant to be there."},
@@ -486,7 +492,7 @@ inline constexpr FindingText kTexts[] = {
     {"name-outside-oem-code-page", Note,
      "The name has characters that the console's code page lacks.",
      "remove.bat removes the file with its folder, but no batch script can name it.",
-     "Nothing, unless a script of yours names it."},
+     "Nothing, unless one of your scripts names it."},
     {"path-too-long-in-copy", Warning, kTooLong,
      "A copy to the temporary folder, made when volumes are missing, would fail for users with "
      "long names.",

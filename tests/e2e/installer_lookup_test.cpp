@@ -91,7 +91,7 @@ TEST_P(MarkerFlavour, IsTheOneLookedForElsewhere) {
                   " found, os " + GetParam().Chosen() + "\r\n"));
 }
 
-// The same order among the markers of a media without an installer.
+// The same order among the markers of a medium without an installer.
 INSTANTIATE_TEST_SUITE_P(
     Table, MarkerFlavour,
     testing::Values(FlavourRow{{"All"}, {"intel_a", "win_csa64", "win_b64"}, "win_b64"},

@@ -11,7 +11,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// A run with all there is to say: a split media that cannot be completed, and an installer that is
+// A run with all there is to say: a split medium that cannot be completed, and an installer that is
 // found at the last place.
 class Trace : public LauncherTest {
   protected:

@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 class VolumesTest : public LauncherTest {
   protected:
-    // Volume 1 of a media of `count`, in the folder "1" of a set's folder.
+    // Volume 1 of a medium of `count`, in the folder "1" of a set's folder.
     Media FirstVolume(int count) const {
         Media media(scratch.Dir() / "set" / "1");
         return media.AddInstaller(UsualOs()).MakeSplit(count, "SET");

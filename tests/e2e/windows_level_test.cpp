@@ -24,7 +24,7 @@ class OnWine : public LauncherTest {
         // answer for other ones there.
         if (!IsWine()) GTEST_SKIP() << "needs Wine, which can pose as another Windows";
     }
-    // A media whose launcher has a name of its own, for settings that hold for this name alone.
+    // A medium whose launcher has a name of its own, for settings that hold for this name alone.
     Media MediaFor(const std::string& launcherName) const {
         Media media(scratch.Dir() / "media", launcherName);
         return media.AddInstaller(UsualOs());

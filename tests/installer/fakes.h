@@ -30,7 +30,7 @@ extern FakeBelow below;
 
 inline constexpr char kCheckFailed[] = "OpenProcessToken failed.";
 
-// A test on fresh fakes and an empty journal, with options of a media that has been searched.
+// A test on fresh fakes and an empty journal, with options of a medium that has been searched.
 class InstallerTest : public IsolatedTest {
   protected:
     InstallerTest();

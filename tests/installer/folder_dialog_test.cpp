@@ -163,7 +163,7 @@ class FolderDialogStartTest : public test::InstallerTest {
     FolderDialogStartTest() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
     ~FolderDialogStartTest() override { CoUninitialize(); }
 
-    // The start folder for a media, "" for none.
+    // The start folder for a medium, "" for none.
     std::string StartFolder(const std::string& media) {
         test::below.createInstance = CreateFakeDialog;
         test::FakeFileDialog dialog;

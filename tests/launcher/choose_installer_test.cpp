@@ -21,7 +21,7 @@
 namespace launcher {
 namespace {
 
-// What the fakes answer: which files there are, which Windows this is, what the lookup in a media
+// What the fakes answer: which files there are, which Windows this is, what the lookup in a medium
 // finds, what the user does in the folder dialog.
 struct FakeMachine {
     bool is64Bit = true;
@@ -224,7 +224,7 @@ TEST_F(ChooseInstallerTest, AgreesWithAModelOnEveryMedia) {
     }
 }
 
-// A media that needs the separate installer media, on a 64-bit Windows.
+// A medium that needs the separate installer media, on a 64-bit Windows.
 class ChooseElsewhereTest : public ChooseInstallerTest {
   protected:
     ChooseElsewhereTest() { machine.files = {kB64Marker}; }

@@ -20,7 +20,7 @@ namespace {
 using testing::Eq;
 using testing::ExitedWithCode;
 
-// What a media must hold at its root, in the order of the copy.
+// What a medium must hold at its root, in the order of the copy.
 constexpr const char* kEntries[] = {"inst",      "meta.TOCxml",  "media.xml",      "media.db",
                                     "setup.exe", "StartTUI.exe", "setup_noUAC.exe"};
 

@@ -144,7 +144,7 @@ TEST_F(TemporaryCopyTest, NamesTheInstallerOfTheOptions) {
               temporaryDir + "inst\\intel_a\\code\\bin\\ZEPInsAppliODT.exe");
 }
 
-// The installer came from a media of its own.
+// The installer came from a medium of its own.
 class SeparateInstallerTest : public TemporaryCopyTest {
   protected:
     SeparateInstallerTest() { options.mediaInstDir = folder.Text("Installer\\inst") + "\\"; }

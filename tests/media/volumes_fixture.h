@@ -32,7 +32,7 @@ void PrintTo(const Outcome& outcome, std::ostream* out);
 // Calls ResolveVolumes, with each of the five variables set to something stale before.
 Outcome Resolve(const std::string& mediaDir, bool softMgt = false);
 
-// A split media in a temporary folder. Paths are relative to that folder, with slashes. The id of
+// A split medium in a temporary folder. Paths are relative to that folder, with slashes. The id of
 // the media is "X" throughout, that of an outer set "Y", and "Z" is foreign to both.
 class VolumesTest : public testing::Test {
   protected:
@@ -65,7 +65,7 @@ class VolumesTest : public testing::Test {
     std::string FoundOuter(int volume, const std::string& dir) const {
         return Plain("AM volume " + std::to_string(volume) + " found in: " + At(dir));
     }
-    // "Volume 2" or "AM volume 8" of another media.
+    // "Volume 2" or "AM volume 8" of another medium.
     std::string Foreign(const std::string& volume, const std::string& id, const std::string& dir,
                         const std::string& ownId) const {
         return Warning(volume + " of " + id + " found in " + At(dir) + " instead of " + ownId);

@@ -81,7 +81,7 @@ class Model {
     Outcome out;
 
   private:
-    // The folder where a layout has volume k; empty for none, "?" for that of another media.
+    // The folder where a layout has volume k; empty for none, "?" for that of another medium.
     using Layout = std::function<std::string(int k)>;
 
     void End(int result) {
@@ -137,7 +137,7 @@ class Model {
     int count_ = 0;
 };
 
-// A random media in a new folder, of any of the three layouts, with anything wrong about it.
+// A random medium in a new folder, of any of the three layouts, with anything wrong about it.
 class GeneratedLayout {
   public:
     explicit GeneratedLayout(unsigned seed) : random_(seed) {

@@ -20,7 +20,7 @@ using Json = nlohmann::json;
 // output may rely on; empty for one that does.
 std::string SchemaComplaints(const Json& document);
 
-// Runs of mediatool.exe on a media.
+// Runs of mediatool.exe on a medium.
 class Command : public testing::Test {
   protected:
     MediatoolRun Run(const std::vector<std::string>& arguments) const {

@@ -29,6 +29,15 @@ TEST_F(Command, ValidateOfAMediaWithMistakes) {
     EXPECT_EQ(output["findings"][0]["severity"], "error");
 }
 
+TEST_F(Command, ValidateThatIsStrict) {
+    media.Write("StartTUI.exe");
+    EXPECT_EQ(Output({"validate", media.Text(), "--json"})["clean"], true);
+    const Json output = Output({"validate", "--strict", media.Text(), "--json"}, 1);
+    EXPECT_EQ(output["clean"], false);
+    EXPECT_EQ(output["errors"], 0);
+    EXPECT_THAT(Run({"validate", "--help"}).output, testing::HasSubstr("or warning with --strict"));
+}
+
 TEST_F(Command, ValidateOfSeveralFolders) {
     SampleMedia split(Layout::Siblings);
     const Json output =

@@ -83,12 +83,12 @@ TEST_F(TerminalTest, GetsWholeCharacters) {
 TEST_F(TerminalTest, GetsTheRestOfWhatItTookInPart) {
     Print("Größe 漢字", 3);
     EXPECT_EQ(Shown(), ToWide("Größe 漢字"));
-    EXPECT_THAT(offered, ElementsAre(8, 5, 2));
+    EXPECT_THAT(offered, ElementsAre(8u, 5u, 2u));
 }
 
 TEST_F(TerminalTest, ThatTakesNothingIsNotAskedAgain) {
     Print("text", 0);
-    EXPECT_THAT(offered, ElementsAre(4));
+    EXPECT_THAT(offered, ElementsAre(4u));
 }
 
 TEST_F(TerminalTest, ThatFailsIsNotAskedAgain) {

@@ -3,7 +3,7 @@
 //
 // A block of kind "console" holds a prompt with a mediatool command and its output; a line "..."
 // stands for any lines. A block of kind "bat" is a batch script, and the block of kind "text" after
-// it what the script prints; one without a media is not run. The comment "<!-- media: NAME -->"
+// it what the script prints; one without a medium is not run. The comment "<!-- media: NAME -->"
 // before a block says which media the drive M: holds; ", no administrator" after the name, that the
 // user has no such rights. Times are any times.
 

@@ -46,13 +46,13 @@ class CopyReasonTest : public DecisionTest {
 };
 
 TEST_F(CopyReasonTest, OfACopyAndOfOneThatFails) {
-    EXPECT_EQ(Reason(incomplete_), "Not all volumes of the media can be put together.");
+    EXPECT_EQ(Reason(incomplete_), "Not all volumes of the medium can be put together.");
     incomplete_.Remove("media.db");
     EXPECT_EQ(Reason(incomplete_), "The copy fails.");
 }
 
 TEST_F(CopyReasonTest, IsTheLayout) {
-    EXPECT_EQ(Reason(SampleMedia()), "The media is not split.");
+    EXPECT_EQ(Reason(SampleMedia()), "The medium is not split.");
     for (const Layout layout : {Layout::OneFolder, Layout::Siblings, Layout::Outer})
         EXPECT_EQ(Reason(SampleMedia(layout)), "All volumes are there.");
 }
@@ -86,9 +86,9 @@ TEST_F(CopyReasonTest, IsTheVariableBeforeAllElse) {
 TEST_F(CopyReasonTest, IsThatTheRunEndsBefore) {
     EXPECT_EQ(Reason(incomplete_, {}, {{"ZEPAdmODTMultiVolumes", "1"}}),
               "Only the number of volumes is asked for.");
-    EXPECT_EQ(Reason(incomplete_, {"-env"}), "The run does not come so far.");
+    EXPECT_EQ(Reason(incomplete_, {"-env"}), "The run does not get that far.");
     incomplete_.Remove("inst/win_b64");
-    EXPECT_EQ(Reason(incomplete_), "The run does not come so far.");
+    EXPECT_EQ(Reason(incomplete_), "The run does not get that far.");
 }
 
 // Also of a run from a copy.

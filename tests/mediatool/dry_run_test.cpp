@@ -131,10 +131,58 @@ TEST_F(DryRun, WaitsInTheConsoleThatShowsTheCommandLine) {
     EXPECT_THAT(text, HasSubstr("  pretended: administrator, DEBUGCMD_INSTALLK7; else"));
 }
 
-TEST_F(DryRun, ShowsOneScreen) {
+TEST_F(DryRun, HasNoColoursInAFile) {
     const MediatoolRun run = Run({"dry-run", media.Text(), "--admin", "yes"});
-    EXPECT_LE(std::ranges::count(run.output, '\n'), 40) << run.output;
-    EXPECT_EQ(run.output.find('\x1b'), std::string::npos);  // no colours in a file
+    EXPECT_EQ(run.output.find('\x1b'), std::string::npos);
+}
+
+// The verdict and its exit code, which is 0 unless it is asked for.
+TEST_F(DryRun, GivesItsVerdictAsExitCodeWhenAsked) {
+    const auto verdict = [this](const std::vector<std::string>& options, unsigned long exitCode) {
+        std::vector<std::string> line = {"dry-run", media.Text(), "--json"};
+        line.insert(line.end(), options.begin(), options.end());
+        EXPECT_EQ(Run(line).exitCode, 0u);
+        line.emplace_back("--check");
+        return Output(line, exitCode)["verdict"];
+    };
+    EXPECT_EQ(verdict({"--admin", "yes"}, 0), "starts");
+    EXPECT_EQ(verdict({"--admin", "yes", "--env", "ZEP_TraceMsgBox=1"}, 3), "waits");
+    EXPECT_EQ(verdict({"--admin", "no"}, 4), "refused");
+    EXPECT_EQ(verdict({"--admin", "yes", "--env", "ZEPAdmODTMultiVolumes=1"}, 4), "refused");
+}
+
+TEST_F(DryRun, TellsWhatIsCopiedFromWhere) {
+    const SampleMedia incomplete = Incomplete();
+    const Json copy = Dry(incomplete, {"--temp", scratch.Text()})["temporaryCopy"];
+    EXPECT_EQ(copy["removeScript"], true);
+    EXPECT_EQ(copy["contents"].size(), copy["files"]);
+    EXPECT_THAT(
+        copy["contents"],
+        testing::Contains(Json{{"path", scratch.Text("{UUID}\\media.db")},
+                               {"source", incomplete.Text("media.db")},
+                               {"bytes", ReadFile(FromUtf8(incomplete.Text("media.db"))).size()}}));
+    EXPECT_EQ(Dry(media)["temporaryCopy"]["removeScript"], false);
+    EXPECT_EQ(Dry(media)["temporaryCopy"]["contents"], Json::array());
+}
+
+TEST_F(DryRun, TellsWhatItPretendsAndWhere) {
+    const SampleMedia other;
+    media.Remove("inst/win_b64");
+    const Json dry = Dry(
+        media, {"--temp", scratch.Text(), "--env", "ZEPProcessNotAdmin=1", "--pick", other.Text()});
+    EXPECT_EQ(dry["pretended"]["variables"], Json::array({"TEMP", "ZEPProcessNotAdmin"}));
+    EXPECT_EQ(dry["pretended"]["picked"], other.Text());
+    EXPECT_EQ(dry["workingFolder"], scratch.Text());
+    EXPECT_EQ(dry["variables"]["ZEPProcessNotAdmin"]["value"], "1");
+    EXPECT_EQ(Dry(media)["pretended"]["picked"], Json());
+}
+
+// Hints need more of the machine than can be pretended: they have tests of their own.
+TEST_F(DryRun, TellsHintsToPrograms) {
+    EXPECT_EQ(Dry(media, {"--", "-WAIT"})["hints"].size(), 1u);
+    EXPECT_EQ(Dry(media)["hints"], Json::array());
+    EXPECT_THAT(Run({"dry-run", media.Text(), "--", "-WAIT"}).output,
+                HasSubstr("\nHints\n  \"-WAIT\" goes to the installer; "));
 }
 
 struct BadInstaller {

@@ -137,7 +137,7 @@ TEST_F(Executable, ImportsFromTheSystemOnly) {
     EXPECT_THAT(libraries, testing::IsSupersetOf({"kernel32.dll", "shell32.dll", "user32.dll"}));
 }
 
-// mediatool is likely to lie on a media or in a folder of downloads, too.
+// mediatool is likely to lie on a medium or in a folder of downloads, too.
 TEST(Companion, ImportsFromTheSystemOnly) {
     const std::set<std::string> libraries = LibrariesOf(PeFile(BuiltFile(MEDIATOOL_PROGRAM)));
     EXPECT_THAT(libraries, IsSubsetOf(kImportedLibraries));

@@ -163,7 +163,7 @@ Scene ForeignMedia(const MediaSet& set, Random& random) {
     return scene;
 }
 
-// Another media than the launcher's own, copied or not.
+// Another medium than the launcher's own, copied or not.
 Scene Odt(const MediaSet& set, Random& random) {
     const bool copied = Toss(random);
     const Media& media = copied ? set.Damaged() : set.Split();

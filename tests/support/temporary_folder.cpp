@@ -6,6 +6,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <system_error>
+#include <vector>
 
 namespace launcher::test {
 
@@ -32,6 +33,25 @@ stdfs::path NewFolder() {
     }
 }
 
+bool IsFolderToEmpty(const stdfs::path& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+           (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
+}
+
+// Not std::filesystem's own: MinGW's never ends when a file disappears while it is at it, as one
+// does that the last program to use it deletes.
+void RemoveAll(const stdfs::path& path) {
+    std::error_code ignored;
+    std::vector<stdfs::path> entries;
+    if (IsFolderToEmpty(path))
+        for (const auto& entry : stdfs::directory_iterator(path, ignored))
+            entries.push_back(entry.path());
+    for (const stdfs::path& entry : entries)
+        RemoveAll(entry);
+    stdfs::remove(path, ignored);
+}
+
 }  // namespace
 
 TemporaryFolder::TemporaryFolder() : dir_(NewFolder()) {}
@@ -39,8 +59,7 @@ TemporaryFolder::TemporaryFolder() : dir_(NewFolder()) {}
 // A virus scanner may still look at a file that has just been written.
 TemporaryFolder::~TemporaryFolder() {
     constexpr int kPatience = 20;  // times 100 milliseconds
-    std::error_code error;
-    for (int i = 0; stdfs::remove_all(dir_, error), error && i < kPatience; ++i)
+    for (int i = 0; RemoveAll(dir_), stdfs::exists(dir_) && i < kPatience; ++i)
         Sleep(100);
 }
 

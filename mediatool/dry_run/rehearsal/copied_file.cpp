@@ -13,13 +13,15 @@
 namespace launcher {
 namespace {
 
-// Into a folder that is not there, or a name that cannot be, nothing is written: a look at the file
-// fails for the same reason.
+// Nothing is written in the place of a folder, nor into a folder that is not there or under a name
+// that cannot be, where a look at the file fails for the same reason.
 DWORD ErrorOfOpening(const std::wstring& name) {
     const std::string text = ToNarrow(name.c_str());
-    if (mediatool::LengthInRun(text) > mediatool::kLongestPath) return ERROR_PATH_NOT_FOUND;
+    if (mediatool::IsTooLong(name.size(), mediatool::kLongestPath)) return ERROR_PATH_NOT_FOUND;
     const Path path(text);
-    if (mediatool::CopyBelow(path).HasFolder(Parent(path))) return ERROR_SUCCESS;
+    const mediatool::PretendedCopy& copy = mediatool::CopyBelow(path);
+    if (copy.HasFolder(path)) return ERROR_ACCESS_DENIED;
+    if (copy.HasFolder(Parent(path))) return ERROR_SUCCESS;
     const bool isThere = static_cast<bool>(OpenForAttributes(name));
     const DWORD error = GetLastError();
     return isThere || error == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : error;
@@ -41,6 +43,7 @@ bool CopiedFile::Fill(const SourceFile& source) {
     // A file that is copied over another takes the room of one.
     const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
     mediatool::PretendedFile& copied = copy.contents[mediatool::CopyKey(path)];
+    copied.path = path.Text();
     copied.source = ToNarrow(source.path.c_str());
     copy.bytes += bytes - std::exchange(copied.bytes, bytes);
     const bool fits = !copy.room || copy.bytes <= *copy.room;

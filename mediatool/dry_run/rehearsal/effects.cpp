@@ -25,8 +25,9 @@ void WriteDown(Message message) {
 
 }  // namespace
 
+// A box ends at a zero byte.
 void ShowBox(const std::string& text, Severity severity) {
-    WriteDown({text, severity, /*box=*/true, /*toErrors=*/false, /*dialog=*/false});
+    WriteDown({text.c_str(), severity, /*box=*/true, /*toErrors=*/false, /*dialog=*/false});
 }
 
 void WriteConsoleLine(const std::string& text, Severity severity, bool toErrors) {
@@ -47,10 +48,10 @@ InstallerProcess::InstallerProcess(std::string commandLine)
     : commandLine_(std::move(commandLine)) {}
 
 bool InstallerProcess::Start(bool) {
-    const std::uint32_t error = mediatool::StartError(commandLine_);
-    if (error == ERROR_SUCCESS) CurrentRehearsal()->journal.commandLine = commandLine_;
-    SetLastError(error);
-    return error == ERROR_SUCCESS;
+    const mediatool::ProcessStart start = mediatool::ForeseeStart(commandLine_);
+    if (start.error == ERROR_SUCCESS) CurrentRehearsal()->journal.commandLine = start.commandLine;
+    SetLastError(start.error);
+    return start.error == ERROR_SUCCESS;
 }
 
 std::int32_t InstallerProcess::WaitForExit() {

@@ -5,6 +5,7 @@
 #include "fs/path.h"
 #include "launcher/uuid_text.h"
 #include "media/volume_files.h"
+#include "mediatool/base/files.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
 #include "platform/administrator.h"
 #include "platform/architecture.h"
@@ -23,7 +24,7 @@ const mediatool::PretendedMachine& Machine() {
 
 void WriteDownLookup(const std::string& path, bool found) {
     if (mediatool::Rehearsal* const rehearsal = mediatool::CurrentRehearsal())
-        rehearsal->journal.lookups.push_back({path, found});
+        rehearsal->journal.lookups.push_back({mediatool::FullPath(path).Text(), found});
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "fs/encoding.h"
+#include "fs/open_file.h"
 #include "fs/owners.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/names.h"
@@ -30,7 +31,7 @@ bool HasForbiddenCharacter(const Path& full) {
 
 // The error of CreateDirectoryW, as far as it can be told without calling it; 0 for none.
 DWORD ErrorOfMaking(const Path& folder) {
-    if (mediatool::LengthInRun(folder.Text()) > mediatool::kLongestFolder)
+    if (mediatool::IsTooLong(mediatool::WideLength(folder.Text()), mediatool::kLongestFolder))
         return ERROR_FILENAME_EXCED_RANGE;
     // Windows drops dots and blanks at the end of a path, but not before a backslash.
     const Path full = mediatool::FullPath(folder.Text());
@@ -44,7 +45,7 @@ DWORD ErrorOfMaking(const Path& folder) {
     // A look at the folder fails as its creation would, for its name or for what leads to it,
     // unless it is only missing.
     const std::wstring name = ToWide(folder.Text());
-    const bool isThere = GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES;
+    const bool isThere = static_cast<bool>(OpenForAttributes(name));
     const DWORD error = GetLastError();
     if (!isThere && error != ERROR_FILE_NOT_FOUND) return error;
     return ErrorOfMakingFolderIn(parent);
@@ -54,7 +55,9 @@ DWORD ErrorOfMaking(const Path& folder) {
 
 std::optional<FileType> WhatIsAt(const std::wstring& path) {
     const Path folder(ToNarrow(path.c_str()));
-    if (mediatool::CopyBelow(folder).HasFolder(folder)) return FileType::Directory;
+    const mediatool::PretendedCopy& copy = mediatool::CopyBelow(folder);
+    if (copy.HasFolder(folder)) return FileType::Directory;
+    if (copy.HasFile(folder)) return FileType::File;
     return TypeBehindLinks(path);
 }
 

@@ -24,6 +24,10 @@ bool PretendedCopy::HasFolder(const Path& folder) const {
     return folders.contains(CopyKey(folder));
 }
 
+bool PretendedCopy::HasFile(const Path& file) const {
+    return contents.contains(CopyKey(file));
+}
+
 PretendedCopy& CopyBelow(const Path& path) {
     PretendedCopy& copy = CurrentRehearsal()->journal.copy;
     if (!copy.room) copy.room = RoomAt(path);
@@ -32,14 +36,6 @@ PretendedCopy& CopyBelow(const Path& path) {
 
 std::string CopyKey(const Path& path) {
     return InLowerCase(FullPath(path.Text()).Text());
-}
-
-std::size_t LengthInRun(const std::string& path) {
-    constexpr std::size_t kUuidLength = 36;
-    const std::string uuid = kPretendedUuid;
-    const std::size_t length = WideLength(path);
-    const bool isInCopy = path.find(uuid) != std::string::npos;
-    return isInCopy ? length - uuid.size() + kUuidLength : length;
 }
 
 }  // namespace launcher::mediatool

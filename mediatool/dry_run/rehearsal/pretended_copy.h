@@ -11,6 +11,7 @@
 namespace launcher::mediatool {
 
 struct PretendedFile {
+    std::string path;  // as the launcher names it
     std::string source;
     std::uint64_t bytes = 0;
 };
@@ -23,6 +24,7 @@ struct PretendedCopy {
     std::optional<std::uint64_t> room;  // bytes free at the target; unknown without it
 
     bool HasFolder(const Path& folder) const;
+    bool HasFile(const Path& file) const;
 };
 
 // The copy of the current rehearsal, which `path` is to be part of.
@@ -31,11 +33,10 @@ PretendedCopy& CopyBelow(const Path& path);
 // A path in the copy as it is listed here: the one that Windows makes of it, in lower case.
 std::string CopyKey(const Path& path);
 
-// The name of the temporary folder, in place of a random one.
-inline constexpr char kPretendedUuid[] = "{UUID}";
-
-// The number of characters that a path has in a run, where the name of the temporary folder is
-// longer than here.
-std::size_t LengthInRun(const std::string& path);
+// The name of the temporary folder, in place of a random one: as long as any, so that all lengths
+// are those of a run, and that of no other folder.
+inline constexpr char kPretendedUuid[] = "3C0E9D52-7A41-4B6F-9E58-D1F0A6B27C84";
+// What outputs show in its place.
+inline constexpr char kUuidShown[] = "{UUID}";
 
 }  // namespace launcher::mediatool

@@ -28,20 +28,36 @@ std::vector<std::wstring> Candidates(const std::wstring& line) {
 }
 
 // Where the launcher's process would look for a program that is named without a folder.
-std::wstring SearchFolders() {
+std::vector<std::wstring> SearchFolders() {
     wchar_t system[MAX_PATH] = {};
     wchar_t windows[MAX_PATH] = {};
     GetSystemDirectoryW(system, MAX_PATH);
     GetWindowsDirectoryW(windows, MAX_PATH);
     const std::string launcher = Parent(Path(CurrentRehearsal()->machine.launcherPath)).Text();
-    return ToWide(launcher) + L"\\;.;" + system + L";" + windows + L"\\system;" + windows + L";" +
-           ToWide(GetEnvVar("PATH"));
+    std::vector<std::wstring> folders = {ToWide(launcher) + L"\\", L".", system,
+                                         windows + std::wstring(L"\\system"), windows};
+    const std::wstring path = ToWide(GetEnvVar("PATH")) + L";";
+    std::size_t start = 0;
+    for (std::size_t end = path.find(L';'); end != std::wstring::npos;
+         start = end + 1, end = path.find(L';', start))
+        if (end > start) folders.push_back(path.substr(start, end - start));
+    return folders;
 }
 
 // Relative to the folders that are searched.
 bool IsSearchedFor(const std::wstring& name) {
     return !name.starts_with(L'\\') && !name.starts_with(L'/') &&
            (name.size() < 2 || name[1] != L':');
+}
+
+// Relative to the current folder alone.
+bool IsDotRelative(const std::wstring& name) {
+    const std::size_t dots = name.find_first_not_of(L'.');
+    return (dots == 1 || dots == 2) && (name[dots] == L'\\' || name[dots] == L'/');
+}
+
+bool IsInCopy(const std::wstring& path) {
+    return path.find(ToWide(kPretendedUuid)) != std::wstring::npos;
 }
 
 struct Verdict {
@@ -59,33 +75,69 @@ Verdict JudgeInCopy(const Path& program) {
     return {false, ERROR_PATH_NOT_FOUND};
 }
 
+Verdict JudgeInCopysFolder(const std::wstring& folder, const std::wstring& name) {
+    const bool hasExtension = FileName(Path(ToNarrow(name.c_str()))).find('.') != std::string::npos;
+    const std::wstring program = folder + L'\\' + name + (hasExtension ? L"" : L".exe");
+    return JudgeInCopy(Path(ToNarrow(program.c_str())));
+}
+
+// A folder of that name is no program, but ends the search.
+Verdict JudgeSearched(const std::wstring& name) {
+    using Folders = std::vector<std::wstring>;
+    for (const std::wstring& folder : IsDotRelative(name) ? Folders{L"."} : SearchFolders()) {
+        if (IsInCopy(folder)) {
+            const Verdict inCopy = JudgeInCopysFolder(folder, name);
+            if (inCopy.found) return inCopy;
+            continue;
+        }
+        wchar_t found[MAX_PATH] = {};
+        const DWORD length =
+            SearchPathW(folder.c_str(), name.c_str(), L".exe", MAX_PATH, found, nullptr);
+        if (length == 0 || length >= MAX_PATH) continue;
+        if ((GetFileAttributesW(found) & FILE_ATTRIBUTE_DIRECTORY) != 0) break;
+        return {true, ImageError(found)};
+    }
+    return {false, ERROR_FILE_NOT_FOUND};
+}
+
 Verdict Judge(const std::wstring& name) {
-    const Path path(ToNarrow(name.c_str()));
-    if (path.Text().find(kPretendedUuid) != std::string::npos) return JudgeInCopy(path);
+    if (IsInCopy(name)) return JudgeInCopy(Path(ToNarrow(name.c_str())));
+    if (IsSearchedFor(name)) return JudgeSearched(name);
     wchar_t found[MAX_PATH] = {};
-    const DWORD length =
-        SearchPathW(SearchFolders().c_str(), name.c_str(), L".exe", MAX_PATH, found, nullptr);
+    const DWORD length = SearchPathW(L".", name.c_str(), L".exe", MAX_PATH, found, nullptr);
     const bool fits = length > 0 && length < MAX_PATH;
     if (fits && (GetFileAttributesW(found) & FILE_ATTRIBUTE_DIRECTORY) == 0)
         return {true, ImageError(found)};
-    if (IsSearchedFor(name)) return {false, ERROR_FILE_NOT_FOUND};
-    if (name.size() > kLongestPath) return {false, ERROR_PATH_NOT_FOUND};
+    if (IsTooLong(name.size(), kLongestPath)) return {false, ERROR_PATH_NOT_FOUND};
     // The reason is that of an attempt to open it: a folder cannot be.
     const FileHandle file = OpenSharedFile(name, GENERIC_READ, OPEN_EXISTING);
     if (!file) return {false, GetLastError()};
     return {false, ERROR_FILE_NOT_FOUND};
 }
 
+// What `line` is to the process whose program is its beginning up to `end`.
+std::wstring WithQuotes(const std::wstring& line, std::size_t end) {
+    return L'"' + line.substr(0, end) + L'"' + line.substr(end);
+}
+
 }  // namespace
 
-std::uint32_t StartError(const std::string& commandLine) {
+ProcessStart ForeseeStart(const std::string& commandLine) {
+    const std::wstring line = ToWide(commandLine);
+    const std::vector<std::wstring> candidates = Candidates(line);
     DWORD first = ERROR_SUCCESS;
-    for (const std::wstring& candidate : Candidates(ToWide(commandLine))) {
+    for (const std::wstring& candidate : candidates) {
         const Verdict verdict = Judge(candidate);
-        if (verdict.found) return verdict.error;
+        if (verdict.found) {
+            const std::wstring given =
+                candidate == candidates.front() ? line : WithQuotes(line, candidate.size());
+            if (verdict.error == ERROR_SUCCESS && given.size() > kLongestCommandLine)
+                return {ERROR_FILENAME_EXCED_RANGE, {}};
+            return {verdict.error, ToNarrow(given.c_str())};
+        }
         if (first == ERROR_SUCCESS) first = verdict.error;
     }
-    return first;
+    return {first, {}};
 }
 
 }  // namespace launcher::mediatool

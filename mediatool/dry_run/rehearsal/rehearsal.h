@@ -24,6 +24,7 @@ struct PretendedMachine {
     std::optional<bool> isAdministrator;
     std::optional<bool> isWindows8OrNewer;
     bool hasOldWebLibrary = false;
+    std::optional<bool> longPaths;      // AreLongPathsEnabled() of it
     std::optional<std::string> picked;  // in the folder dialog; cancelled without it
 };
 
@@ -50,6 +51,7 @@ struct Journal {
     std::optional<std::string> commandLine;  // of the process that would have been started
     bool waited = false;                     // for its end
     bool crashed = false;
+    bool metLongPaths = false;  // which are too long unless `longPaths` is true
 };
 
 struct Rehearsal {
@@ -71,6 +73,9 @@ class RehearsalScope {
     RehearsalScope& operator=(const RehearsalScope&) = delete;
     ~RehearsalScope();
 };
+
+// Whether a path of this length is too long for the machine, which by itself has this limit.
+bool IsTooLong(std::size_t length, std::size_t limit);
 
 // The answer that is remembered, detected now when there is none yet.
 template <class Detect>

@@ -12,7 +12,7 @@ namespace launcher::test {
 inline constexpr char kNotFound[] =
     "The installer is not found, please read the file \"ReadMe_Windows.txt\".";
 
-// A media without an installer, "far\near\between\media" in the test's folder: "near" is where its
+// A medium without an installer, "far\near\between\media" in the test's folder: "near" is where its
 // dialog opens. The launcher has another name in each test, because Windows remembers by that name
 // in which folder a dialog was closed.
 class DialogTest : public LauncherTest {

@@ -33,7 +33,7 @@ class LauncherTest : public testing::Test {
         return {media.Launcher(), arguments, variables, scratch.Dir()};
     }
 
-    // A new media, with an installer for this Windows.
+    // A new medium, with an installer for this Windows.
     Media UsualMedia() const { return EmptyMedia().AddInstaller(UsualOs()); }
     // One without any installer.
     Media EmptyMedia() const { return Media(scratch.Dir() / "media"); }

@@ -10,7 +10,7 @@ inline constexpr char kGuiInstaller[] = "ZEPInsAppliGUI.exe";
 
 // Of the Windows that the tests run on, whatever the launcher and the tests were built for.
 bool Is64BitWindows();
-// The per-OS folder that the launcher takes there when a media has it.
+// The per-OS folder that the launcher takes there when a medium has it.
 std::string UsualOs();
 
 // A media folder with the real launcher and the other entries at its root, and with what a test
@@ -42,7 +42,7 @@ class Media {
     std::filesystem::path launcher_;
 };
 
-// The stand-in installer of a media without a launcher: the separate installer media.
+// The stand-in installer of a medium without a launcher: the separate installer media.
 // Puts it in "<root>\inst\<osFolder>\code\bin"; returns its path.
 std::string AddStandInInstaller(const std::filesystem::path& root, const std::string& osFolder,
                                 const std::string& exeName = kGuiInstaller);

@@ -1,4 +1,4 @@
-// A stand-in for the installer of a media, and for any other program that a test wants to see
+// A stand-in for the installer of a medium, and for any other program that a test wants to see
 // started. It writes what it was handed to the file named by STANDIN_REPORT, waits for the event
 // named by STANDIN_WAIT, when there is one, and exits with the code in STANDIN_EXIT (decimal or
 // 0x hexadecimal; 0 without one).

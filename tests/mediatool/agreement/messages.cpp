@@ -1,8 +1,13 @@
 #include "tests/mediatool/agreement/messages.h"
 
+#include <windows.h>
+
 #include <map>
 #include <regex>
 #include <sstream>
+
+#include "fs/exceptions.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {
@@ -63,12 +68,19 @@ std::size_t Dialogs(const Json& dry) {
     return count;
 }
 
+std::string WithWinesCode(const std::string& text) {
+    const bool isStart = text.starts_with("Setup failed to create process\n");
+    const std::size_t code = text.find("\nrc=3\n");
+    if (!IsWine() || !isStart || code == std::string::npos) return text;
+    return text.substr(0, code) + "\nrc=2\nmsg=" + SystemErrorText(ERROR_FILE_NOT_FOUND) + "\r\n";
+}
+
 std::vector<std::string> Told(const Json& dry, bool oneStream) {
     std::vector<std::string> told;
     for (const Json& message : dry["messages"]) {
         if (message["dialog"]) continue;
         if (message["box"])
-            told.push_back("box: " + message["text"].get<std::string>());
+            told.push_back("box: " + WithWinesCode(message["text"]));
         else if (oneStream || message["stream"] == "output")
             AddLines(told, ConsoleText(message));
     }

@@ -19,6 +19,10 @@ std::string WithoutCr(std::string text);
 std::string Stream(const Json& dry, const std::string& name);
 std::size_t Dialogs(const Json& dry);
 
+// Wine has the code of a missing file (2) also for a program in a folder that is not there, where
+// Windows has that of a missing path (3): there the two are one.
+std::string WithWinesCode(const std::string& text);
+
 // The lines and boxes that a dry run foretells for the user, in their order: of the standard output
 // alone, or of both streams when they are one.
 std::vector<std::string> Told(const Json& dry, bool oneStream);

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "mediatool/base/interruption.h"
-#include "mediatool/run/remedies.h"
+#include "mediatool/media/remedies.h"
 #include "mediatool/run/run.h"
 #include "tests/mediatool/run/support/run_test.h"
 #include "tests/support/isolated_test.h"

@@ -155,14 +155,18 @@ TEST_F(ReporterTest, DoesNotWaitForAStalledLog) {
 }
 
 TEST_F(ReporterTest, SaysWhatAStalledLogDidNotTake) {
-    const auto gate = std::make_shared<Gate>();
+    const Gate gate;
+    const Gate passed;
     bool stalls = false;
     {
         const test::Hook<decltype(&WriteFile)> hook(
-            "WriteFile", [&, gate](auto real, HANDLE file, auto... rest) {
-                const bool isLog = file != output_.file.Get() && file != errors_.file.Get();
-                if (isLog && stalls) gate->Pass();
-                return real(file, rest...);
+            "WriteFile", [&](auto real, HANDLE file, auto... rest) {
+                const bool isStalled =
+                    stalls && file != output_.file.Get() && file != errors_.file.Get();
+                if (isStalled) gate.Pass();
+                const BOOL written = real(file, rest...);
+                if (isStalled) passed.Open();
+                return written;
             });
         {
             Reporter reporter(LogName(), false);
@@ -170,8 +174,10 @@ TEST_F(ReporterTest, SaysWhatAStalledLogDidNotTake) {
             stalls = true;
             reporter.ConcludeWith("It is over.", 126);
         }
-        gate->Open();
-        Sleep(500);  // the thread that was given up, before the hook goes
+        // The thread that was given up, before the hook goes.
+        gate.Open();
+        passed.Pass();
+        Sleep(100);
     }
     EXPECT_EQ(Text("errors"), "mediatool: It is over.\nmediatool: The log \"" + LogName() +
                                   "\" did not take everything: its disk does not answer; 1 line "

@@ -1,4 +1,4 @@
-#include "mediatool/run/remedies.h"
+#include "mediatool/media/remedies.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,8 +35,10 @@ TEST(Remedies, OfThePageAreFoundByTheWholeMessage) {
               "add the action");
     EXPECT_EQ(RemedyFor("Invalid Installer media, \"D:\\inst\\x.exe\" does not exist"),
               "correct the folder");
-    EXPECT_EQ(RemedyFor("Setup failed to create process\nx\nrc=2\nmsg=y\r\n"),
-              "see the system's reason");
+    EXPECT_THAT(*RemedyFor("Setup failed to create process\nx\nrc=2\nmsg=y\r\n"),
+                testing::StartsWith("the number after rc= says why"));
+    EXPECT_EQ(KnownMessage("Bad -env argument")->cause,
+              "the option is the last word of the command line");
 }
 
 TEST(Remedies, AreNoneForOtherMessages) {

@@ -22,8 +22,8 @@ std::string ProgramBytes(std::uint16_t machine, bool isLibrary = false);
 // The launcher of this build.
 const std::string& LauncherBytes();
 
-// A media without mistakes, in a temporary folder, and what tests do to it. File names are relative
-// to the folder of volume 1 and may lead out of it.
+// A medium without mistakes, in a temporary folder, and what tests do to it. File names are
+// relative to the folder of volume 1 and may lead out of it.
 class SampleMedia {
   public:
     // The identifier of the split ones is SET, that of the outer volumes OUTER, whose first is 7.

@@ -121,13 +121,17 @@ const EmptyRow kEmpty[] = {
      [](Media& m) { m.Remove("../2/content.bin").MakeDir("../2/data"); }, true},
     {"WithALeftover", Layout::Siblings,
      [](Media& m) { m.Remove("../2/content.bin").Write("../2/Thumbs.db", "x"); }, true},
-    {"WithAListOfChecksums", Layout::Siblings,
-     [](Media& m) { m.Remove("../2/content.bin").Write("../2/SHA256SUMS", "x"); }, true},
     {"ButForAFolder", Layout::Siblings,
      [](Media& m) { m.Remove("../2/content.bin").Write("../2/data/part.cab", "x"); }, false},
 };
 INSTANTIATE_TEST_SUITE_P(Volumes, EmptyVolumes, testing::ValuesIn(kEmpty),
                          [](const auto& row) { return std::string(row.param.name); });
+
+TEST(EmptyVolumes, MayHaveAListOfChecksums) {
+    SampleMedia media(Layout::Siblings);
+    media.Remove("../2/content.bin").Write("../2/SHA256SUMS", "x");
+    EXPECT_TRUE(Has(media.Validate(), "volume-empty"));
+}
 
 // Nothing is said of discs where the volumes are found.
 const Mistake kLost[] = {
@@ -166,6 +170,16 @@ TEST_P(LostVolumeTest, IsFoundByItsName) {
     ExpectToBeFound(GetParam());
 }
 INSTANTIATE_TEST_SUITE_P(Lost, LostVolumeTest, testing::ValuesIn(kLost), MistakeName);
+
+// A volume comes with its outer volume: the folder moves, not the marker.
+TEST(SwappedVolumes, InOuterVolumesTradeTheirFolders) {
+    SampleMedia media(Layout::Outer);
+    media.Rename("../../../8/media/2/2.txt", "../../../8/media/2/3.txt");
+    media.Rename("../../../9/media/3/3.txt", "../../../9/media/3/2.txt");
+    EXPECT_EQ(media.Validate().findings.Sorted().front().action,
+              "Rename the folder to " + media.Text("../../../9/media/3") +
+                  ", and leave the marker as it is.");
+}
 
 // The launcher's own search asks for what a listing names, and so does validate.
 TEST(DamagedCounts, AreNotFollowedToTheEnd) {

@@ -19,7 +19,7 @@ using mediatool::Layout;
 using mediatool::Level;
 using mediatool::Validation;
 
-// One kind of mistake: what is done to a media without mistakes, and the finding that names it.
+// One kind of mistake: what is done to a medium without mistakes, and the finding that names it.
 struct Mistake {
     const char* id;
     Level level;
@@ -56,7 +56,7 @@ inline std::string Ids(const Validation& validation) {
     return ids;
 }
 
-// What is found in a media of this layout before any mistake is made. Looked for once: every row
+// What is found in a medium of this layout before any mistake is made. Looked for once: every row
 // asks.
 inline const Validation& WithoutMistakes(Layout layout) {
     static std::map<Layout, Validation> validations;
@@ -66,7 +66,7 @@ inline const Validation& WithoutMistakes(Layout layout) {
 }
 
 // The kinds that a mistake added, and with a minus those that it took away, in the order of the
-// alphabet: "installer-empty -not-for-32-bit-windows". All others are those of a media without
+// alphabet: "installer-empty -not-for-32-bit-windows". All others are those of a medium without
 // mistakes.
 inline std::string Changes(const std::vector<Finding>& findings, Layout layout) {
     std::set<std::string> before;
@@ -99,7 +99,7 @@ inline std::string ChangesBut(const std::string& id, const Validation& validatio
 
 class MistakeTest : public testing::TestWithParam<Mistake> {
   protected:
-    // Makes the mistake in a media that did not have it. It is found by its name, and all is said
+    // Makes the mistake in a medium that did not have it. It is found by its name, and all is said
     // about it; nothing else is found but what the row names.
     static void ExpectToBeFound(const Mistake& mistake) {
         ASSERT_FALSE(Has(WithoutMistakes(mistake.layout), mistake.id))

@@ -1,4 +1,4 @@
-// Every kind of mistake in the launcher's own part of a media, its installers, its flavour markers
+// Every kind of mistake in the launcher's own part of a medium, its installers, its flavour markers
 // and its count file.
 
 #include <windows.h>
@@ -227,7 +227,7 @@ TEST(Autorun, MayStartTheProgramsOfTheMedium) {
         media.Write("autorun.inf", "[autorun]\r\nopen=" + std::string(open) + "\r\n");
         EXPECT_EQ(Changes(media.Validate()), "") << open;
     }
-    media.Write("autorun.inf", "[other]\r\nopen=menu.exe\r\n");
+    media.Write("autorun.inf", "[other]\r\nopen=menu.exe\r\n[autorun]\r\nopen=\r\n");
     EXPECT_EQ(Changes(media.Validate()), "");
 }
 

@@ -82,6 +82,22 @@ TEST_F(RemediesTest, OfTwoFoldersThatWereSwapped) {
     ExpectWhole();
 }
 
+TEST_F(RemediesTest, OfAFolderThatWasSwappedWithTheFirst) {
+    Move("set/1", "set/x");
+    Move("set/2", "set/1");
+    Move("set/x", "set/2");
+    ExpectToldToDo(
+        "volume-folder-named-otherwise",
+        "Give volume 1's folder another name, and this one the name 2; leave the markers "
+        "as they are.",
+        "2");
+    EXPECT_EQ(Errors("2").size(), 1u);
+    Move("set/2", "set/x");
+    Move("set/1", "set/2");
+    Move("set/x", "set/1");
+    ExpectWhole();
+}
+
 TEST_F(RemediesTest, OfAVolumeThatWasUnpackedOneFolderTooDeep) {
     Move("set/2", "set/x");
     Move("set/x", "set/2/2");

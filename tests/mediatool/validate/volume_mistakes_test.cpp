@@ -1,4 +1,4 @@
-// Every kind of mistake in the volumes of a split media and their markers.
+// Every kind of mistake in the volumes of a split medium and their markers.
 
 #include "tests/mediatool/validate/mistake_row.h"
 

@@ -15,7 +15,7 @@ struct AttackedRun {
     std::set<std::string> loaded;
 };
 
-// A test of a media that an attacker can write to. Beside the launcher lies the control program,
+// A test of a medium that an attacker can write to. Beside the launcher lies the control program,
 // which shows that an attack works and what no program can prevent. Both have names of their own,
 // for settings of Wine that hold for this test alone.
 class AttackedTest : public LauncherTest {

@@ -1,4 +1,4 @@
-#include "mediatool/run/remedies.h"
+#include "mediatool/media/remedies.h"
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view kAnything = "...";
 
-std::string_view Trimmed(std::string_view text) {
+std::string_view WithoutBlanks(std::string_view text) {
     const std::size_t start = text.find_first_not_of(" \r");
     if (start == std::string_view::npos) return {};
     return text.substr(start, text.find_last_not_of(" \r") + 1 - start);
@@ -63,17 +63,24 @@ std::vector<Remedy> RemediesOn(std::string_view page) {
         page.remove_prefix(end + 1);
         if (cells.size() != 3) continue;
         for (const std::string_view message : CodeIn(cells[0]))
-            remedies.push_back({std::string(message), Plain(Trimmed(cells[2]))});
+            remedies.push_back({std::string(message), Plain(WithoutBlanks(cells[1])),
+                                Plain(WithoutBlanks(cells[2]))});
     }
     return remedies;
 }
 
-std::optional<std::string> RemedyFor(const std::string& message) {
+std::optional<Remedy> KnownMessage(const std::string& message) {
     static const std::vector<Remedy> remedies = RemediesOn(kMessagesPage);
     const auto known = std::ranges::find_if(remedies, [&message](const Remedy& remedy) {
         return IsBeginningOf(remedy.message, message);
     });
     if (known == remedies.end()) return std::nullopt;
+    return *known;
+}
+
+std::optional<std::string> RemedyFor(const std::string& message) {
+    const std::optional<Remedy> known = KnownMessage(message);
+    if (!known) return std::nullopt;
     return known->remedy;
 }
 

@@ -1,0 +1,89 @@
+#include "mediatool/dry_run/hints.h"
+
+#include <algorithm>
+
+#include "fs/path.h"
+#include "launcher/base/launch_options.h"
+#include "media/folder_names.h"
+#include "mediatool/base/files.h"
+#include "mediatool/base/sentences.h"
+#include "mediatool/dry_run/dry_run.h"
+#include "mediatool/media/program_file.h"
+
+namespace launcher::mediatool {
+namespace {
+
+constexpr const char* kOptions[] = {"-wait", "-UI",    "-env",    "-installerPath", "-SoftMgt",
+                                    "-List", "-Check", "-Commit", "-Rollback",      "--pipeserver",
+                                    "--odt", "--mgt",  "--uninst"};
+
+// An option in other letters is none, and goes to the installer.
+void AddMistakenOptions(std::vector<std::string>& hints,
+                        const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments)
+        for (const std::string option : kOptions)
+            if (argument != option && SameName(argument, option))
+                hints.push_back(Quoted(argument) +
+                                " goes to the installer; the launcher's option is " + option + ".");
+}
+
+// As Copy would count it.
+std::uint64_t BytesOf(const Path& path) {
+    const std::optional<Entry> entry = Look(path);
+    if (!entry) return 0;
+    if (!entry->isFolder) return entry->size;
+    std::uint64_t bytes = 0;
+    for (const Entry& child : EntriesOf(path))
+        bytes += child.isFolder ? BytesOf(Join(path, child.name)) : child.size;
+    return bytes;
+}
+
+bool IsBelow(const Path& path, const Path& folder) {
+    return InLowerCase(path.Text() + "\\").starts_with(InLowerCase(folder.Text() + "\\"));
+}
+
+// Also of what a full disk keeps out of the copy.
+std::uint64_t BytesToCopy(const Path& media) {
+    std::uint64_t bytes = 0;
+    for (const char* entry : kMediaEntries)
+        bytes += BytesOf(Join(media, entry));
+    return bytes;
+}
+
+void AddRoom(std::vector<std::string>& hints, const DryRun& run, const Path& media) {
+    const PretendedCopy& copy = run.journal.copy;
+    if (!copy.room || copy.bytes <= *copy.room) return;
+    const std::uint64_t needed = std::max(copy.bytes, BytesToCopy(media));
+    hints.push_back("The copy needs at least " + Grouped(needed - *copy.room) +
+                    " bytes more than are free in " + run.temp + ": " + Grouped(needed) +
+                    " instead of " + Grouped(*copy.room) + ".");
+}
+
+void AddTemp(std::vector<std::string>& hints, const DryRun& run, const Path& media) {
+    if (run.journal.copy.contents.empty()) return;
+    if (std::ranges::any_of(run.temp, [](char c) { return static_cast<unsigned char>(c) >= 0x80; }))
+        hints.push_back(
+            "remove.bat cannot name the temporary folder, whose path holds letters outside ASCII: "
+            "the copy stays. Set TEMP to a folder with a plain name.");
+    if (IsBelow(FullPath(run.temp), Join(media, kInstFolder)))
+        hints.push_back(
+            "TEMP lies in the folder that is copied: the copy holds parts of itself. Which ones "
+            "depends on Windows and is not foreseen.");
+}
+
+}  // namespace
+
+std::vector<std::string> HintsOf(const DryRun& run, const LaunchOptions* options) {
+    std::vector<std::string> hints;
+    const Path media = Parent(Path(run.launcher));
+    if (options != nullptr) AddMistakenOptions(hints, options->installerArgs);
+    AddRoom(hints, run, media);
+    AddTemp(hints, run, media);
+    if (run.installer && !run.isAdministrator && AsksForElevation(Path(run.installer->foundAt)))
+        hints.push_back(
+            "The installer's manifest asks for elevation: Windows does not start it for a user "
+            "without (code 740).");
+    return hints;
+}
+
+}  // namespace launcher::mediatool

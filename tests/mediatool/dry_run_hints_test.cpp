@@ -1,0 +1,134 @@
+// What a dry run says of slips, although the run does as it is told.
+
+#include <windows.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "launcher/base/launch_options.h"
+#include "mediatool/base/files.h"
+#include "tests/mediatool/rehearsing.h"
+#include "tests/support/hook.h"
+#include "tests/support/wine.h"
+
+namespace launcher::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class HintTest : public Rehearsing {
+  protected:
+    std::vector<std::string> Hints(const SampleMedia& media,
+                                   std::vector<std::string> arguments = {},
+                                   Variables variables = {}) const {
+        return Dry(media, std::move(arguments), std::move(variables)).hints;
+    }
+
+    const SampleMedia media_ = Startable();
+};
+
+TEST_F(HintTest, NoneForAnOrdinaryRun) {
+    EXPECT_THAT(Hints(media_, {"-wait", "plain", "-env", "-WAIT=1"}), IsEmpty());
+    EXPECT_THAT(Hints(Incomplete()), IsEmpty());
+}
+
+TEST_F(HintTest, AnArgumentThatDiffersFromAnOptionInCaseOnly) {
+    EXPECT_THAT(Hints(media_, {"-Wait", "--MGT"}),
+                ElementsAre("\"-Wait\" goes to the installer; the launcher's option is -wait.",
+                            "\"--MGT\" goes to the installer; the launcher's option is --mgt."));
+}
+
+TEST_F(HintTest, ATempThatRemoveBatCannotName) {
+    const Variables temp = {{"TEMP", temp_.Text("Größe")}};
+    EXPECT_THAT(Hints(Incomplete(), {}, temp), ElementsAre(StartsWith("remove.bat cannot name ")));
+    EXPECT_THAT(Hints(media_, {}, temp), IsEmpty());  // nothing is copied
+}
+
+TEST_F(HintTest, AnInstallerThatAsksForElevation) {
+    const SampleMedia media = Startable();
+    ASSERT_TRUE(CopyFileW(BuiltFile(ELEVATED_PROGRAM).c_str(),
+                          FromUtf8(media.Text(kInstallerOfMedia)).c_str(), FALSE));
+    EXPECT_THAT(Hints(media), IsEmpty());
+    request_.machine.isAdministrator = false;
+    const Variables allowed = {{"ZEPAdmInstAllowNotAdminUser", "1"}};
+    EXPECT_THAT(Hints(media, {}, allowed), ElementsAre(HasSubstr("asks for elevation")));
+    EXPECT_THAT(Hints(media_, {}, allowed), IsEmpty());
+}
+
+TEST_F(HintTest, HowMuchRoomIsMissing) {
+    const SampleMedia incomplete = Incomplete();
+    const Hook<decltype(&GetDiskFreeSpaceExW)> full(
+        "GetDiskFreeSpaceExW", [](auto, LPCWSTR, PULARGE_INTEGER room, auto...) {
+            room->QuadPart = 1000;
+            return TRUE;
+        });
+    std::uint64_t needed = 0;
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(FromUtf8(incomplete.Text())))
+        if (entry.is_regular_file() && entry.path().filename() != "1.txt")
+            needed += entry.file_size();
+    const mediatool::DryRun run = Dry(incomplete);
+    EXPECT_FALSE(run.copy.made);
+    ASSERT_EQ(run.hints.size(), 1u);
+    std::string hint = run.hints[0];
+    std::erase(hint, ',');
+    EXPECT_THAT(hint, StartsWith("The copy needs at least " + std::to_string(needed - 1000) +
+                                 " bytes more"));
+}
+
+TEST_F(HintTest, ATempInTheFolderThatIsCopied) {
+    SampleMedia incomplete = Incomplete();
+    incomplete.MakeDir("inst/win_b64/code/bin/temp");
+    EXPECT_THAT(
+        Hints(incomplete, {}, {{"TEMP", incomplete.Text("inst\\win_b64\\code\\bin\\temp")}}),
+        ElementsAre(HasSubstr("the copy holds parts of itself")));
+    EXPECT_THAT(Hints(incomplete, {}, {{"TEMP", incomplete.Text("inst temp")}}), IsEmpty());
+}
+
+class LongPathTest : public HintTest {
+  protected:
+    // What the registry says of long paths.
+    static auto Enabled(bool enabled) {
+        return Hook<decltype(&RegGetValueW)>(
+            "RegGetValueW",
+            [enabled](auto, HKEY, LPCWSTR, LPCWSTR, DWORD, LPDWORD, PVOID value, LPDWORD) {
+                *static_cast<DWORD*>(value) = enabled ? 1 : 0;
+                return LSTATUS{ERROR_SUCCESS};
+            });
+    }
+
+    // In which the names of the folders in the copy are too long without them.
+    Variables LongTemp() const {
+        const std::string base = temp_.Text() + "\\";
+        return {{"TEMP", base + std::string(240 - base.size(), 'x')}};
+    }
+
+    const SampleMedia incomplete_ = Incomplete();
+};
+
+TEST_F(LongPathTest, AreAskedOfThisMachine) {
+    for (const bool enabled : {false, true}) {
+        const auto registry = Enabled(enabled);
+        const mediatool::DryRun run = Dry(incomplete_, {}, LongTemp());
+        EXPECT_EQ(run.copy.made, enabled);
+        EXPECT_THAT(run.hints, IsEmpty());
+    }
+}
+
+TEST_F(LongPathTest, AreToldBothWaysOfAnotherWindows) {
+    request_.machine.isWindows8OrNewer = true;
+    const auto registry = Enabled(true);  // nobody asks
+    const mediatool::DryRun run = Dry(incomplete_, {}, LongTemp());
+    EXPECT_FALSE(run.copy.made);
+    EXPECT_THAT(run.hints, ElementsAre(StartsWith("With LongPathsEnabled on that Windows, ")));
+    request_.machine.longPaths = false;  // an older one has none
+    EXPECT_THAT(Hints(incomplete_, {}, LongTemp()), IsEmpty());
+}
+
+}  // namespace
+}  // namespace launcher::test
