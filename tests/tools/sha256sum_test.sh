@@ -11,7 +11,7 @@ mediatool=$1
 prefix=$2
 . "$(dirname "$0")/checks.sh"
 
-run() { "$project/tools/wine-run.sh" "$prefix" "$mediatool" "$@" >"$work/output" 2>&1; }
+run() { "$tools/wine-run.sh" "$prefix" "$mediatool" "$@" >"$work/output" 2>&1; }
 
 cd "$work"
 mkdir -p "content/one/sub folder/größer" content/two
