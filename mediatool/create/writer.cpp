@@ -21,11 +21,27 @@ constexpr char kMarkText[] =
 constexpr DWORD kCopiedAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN |
                                     FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE;
 
+// A virus scanner that looks at a new file keeps it from being renamed or deleted for a moment.
+// Tries until nobody holds it, two seconds at most; the last reason is in GetLastError().
+template <class Attempt>
+bool WithPatience(const Attempt& attempt) {
+    constexpr int kAttempts = 20;
+    constexpr DWORD kBetween = 100;  // milliseconds
+    for (int i = 1; !attempt(); ++i) {
+        const DWORD error = GetLastError();
+        const bool isHeld = error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
+        if (!isHeld || i == kAttempts) return false;
+        Sleep(kBetween);
+    }
+    return true;
+}
+
 // A file, read-only or not, or an empty folder.
 bool Remove(const Path& path) {
     const std::wstring name = Extended(path.Text());
     SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL);
-    return DeleteFileW(name.c_str()) || RemoveDirectoryW(name.c_str());
+    if (IsFolder(path)) return RemoveDirectoryW(name.c_str()) != FALSE;
+    return WithPatience([&name] { return DeleteFileW(name.c_str()) != FALSE; });
 }
 
 FILETIME FileTime(std::uint64_t units) {
@@ -71,8 +87,11 @@ class NewFile {
     // and to wait once for each of 50,000 files would take longer than to copy them.
     void GiveName() {
         file_.Reset();
-        if (!MoveFileExW(Extended(temporary_.Text()).c_str(), Extended(path_.Text()).c_str(),
-                         MOVEFILE_REPLACE_EXISTING))
+        const std::wstring from = Extended(temporary_.Text());
+        const std::wstring to = Extended(path_.Text());
+        if (!WithPatience([&] {
+                return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE;
+            }))
             RefuseFor(blamed_, what_);
         isWhole_ = true;
     }

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <filesystem>
 
 #include "fs/encoding.h"
@@ -235,6 +236,26 @@ TEST_F(FailingCall, ForTheNameOfAMarker) {
     request.from.clear();
     const auto complaint = ComplaintWithout<decltype(&MoveFileExW)>("MoveFileExW");
     ExpectTakenBack(complaint, "out\\1\\inst\\volumes.txt", "written");
+}
+
+// A virus scanner holds a new file for a moment.
+TEST_F(FailingCall, ForAMomentIsTriedAgain) {
+    const auto failsAtFirst = [](DWORD error, int& calls) {
+        return [error, &calls](auto real, auto... arguments) {
+            if (++calls > 1) return real(arguments...);
+            SetLastError(error);
+            return FALSE;
+        };
+    };
+    int moves = 0;
+    int removals = 0;
+    const Hook<decltype(&MoveFileExW)> move("MoveFileExW",
+                                            failsAtFirst(ERROR_ACCESS_DENIED, moves));
+    const Hook<decltype(&DeleteFileW)> remove("DeleteFileW",
+                                              failsAtFirst(ERROR_SHARING_VIOLATION, removals));
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_EQ(removals, 2);
+    EXPECT_FALSE(IsThere("out\\1\\mediatool-unfinished.txt"));
 }
 
 // All is written: it stays, and the next run has nothing to do but this.
