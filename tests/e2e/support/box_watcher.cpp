@@ -1,6 +1,6 @@
 #include "tests/e2e/support/box_watcher.h"
 
-#include <string_view>
+#include <optional>
 
 #include "fs/encoding.h"
 #include "tests/support/temporary_folder.h"
@@ -9,13 +9,17 @@ namespace launcher::test {
 namespace {
 
 constexpr int kBoxTextId = 0xFFFF;
-constexpr UINT kPatience = 5000;  // milliseconds for a window to answer
+constexpr int kReadings = 3;          // of a text, before it is taken for empty
+constexpr UINT kPatience = 5000;      // milliseconds for a window to tell it, each time
+constexpr ULONGLONG kBetween = 1000;  // milliseconds between two answers to a window
 
-std::string TextOf(HWND window) {
+// Nothing for a window that does not answer, as on a machine that is busy.
+std::optional<std::string> TextOf(HWND window) {
     std::wstring text(32768, L'\0');
     DWORD_PTR length = 0;
-    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
-                        SMTO_ABORTIFHUNG, kPatience, &length);
+    if (!SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
+                             SMTO_ABORTIFHUNG, kPatience, &length))
+        return std::nullopt;
     return ToNarrow(text.c_str());
 }
 
@@ -59,16 +63,29 @@ BOOL CALLBACK BoxWatcher::OnWindow(HWND window, LPARAM self) {
 }
 
 void BoxWatcher::See(HWND window) {
+    Seen& seen = seen_[window];
     const HWND text = GetDlgItem(window, kBoxTextId);
-    const auto [entry, isNew] = answered_.try_emplace(window, 0);
-    if (isNew && text != nullptr)
-        boxes_.push_back(
-            {TextOf(window), TextOf(text), output_.empty() ? 0 : ReadFile(output_).size()});
-    if (isNew && text == nullptr) dialogs_.push_back(TextOf(window));
+    if (!seen.isTakenDown) {
+        seen.isTakenDown = TakeDown(window, text, ++seen.readings == kReadings);
+        if (!seen.isTakenDown) return;
+    }
     const ULONGLONG now = GetTickCount64();
-    if (now - entry->second < kPatience / 5) return;
-    entry->second = now;
+    if (now - seen.answered < kBetween) return;
+    seen.answered = now;
     Press(window, text != nullptr ? ShownButton(window) : GetDlgItem(window, IDCANCEL));
+}
+
+// Whether it told its texts; at the last attempt what it does not tell is empty.
+bool BoxWatcher::TakeDown(HWND window, HWND text, bool isLast) {
+    const auto caption = TextOf(window);
+    const auto message = text != nullptr ? TextOf(text) : std::optional(std::string());
+    if (!isLast && (!caption || !message)) return false;
+    if (text != nullptr)
+        boxes_.push_back({caption.value_or(""), message.value_or(""),
+                          output_.empty() ? 0 : ReadFile(output_).size()});
+    else
+        dialogs_.push_back(caption.value_or(""));
+    return true;
 }
 
 }  // namespace launcher::test

@@ -35,12 +35,19 @@ class BoxWatcher {
     const std::vector<std::string>& Dialogs() const { return dialogs_; }
 
   private:
+    struct Seen {
+        int readings = 0;          // that it did not answer
+        bool isTakenDown = false;  // with its text, or given up
+        ULONGLONG answered = 0;    // when last
+    };
+
     static BOOL CALLBACK OnWindow(HWND window, LPARAM self);
     void See(HWND window);
+    bool TakeDown(HWND window, HWND text, bool isLast);
 
     DWORD processId_;
     std::filesystem::path output_;
-    std::map<HWND, ULONGLONG> answered_;  // when last
+    std::map<HWND, Seen> seen_;
     std::vector<Box> boxes_;
     std::vector<std::string> dialogs_;
 };

@@ -97,7 +97,12 @@ void Save(const ReportText& report, const std::wstring& path) {
         WriteFile(file.Get(), report.Text().data(), static_cast<DWORD>(report.Text().size()),
                   &written, nullptr);
     }
-    MoveFileExW(unfinished.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING);
+    // A virus scanner may hold the new file for a moment.
+    constexpr int kPatience = 20;  // times 100 milliseconds
+    for (int i = 0;
+         !MoveFileExW(unfinished.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING) && i < kPatience;
+         ++i)
+        Sleep(100);
 }
 
 void WaitForEvent(const std::wstring& name) {
