@@ -94,8 +94,10 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
     pattern += L'*';
     WIN32_FIND_DATAW data{};
     FindHandle search(FindFirstFileW(pattern.c_str(), &data));
-    if (!search) return std::nullopt;
     std::vector<Entry> entries;
+    // Only the root of an empty drive has no entry at all; any other folder has ".".
+    if (!search && GetLastError() == ERROR_FILE_NOT_FOUND) return entries;
+    if (!search) return std::nullopt;
     do {
         Entry entry = EntryFrom(data);
         if (!IsDotEntry(entry)) entries.push_back(std::move(entry));

@@ -18,8 +18,8 @@ struct KernelObjectTraits {
 
 using KernelObject = Owner<KernelObjectTraits>;  // OpenProcess, CreateJobObjectW, CreateEventW
 
-// The functions of bcrypt.dll. It is loaded by name and not linked, so that a library of its name
-// beside mediatool.exe is never taken for it.
+// The functions of bcrypt.dll. It is loaded from the system's folder and not linked, so that a
+// library of its name beside mediatool.exe is never taken for it.
 struct Cryptography {
     Cryptography();
 

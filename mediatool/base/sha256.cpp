@@ -28,7 +28,11 @@ BCRYPT_ALG_HANDLE Provider() {
 }  // namespace
 
 Cryptography::Cryptography() {
-    Check(LoadLibraryExW(kLibrary, nullptr, 0) == nullptr ? -1 : 0);
+    // By its whole path: a Windows 7 without updates looks for a mere name beside this program.
+    wchar_t folder[MAX_PATH] = {};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    const std::wstring path = folder + std::wstring(L"\\") + kLibrary;
+    Check(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH) == nullptr ? -1 : 0);
     openProvider = ModuleFunction<decltype(openProvider)>(kLibrary, "BCryptOpenAlgorithmProvider");
     createHash = ModuleFunction<decltype(createHash)>(kLibrary, "BCryptCreateHash");
     hashData = ModuleFunction<decltype(hashData)>(kLibrary, "BCryptHashData");

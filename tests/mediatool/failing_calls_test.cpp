@@ -92,6 +92,15 @@ TEST(Listing, ThatBreaksOffIsNone) {
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CRC));
 }
 
+// Other folders have "." and "..".
+TEST(Listing, OfAnEmptyDriveIsEmpty) {
+    const Hook<decltype(&FindFirstFileW)> first(
+        "FindFirstFileW", FailsWith(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE));
+    const auto entries = mediatool::List(Path("C:"));
+    ASSERT_TRUE(entries);
+    EXPECT_TRUE(entries->empty());
+}
+
 // A box of Windows would wait for a disc where nobody is. What is started must not inherit that.
 TEST(DriveWithoutADisc, IsAskedForInNoBox) {
     const DWORD mode = GetThreadErrorMode();

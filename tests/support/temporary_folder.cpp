@@ -106,6 +106,15 @@ void WriteFile(const stdfs::path& path, std::string_view content) {
     if (!file.flush()) throw std::runtime_error("cannot write " + ToUtf8(path));
 }
 
+// A virus scanner may still look at what has just been written, in a folder too.
+void Rename(const stdfs::path& from, const stdfs::path& to) {
+    constexpr int kPatience = 20;  // times 100 milliseconds
+    std::error_code error;
+    for (int i = 0; stdfs::rename(from, to, error), error && i < kPatience; ++i)
+        Sleep(100);
+    if (error) throw stdfs::filesystem_error("cannot rename", from, to, error);
+}
+
 Tree TreeBelow(const stdfs::path& root) {
     Tree tree;
     if (!stdfs::exists(root)) return tree;

@@ -46,6 +46,9 @@ std::string ToUtf8(const std::filesystem::path& path);
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, std::string_view content);
 
+// Another name for a file or folder, in the place of none.
+void Rename(const std::filesystem::path& from, const std::filesystem::path& to);
+
 // Everything below a folder: the relative path and the content of each file, of each folder "/".
 // Empty when there is no such folder.
 using Tree = std::map<std::string, std::string>;

@@ -78,7 +78,7 @@ SampleMedia& SampleMedia::Remove(std::string_view relative) {
 }
 
 SampleMedia& SampleMedia::Rename(std::string_view relative, std::string_view to) {
-    stdfs::rename(FromUtf8(Text(relative)), FromUtf8(Text(to)));
+    test::Rename(FromUtf8(Text(relative)), FromUtf8(Text(to)));
     return *this;
 }
 

@@ -27,7 +27,7 @@ class RemediesTest : public LauncherTest {
 
     void Move(const std::string& from, const std::string& to) const {
         stdfs::create_directories((scratch.Dir() / to).parent_path());
-        stdfs::rename(scratch.Dir() / from, scratch.Dir() / to);
+        Rename(scratch.Dir() / from, scratch.Dir() / to);
     }
 
     std::string Set(const std::string& name) const { return scratch.Text("set\\" + name); }
@@ -115,7 +115,7 @@ TEST_F(RemediesTest, OfAFirstVolumeThatWasUnpackedOneFolderTooDeep) {
     ExpectToldToDo("volume-too-deep", "Move all that is in the folder up, into " + Set("1") + ".",
                    "1\\1");
     for (const auto& entry : stdfs::directory_iterator(scratch.Dir() / "set" / "1" / "1"))
-        stdfs::rename(entry.path(), scratch.Dir() / "set" / "1" / entry.path().filename());
+        Rename(entry.path(), scratch.Dir() / "set" / "1" / entry.path().filename());
     stdfs::remove(scratch.Dir() / "set" / "1" / "1");
     ExpectWhole();
 }
