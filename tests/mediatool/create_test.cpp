@@ -191,7 +191,7 @@ TEST_F(Creating, SaysWhereItCannotWrite) {
         {scratch.Text("file"), "is a file, not a folder."},
         {scratch.Text("file\\a\\b"), "is below \"" + scratch.Text("file") + "\", which is a file."},
         {scratch.Text() + "\\a*b\\c", "cannot be the name of a folder."},
-        {"J:\\out", "is on a drive that is not there."}};
+        {"B:\\out", "is on a drive that is not there."}};
     for (const auto& [out, complaint] : complaints) {
         request.out = out;
         EXPECT_EQ(Complaint(), "wrong use: \"" + out + "\" " + complaint);
