@@ -9,9 +9,10 @@ namespace launcher::test {
 namespace {
 
 constexpr int kBoxTextId = 0xFFFF;
-constexpr int kReadings = 3;          // of a text, before it is taken for empty
-constexpr UINT kPatience = 5000;      // milliseconds for a window to tell it, each time
-constexpr ULONGLONG kBetween = 1000;  // milliseconds between two answers to a window
+// Milliseconds.
+constexpr UINT kPatience = 5000;        // for a window to tell its text
+constexpr ULONGLONG kTextTime = 30000;  // for one that does not, before it is taken for empty
+constexpr ULONGLONG kBetween = 1000;    // between two answers to a window
 
 // Nothing for a window that does not answer, as on a machine that is busy.
 std::optional<std::string> TextOf(HWND window) {
@@ -63,13 +64,13 @@ BOOL CALLBACK BoxWatcher::OnWindow(HWND window, LPARAM self) {
 }
 
 void BoxWatcher::See(HWND window) {
-    Seen& seen = seen_[window];
+    const ULONGLONG now = GetTickCount64();
+    Seen& seen = seen_.try_emplace(window, Seen{now}).first->second;
     const HWND text = GetDlgItem(window, kBoxTextId);
     if (!seen.isTakenDown) {
-        seen.isTakenDown = TakeDown(window, text, ++seen.readings == kReadings);
+        seen.isTakenDown = TakeDown(window, text, now - seen.first > kTextTime);
         if (!seen.isTakenDown) return;
     }
-    const ULONGLONG now = GetTickCount64();
     if (now - seen.answered < kBetween) return;
     seen.answered = now;
     Press(window, text != nullptr ? ShownButton(window) : GetDlgItem(window, IDCANCEL));

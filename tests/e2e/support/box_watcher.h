@@ -36,9 +36,9 @@ class BoxWatcher {
 
   private:
     struct Seen {
-        int readings = 0;          // that it did not answer
-        bool isTakenDown = false;  // with its text, or given up
+        ULONGLONG first;           // when
         ULONGLONG answered = 0;    // when last
+        bool isTakenDown = false;  // with its text, or without when that took too long
     };
 
     static BOOL CALLBACK OnWindow(HWND window, LPARAM self);
