@@ -1,7 +1,5 @@
 #include "mediatool/base/sentences.h"
 
-#include "fs/text.h"
-
 namespace launcher::mediatool {
 
 std::string Quoted(const std::string& text) {
@@ -21,7 +19,7 @@ std::string Grouped(std::uint64_t number) {
     return digits;
 }
 
-std::string Harmless(const std::string& text) {
+std::string Harmless(const std::string& text, std::string_view kept) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     std::string harmless;
     const auto show = [&](unsigned char code) {
@@ -33,7 +31,7 @@ std::string Harmless(const std::string& text) {
         if (byte == 0xC2 && next >= 0x80 && next < 0xA0) {  // U+0080 to U+009F
             show(next);
             ++i;
-        } else if ((byte < 0x20 && byte != '\t' && byte != '\n') || byte == 0x7F) {
+        } else if ((byte < 0x20 || byte == 0x7F) && kept.find(text[i]) == kept.npos) {
             show(byte);
         } else {
             harmless += text[i];
@@ -45,9 +43,7 @@ std::string Harmless(const std::string& text) {
 std::string OnOneLine(std::string text) {
     while (text.ends_with('\n') || text.ends_with('\r'))
         text.pop_back();
-    text = Harmless(text);
-    ReplaceAll(text, "\n", "\\x0A", 0);
-    return text;
+    return Harmless(text, "\t");
 }
 
 std::string Counted(std::size_t count, const std::string& what) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "fs/path.h"
 
@@ -17,8 +18,9 @@ std::string Quoted(const Path& path);
 // "1234567" as "1,234,567"
 std::string Grouped(std::uint64_t number);
 
-// With each control character but tab and LF as "\x1B": a terminal would obey it.
-std::string Harmless(const std::string& text);
+// With each control character, but those of `kept`, as "\x1B": a terminal would obey it, and in the
+// text of a file nobody would see it. Those from U+0080 to U+009F are control characters too.
+std::string Harmless(const std::string& text, std::string_view kept = "\t\n");
 
 // The same for a sentence: without line ends at its end, and with LF as well.
 std::string OnOneLine(std::string text);

@@ -10,7 +10,7 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kDigits = 64;  // of a checksum
+constexpr std::size_t kHashLength = 64;  // of a checksum
 
 bool IsSystemFolder(const std::string& name) {
     return SameName(name, "System Volume Information") || SameName(name, "$RECYCLE.BIN");
@@ -69,7 +69,7 @@ std::string Unescaped(std::string_view name) {
 }
 
 bool IsChecksum(std::string_view text) {
-    return text.size() == kDigits &&
+    return text.size() == kHashLength &&
            text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
 }
 
@@ -77,13 +77,13 @@ bool IsChecksum(std::string_view text) {
 bool ParseLine(std::string_view line, ChecksumList::File& file) {
     const bool isEscaped = line.starts_with('\\');
     if (isEscaped) line.remove_prefix(1);
-    if (line.size() <= kDigits + 2 || !IsChecksum(line.substr(0, kDigits)) ||
-        line[kDigits] != ' ' || (line[kDigits + 1] != ' ' && line[kDigits + 1] != '*'))
+    if (line.size() <= kHashLength + 2 || !IsChecksum(line.substr(0, kHashLength)) ||
+        line[kHashLength] != ' ' || (line[kHashLength + 1] != ' ' && line[kHashLength + 1] != '*'))
         return false;
-    std::string_view name = line.substr(kDigits + 2);
+    std::string_view name = line.substr(kHashLength + 2);
     if (name.starts_with("./")) name.remove_prefix(2);
     file.name = isEscaped ? Unescaped(name) : std::string(name);
-    file.hash = InLowerCase(std::string(line.substr(0, kDigits)));
+    file.hash = InLowerCase(std::string(line.substr(0, kHashLength)));
     return true;
 }
 

@@ -8,20 +8,9 @@
 #include "fs/encoding.h"
 #include "media/input_stream.h"
 #include "media/volume_files.h"
+#include "mediatool/base/sentences.h"
 
 namespace launcher::mediatool {
-namespace {
-
-// The bytes of the control character at `i`; 0 where there is none. In UTF-8, those from U+0080 to
-// U+009F are a C2 and one of their own value.
-std::size_t ControlLength(const std::string& text, std::size_t i) {
-    const auto byte = [&text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    if (byte(i) < 0x20 || byte(i) == 0x7F) return 1;
-    const bool pair = byte(i) == 0xC2 && i + 1 < text.size();
-    return pair && byte(i + 1) >= 0x80 && byte(i + 1) < 0xA0 ? 2 : 0;
-}
-
-}  // namespace
 
 bool IsUtf16(const std::string& bytes) {
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) return true;
@@ -39,28 +28,12 @@ std::vector<std::string> LinesOf(const std::string& bytes) {
 }
 
 bool HasControlCharacter(const std::string& text) {
-    for (std::size_t i = 0; i < text.size(); ++i)
-        if (text[i] != '\t' && ControlLength(text, i) > 0) return true;
-    return false;
-}
-
-std::string Visible(const std::string& text) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string visible;
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = ControlLength(text, i);
-        if (length == 0) visible += text[i++];
-        for (const std::size_t end = i + length; length > 0 && i < end; ++i) {
-            const auto byte = static_cast<unsigned char>(text[i]);
-            visible += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
-        }
-    }
-    return visible;
+    return Harmless(text, "\t") != text;
 }
 
 std::string SpeltOut(const std::string& text) {
     std::string spelt;
-    for (const wchar_t c : ToWide(Visible(text))) {
+    for (const wchar_t c : ToWide(Harmless(text, ""))) {
         char unit[8] = {static_cast<char>(c)};
         if (c > 0x7F) std::snprintf(unit, sizeof unit, "\\u%04X", static_cast<unsigned>(c));
         spelt += unit;

@@ -18,9 +18,6 @@ std::vector<std::string> LinesOf(const std::string& bytes);
 // A control character of ASCII or of Unicode (U+0080 to U+009F) other than the tab; CR among them.
 bool HasControlCharacter(const std::string& text);
 
-// The same text with its control characters, the tab among them, written out: "\x1A".
-std::string Visible(const std::string& text);
-
 // The same text with all characters outside ASCII written out as UTF-16: "\u00E9". Tells apart what
 // looks the same.
 std::string SpeltOut(const std::string& text);

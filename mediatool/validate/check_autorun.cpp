@@ -49,7 +49,7 @@ void CheckAutorun(const Subject& subject, Findings& out) {
         const std::string program = ProgramOf(Trimmed(line.substr(equals + 1)));
         const bool isStart = (key == "open" || key == "shellexecute") && !program.empty();
         if (isStart && !IsOurs(subject.Media(), program))
-            out.Add("autorun-other-program", file, {Quoted(Visible(program))});
+            out.Add("autorun-other-program", file, {Quoted(Harmless(program, ""))});
     }
 }
 

@@ -30,7 +30,7 @@ void CompareIdentifiers(const std::string& id, const DiscSet& set, const Path& m
     out.AddFirst({{!hasZero && SameName(id, set.id), "volume-id-case-differs"},
                   {!hasZero && SameName(Trimmed(id), Trimmed(set.id)), "volume-id-blanks-differ"},
                   {true, "volume-id-differs"}},
-                 marker, {Quoted(Visible(id)), Quoted(Visible(set.id))});
+                 marker, {Quoted(Harmless(id, "")), Quoted(Harmless(set.id, ""))});
 }
 
 // The marker of another volume of the set in a folder that should have this one's.

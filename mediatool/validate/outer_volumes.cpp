@@ -97,7 +97,8 @@ class OuterVolumes {
         if (id.empty()) return;
         const Path folder = FolderInOuterVolume(set_, inside);
         if (id != set_.id)
-            out_.Add("outer-id-differs", marker, {Quoted(Visible(id)), Quoted(Visible(set_.id))});
+            out_.Add("outer-id-differs", marker,
+                     {Quoted(Harmless(id, "")), Quoted(Harmless(set_.id, ""))});
         else if (!IsFolder(folder))
             out_.Add("outer-inner-folder-missing", folder,
                      {std::to_string(inside), std::to_string(number)});
