@@ -43,7 +43,9 @@ int RunCommand::Run(std::vector<std::string> launcherArguments) {
         throw BadInput("The launcher's arguments are longer than Windows takes.");
     Reporter reporter(log_, json_);
     reporter.Begin(commandLine);
-    try {
+    try {  // the log must end with the reason too, of a share that cannot be reached for instance
+        if (!IsFolder(FullPath(media_)))
+            throw BadInput("There is no folder " + Quoted(media_) + ".");
         CheckProgram(request.launcher);
         if (!WaitsForInstaller(request.arguments))
             reporter.Say("Without -wait, only the launcher is waited for, not the installer.");
@@ -53,7 +55,7 @@ int RunCommand::Run(std::vector<std::string> launcherArguments) {
     } catch (const NotStarted& failure) {
         reporter.ConcludeWith(failure.what(), failure.ExitCode());
         return failure.ExitCode();
-    } catch (const std::exception& failure) {  // also the log must end with the reason
+    } catch (const std::exception& failure) {
         reporter.ConcludeWith(failure.what(), kOwnMistake);
         return kOwnMistake;
     }
@@ -62,7 +64,6 @@ int RunCommand::Run(std::vector<std::string> launcherArguments) {
 RunRequest RunCommand::Request(std::vector<std::string> launcherArguments) const {
     RunRequest request;
     const Path folder = FullPath(media_);
-    if (!IsFolder(folder)) throw BadInput("There is no folder " + Quoted(media_) + ".");
     request.launcher = Join(folder, kLauncherName).Text();
     request.arguments = std::move(launcherArguments);
     if (command->count("--time-limit") > 0) request.timeLimit = TimeLimitOf(timeLimit_);

@@ -18,10 +18,10 @@ class Summary {
     explicit Summary(bool coloured) : coloured_(coloured) {}
 
     void Heading(const std::string& text) { text_ += InColour(Colour::Bold, text) + "\n"; }
-    // Each of its lines behind the indent.
+    // Further lines of an item stand more to the right.
     void Item(const std::string& item, std::size_t indent = 2) {
         std::string text = std::string(indent, ' ') + WithoutLineEnds(item);
-        ReplaceAll(text, "\n", "\n" + std::string(indent, ' '), 0);
+        ReplaceAll(text, "\n", "\n" + std::string(indent + 2, ' '), 0);
         text_ += text + "\n";
     }
     std::string InColour(Colour colour, const std::string& text) const {
@@ -81,7 +81,7 @@ void AddBoxes(Summary& summary, const WatchedRun& run) {
     if (run.boxes.empty()) return;
     summary.Heading("Boxes, each of which would have waited");
     for (const AnsweredBox& box : run.boxes)
-        summary.Item(Harmless(box.box.text));
+        summary.Item(Harmless(WithoutLineEnds(box.box.text)));
 }
 
 struct Advice {
@@ -97,12 +97,17 @@ void Advise(std::vector<Advice>& advice, const std::string& message) {
 }
 
 void AddAdvice(Summary& summary, const WatchedRun& run) {
-    std::vector<Advice> advice;
-    for (const AnsweredBox& box : run.boxes)
-        if (!box.box.dialog) Advise(advice, box.box.text);
+    // In the order in which the messages came: what follows from a mistake comes after it.
+    std::vector<std::pair<Moment, std::string>> messages;
     for (const SeenLine& line : run.lines)
         if (line.origin == Origin::LauncherOutput || line.origin == Origin::LauncherErrors)
-            Advise(advice, MessageOf(line.text));
+            messages.emplace_back(line.at, MessageOf(line.text));
+    for (const AnsweredBox& box : run.boxes)
+        if (!box.box.dialog) messages.emplace_back(box.at, box.box.text);
+    std::ranges::stable_sort(messages, {}, &std::pair<Moment, std::string>::first);
+    std::vector<Advice> advice;
+    for (const auto& [at, message] : messages)
+        Advise(advice, message);
     if (!advice.empty()) summary.Heading("What to do");
     for (const Advice& item : advice) {
         summary.Item(Harmless(item.message));
@@ -127,6 +132,8 @@ std::string MeaningOf(const WatchedRun& run, const RunRequest& request) {
         return MeaningOfAnEnd(run, request, "mediatool failed (" + run.failure + ")");
     const bool waits = WaitsForInstaller(request.arguments);
     if (run.installer && waits && !AnyBox(run, kCrashed)) return "The installer's own.";
+    if (AnyBox(run, kCrashed))
+        return "The launcher's, for an installer that crashed; see the installer's own log.";
     if (run.exitCode == 1 && !run.boxes.empty())
         return "The launcher refuses; the message says why.";
     if (run.exitCode == 0 && !waits)

@@ -15,7 +15,7 @@ namespace {
 constexpr DWORD kTick = 50;               // milliseconds
 constexpr ULONGLONG kReportsEvery = 500;  // to look for reports of a crash, which costs more
 
-constexpr ULONGLONG kLastLinesTime = 10000;  // milliseconds
+constexpr ULONGLONG kLastLinesTime = 10000;  // milliseconds without a line that is taken
 constexpr std::size_t kBytesBesideALine = 100;
 
 int ExitCodeOf(EndedBy endedBy) {
@@ -44,8 +44,6 @@ class Watch {
             Try(&Watch::EndProcesses);
         Try(&Watch::TakeWhatIsLeft);
         if (run_.endedBy == EndedBy::Failure) EndAfterFailure();
-        run_.launcher = family_.SeenLauncher();
-        run_.installer = family_.Installer();
         return std::move(run_);
     }
 
@@ -74,7 +72,7 @@ class Watch {
     // True when it is over, one way or another.
     bool WaitsForATick() {
         const HANDLE events[] = {family_.Launcher(), interruption_.Event()};
-        const DWORD event = WaitForMultipleObjects(2, events, FALSE, kTick);
+        const DWORD event = WaitForMultipleObjects(2, events, FALSE, isBehind_ ? 0 : kTick);
         if (event == WAIT_OBJECT_0) return true;
         if (event == WAIT_OBJECT_0 + 1)
             run_.endedBy = EndedBy::Interrupt;
@@ -91,28 +89,35 @@ class Watch {
         installerIsThere_ = true;
     }
 
+    // Some at a time: boxes and the time limit cannot wait for megabytes of them.
     void TakeLines() {
-        if (!witness_.TakesMore()) return;
+        isBehind_ = witness_.TakesMore();
+        if (!isBehind_) return;
         for (WatchedStream* const stream : {&output_, &errors_})
             Add(stream->TakeLines(installerIsThere_));
+        isBehind_ = output_.HasMore() || errors_.HasMore();
     }
 
     // What was written by now: somebody may go on writing. The one who takes the lines may be slow,
-    // but not for ever.
+    // but must not stand still for long.
     void TakeWhatIsLeft() {
+        run_.launcher = family_.SeenLauncher();
+        run_.installer = family_.Installer();
         const std::uint64_t sizes[] = {output_.Size(), errors_.Size()};
         const auto bytesLeft = [&] {
             return sizes[0] - std::min(sizes[0], output_.Taken()) + sizes[1] -
                    std::min(sizes[1], errors_.Taken());
         };
-        const ULONGLONG end = GetTickCount64() + kLastLinesTime;
-        while (bytesLeft() > 0 && GetTickCount64() < end) {
-            if (!witness_.TakesMore()) Sleep(kTick);
+        ULONGLONG taken = GetTickCount64();
+        while (bytesLeft() > 0 && GetTickCount64() - taken < kLastLinesTime) {
+            if (witness_.TakesMore())
+                taken = GetTickCount64();
+            else
+                Sleep(kTick);
             TakeLines();
         }
         run_.bytesLeft = bytesLeft();
-        const auto installer = family_.Installer();
-        if (run_.bytesLeft > 0 || (installer && installer->stillRunning)) return;
+        if (run_.bytesLeft > 0 || (run_.installer && run_.installer->stillRunning)) return;
         for (WatchedStream* const stream : {&output_, &errors_})
             Add(stream->TakeRest());
     }
@@ -158,6 +163,7 @@ class Watch {
     void EndAfterFailure() {
         run_.exitCode = static_cast<std::uint32_t>(kOwnMistake);
         if (IsRunning(family_.Launcher())) family_.EndLauncher(run_.exitCode);
+        run_.launcher = family_.SeenLauncher();
     }
 
     const RunRequest& request_;
@@ -171,6 +177,7 @@ class Watch {
     std::vector<DWORD> reporters_;
     ULONGLONG reportersLookedFor_ = 0;
     bool installerIsThere_ = false;
+    bool isBehind_ = false;      // there is more to take at once
     std::size_t keptBytes_ = 0;  // what the lines so far come to
     WatchedRun run_;
 };

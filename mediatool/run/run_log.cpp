@@ -3,7 +3,6 @@
 #include <atomic>
 
 #include "fs/exceptions.h"
-#include "fs/text.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
@@ -44,9 +43,11 @@ void RunLog::Begin(const std::string& heading) {
 
 void RunLog::Add(const std::string& lines) {
     const std::string number = std::to_string(GetCurrentProcessId()) + "  ";
-    std::string numbered = number + lines;
-    ReplaceAll(numbered, "\n", "\n" + number, number.size());
-    numbered.resize(numbered.size() - number.size());  // behind the last line
+    std::string numbered;  // in one pass: these may be megabytes
+    for (std::size_t begin = 0, end = 0; begin < lines.size(); begin = end) {
+        end = lines.find('\n', begin) + 1;
+        numbered.append(number).append(lines, begin, end - begin);
+    }
     outbox_.Add([file = file_](const std::string& text) { file->Write(text); }, numbered);
 }
 

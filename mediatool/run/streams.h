@@ -21,12 +21,13 @@ class WatchedStream {
     HANDLE ForLauncher() const { return file_.Writer(); }
     void CloseOwnEnd() { file_.CloseWriter(); }
 
-    // The lines that are complete, 4 MB at most. `installerIsThere`: it was before what is read
+    // The lines that are complete, 1 MB at most. `installerIsThere`: it was before what is read
     // here was written.
     std::vector<SeenLine> TakeLines(bool installerIsThere);
     // The last one, without its end, when nobody is left to complete it.
     std::vector<SeenLine> TakeRest();
 
+    bool HasMore() const { return file_.Size() > file_.Taken(); }
     std::uint64_t Size() const { return file_.Size(); }
     std::uint64_t Taken() const { return file_.Taken(); }
 

@@ -83,6 +83,11 @@ TEST_F(Log, HoldsWhyNothingWasStarted) {
     EXPECT_THAT(Text(), HasSubstr("  mediatool  Windows cannot start \""));
 }
 
+TEST_F(Log, HoldsThatTheMediumCannotBeReached) {
+    RunMediatool({"run", "no such folder", "--log", scratch.Text("log.txt")}, scratch.Dir(), {});
+    EXPECT_THAT(Text(), HasSubstr("  mediatool  There is no folder \"no such folder\".\r\n"));
+}
+
 TEST_F(Log, HoldsWhatWasWrittenBeforeMediatoolEnded) {
     const NamedEvent event;
     const Media media = ActingMedia("print early|wait " + event.Name());

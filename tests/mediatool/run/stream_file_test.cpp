@@ -68,14 +68,14 @@ TEST_F(StreamFileTest, EndsALineWithoutAnEndAfterAMegabyte) {
     EXPECT_THAT(file.TakeLines(), ElementsAre(megabyte.substr(1) + "\u00FC"));
 }
 
-TEST_F(StreamFileTest, TakesNoMoreThanFourMegabytesAtOnce) {
+TEST_F(StreamFileTest, TakesNoMoreThanAMegabyteAtOnce) {
     StreamFile file;
     const std::string line = std::string((1 << 20) - 1, 'x') + "\n";
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 2; ++i)
         WriteTo(file.Writer(), line);
-    EXPECT_EQ(file.TakeLines().size(), 4u);
-    EXPECT_EQ(file.Taken(), 4u << 20);
-    EXPECT_EQ(file.Size(), 5u << 20);
+    EXPECT_EQ(file.TakeLines().size(), 1u);
+    EXPECT_EQ(file.Taken(), 1u << 20);
+    EXPECT_EQ(file.Size(), 2u << 20);
     EXPECT_EQ(file.TakeLines().size(), 1u);
 }
 

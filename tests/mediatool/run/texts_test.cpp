@@ -123,6 +123,11 @@ TEST(Meaning, OfARefusal) {
               "The launcher refuses; the message says why.");
 }
 
+TEST(Meaning, OfAnInstallerThatCrashed) {
+    EXPECT_EQ(MeaningOf(RunWith(1, true, "Cannot wait for process\nrc=0"), {}),
+              "The launcher's, for an installer that crashed; see the installer's own log.");
+}
+
 TEST(Meaning, WithoutWaiting) {
     EXPECT_EQ(Meaning(RunWith(0, true), false),
               "The launcher has started the installer, and does not wait for it.");
@@ -180,6 +185,20 @@ TEST(Summary, ShowsALargeCodeAsPeopleKnowItToo) {
               "Exit code\n"
               "  3221225477 (0xC0000005): The launcher's; not one that it has of its own.\n"
               "Time\n  0:00:00\n");
+}
+
+TEST(Summary, ShowsABoxOfSeveralLinesAsOne) {
+    const WatchedRun run = RunWith(1, false, "First\r\nsecond\x1B\r\n");
+    EXPECT_THAT(TextOf(run, {}, false), testing::HasSubstr("waited\n  First\n    second\\x1B\n"));
+}
+
+TEST(Summary, GivesRemediesInTheOrderOfTheMessages) {
+    WatchedRun run = RunWith(1, false, "Bad -env argument");
+    run.boxes.back().at = 2;
+    run.lines.push_back({" WARN: Bad -installerPath argument", Origin::LauncherOutput, 1});
+    const std::string text = TextOf(run, {}, false);
+    EXPECT_LT(text.find("  Bad -installerPath argument\n    "),
+              text.rfind("  Bad -env argument\n    "));
 }
 
 TEST(Summary, NamesEachRemedyOnce) {

@@ -26,11 +26,16 @@ struct TestWitness : Witness {
         if (sees) sees();
     }
     void Saw(const AnsweredBox&) override {}
-    void TimePassed(std::uint64_t) override { ++ticks; }
-    bool TakesMore() override { return ticks >= ticksWithoutRoom; }
+    void TimePassed(std::uint64_t milliseconds) override {
+        ++ticks;
+        passed = milliseconds;
+    }
+    bool TakesMore() override { return takes ? takes() : ticks >= ticksWithoutRoom; }
 
     std::vector<std::string> seen;
     std::function<void()> sees;
+    std::function<bool()> takes;
+    std::uint64_t passed = 0;
     int ticks = 0;
     int ticksWithoutRoom = 0;
 };
@@ -127,6 +132,25 @@ TEST_F(WatchTest, GoesOnWithoutRoomForLines) {
     const WatchedRun run = Run("lines 100|wait " + event_.Name());
     EXPECT_EQ(run.exitCode, 124u);
     EXPECT_EQ(run.bytesLeft, 10'000u);
+}
+
+// Which ends it later, and maybe itself, while its lines are still being taken.
+TEST_F(WatchTest, TakesNoHalfLineOfAnInstallerThatGoesOn) {
+    request_.timeLimit = 2000;
+    witness_.takes = [this] {
+        // From here on the launcher has ended, and the installer has not.
+        if (witness_.passed < *request_.timeLimit || test::RunningBelow(folder_.Dir()).size() > 1)
+            return false;
+        event_.Set();
+        return test::NoneRunsBelow(folder_.Dir());
+    };
+    const WatchedRun run =
+        Run("child print whole,piece half,wait " + event_.Name() + "|wait " + event_.Name());
+    EXPECT_EQ(run.exitCode, 124u);
+    EXPECT_EQ(witness_.seen, std::vector<std::string>{"whole"});
+    ASSERT_TRUE(run.installer);
+    EXPECT_TRUE(run.installer->stillRunning);
+    EXPECT_THAT(MeaningOf(run, request_), testing::EndsWith(" goes on."));
 }
 
 // Nobody would let it go on if mediatool were killed before it did.
