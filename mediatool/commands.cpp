@@ -24,7 +24,7 @@ namespace {
 
 struct ValidateCommand {
     explicit ValidateCommand(CLI::App& app)
-        : command(app.add_subcommand("validate", "Look for mistakes in a media.")) {
+        : command(app.add_subcommand("validate", "Look for mistakes on a medium.")) {
         command
             ->add_option("media", request.folders,
                          "The media's folder; or the folders of its volumes.")
@@ -66,7 +66,7 @@ struct ValidateCommand {
 
 struct DryRunCommand {
     explicit DryRunCommand(CLI::App& app)
-        : command(app.add_subcommand("dry-run", "Rehearse a run of a media's launcher.")) {
+        : command(app.add_subcommand("dry-run", "Rehearse a run of a medium's launcher.")) {
         command->add_option("media", request.media, "The media's folder.")->required();
         command->add_option("--windows", windows, "The pretended Windows: 7, 8, 8.1, 10 or 11.")
             ->check(OneOf({"7", "8", "8.1", "10", "11"}));

@@ -30,7 +30,7 @@ int NumberGiven(const std::string& option, const std::string& text) {
 }  // namespace
 
 CreateCommand::CreateCommand(CLI::App& app)
-    : command(app.add_subcommand("create", "Write the count file and markers of a media.")) {
+    : command(app.add_subcommand("create", "Write the count file and markers of a disc set.")) {
     command->add_option("--id", request_.id, "The identifier of the media.")->required();
     command->add_option("--layout", layout_, "How the volumes lie.")
         ->required()
@@ -82,7 +82,7 @@ int CreateCommand::Run() {
 }
 
 ChecksumCommand::ChecksumCommand(CLI::App& app)
-    : command(app.add_subcommand("checksum", "Write the checksums of a media's files.")) {
+    : command(app.add_subcommand("checksum", "Write the checksums of a medium's files.")) {
     command
         ->add_option("media", request_.folders,
                      "The media's folder; or the folders of its volumes.")

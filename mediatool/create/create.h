@@ -58,7 +58,7 @@ struct Creation {
 // another set that would spoil this one is in the way even when files may be written over.
 Creation Create(const CreateRequest& request);
 
-// What is left to do before it is a media, as lines of text; empty when nothing is.
+// What is left to do before it is a medium, as lines of text; empty when nothing is.
 std::string NextStep(const Creation& creation);
 
 }  // namespace launcher::mediatool

@@ -16,7 +16,7 @@
 
 namespace launcher::mediatool {
 RunCommand::RunCommand(CLI::App& app)
-    : command(app.add_subcommand("run", "Run a media's launcher unattended.")) {
+    : command(app.add_subcommand("run", "Run a medium's launcher unattended.")) {
     command->add_option("media", media_, "The media's folder.")->required();
     command
         ->add_option("--time-limit", timeLimit_,
