@@ -13,7 +13,7 @@ namespace launcher::mediatool {
 namespace {
 
 constexpr std::size_t kReadAtOnce = 1 << 16;
-constexpr std::uint64_t kTakeAtOnce = 1 << 20;
+constexpr std::uint64_t kTakeAtOnce = 2 << 20;
 constexpr std::size_t kLongestLine = 1 << 20;
 constexpr char kReplacement[] = "\xEF\xBF\xBD";
 

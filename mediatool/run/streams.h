@@ -21,7 +21,7 @@ class WatchedStream {
     HANDLE ForLauncher() const { return file_.Writer(); }
     void CloseOwnEnd() { file_.CloseWriter(); }
 
-    // The lines that are complete, 1 MB at most. `installerIsThere`: it was before what is read
+    // The lines that are complete, 2 MB at most. `installerIsThere`: it was before what is read
     // here was written.
     std::vector<SeenLine> TakeLines(bool installerIsThere);
     // The last one, without its end, when nobody is left to complete it.

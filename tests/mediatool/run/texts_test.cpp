@@ -119,8 +119,6 @@ TEST(Meaning, OfTheInstallersCode) {
 TEST(Meaning, OfARefusal) {
     EXPECT_EQ(Meaning(RunWith(1, false, "text"), true),
               "The launcher refuses; the message says why.");
-    EXPECT_EQ(Meaning(RunWith(1, true, "Cannot wait for process\nx"), true),
-              "The launcher refuses; the message says why.");
 }
 
 TEST(Meaning, OfAnInstallerThatCrashed) {
