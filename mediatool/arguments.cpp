@@ -30,10 +30,10 @@ std::string Listed(const std::vector<std::string>& names, const std::string& com
 std::size_t Distance(const std::string& from, const std::string& to) {
     std::vector<std::size_t> row(to.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i) {
+    for (const char c : from) {
         std::size_t diagonal = row[0]++;
         for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
+            const std::size_t replaced = diagonal + (c == to[j] ? 0 : 1);
             diagonal = row[j + 1];
             row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
         }

@@ -31,7 +31,7 @@ std::string Harmless(const std::string& text, std::string_view kept) {
         if (byte == 0xC2 && next >= 0x80 && next < 0xA0) {  // U+0080 to U+009F
             show(next);
             ++i;
-        } else if ((byte < 0x20 || byte == 0x7F) && kept.find(text[i]) == kept.npos) {
+        } else if ((byte < 0x20 || byte == 0x7F) && kept.find(text[i]) == std::string_view::npos) {
             show(byte);
         } else {
             harmless += text[i];

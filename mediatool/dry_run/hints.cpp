@@ -23,8 +23,9 @@ void AddMistakenOptions(std::vector<std::string>& hints,
     for (const std::string& argument : arguments)
         for (const std::string option : kOptions)
             if (argument != option && SameName(argument, option))
-                hints.push_back(Quoted(argument) +
-                                " goes to the installer; the launcher's option is " + option + ".");
+                hints.emplace_back(Quoted(argument) +
+                                   " goes to the installer; the launcher's option is " + option +
+                                   ".");
 }
 
 // As Copy would count it.
@@ -54,19 +55,19 @@ void AddRoom(std::vector<std::string>& hints, const DryRun& run, const Path& med
     const PretendedCopy& copy = run.journal.copy;
     if (!copy.room || copy.bytes <= *copy.room) return;
     const std::uint64_t needed = std::max(copy.bytes, BytesToCopy(media));
-    hints.push_back("The copy needs at least " + Grouped(needed - *copy.room) +
-                    " bytes more than are free in " + run.temp + ": " + Grouped(needed) +
-                    " instead of " + Grouped(*copy.room) + ".");
+    hints.emplace_back("The copy needs at least " + Grouped(needed - *copy.room) +
+                       " bytes more than are free in " + run.temp + ": " + Grouped(needed) +
+                       " instead of " + Grouped(*copy.room) + ".");
 }
 
 void AddTemp(std::vector<std::string>& hints, const DryRun& run, const Path& media) {
     if (run.journal.copy.contents.empty()) return;
     if (std::ranges::any_of(run.temp, [](char c) { return static_cast<unsigned char>(c) >= 0x80; }))
-        hints.push_back(
+        hints.emplace_back(
             "remove.bat cannot name the temporary folder, whose path holds letters outside ASCII: "
             "the copy stays. Set TEMP to a folder with a plain name.");
     if (IsBelow(FullPath(run.temp), Join(media, kInstFolder)))
-        hints.push_back(
+        hints.emplace_back(
             "TEMP lies in the folder that is copied: the copy holds parts of itself. Which ones "
             "depends on Windows and is not foreseen.");
 }
@@ -80,7 +81,7 @@ std::vector<std::string> HintsOf(const DryRun& run, const LaunchOptions* options
     AddRoom(hints, run, media);
     AddTemp(hints, run, media);
     if (run.installer && !run.isAdministrator && AsksForElevation(Path(run.installer->foundAt)))
-        hints.push_back(
+        hints.emplace_back(
             "The installer's manifest asks for elevation: Windows does not start it for a user "
             "without (code 740).");
     return hints;

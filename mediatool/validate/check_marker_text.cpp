@@ -77,7 +77,8 @@ std::string CheckMarkerText(const Path& marker, Findings& out) {
     if (isHidden) return id;
     const std::vector<std::string> lines = LinesOf(bytes);
     const bool isCrOnly = !Contains(bytes, '\n') && bytes.find('\r') < bytes.size() - 1;
-    if (id.empty() && isCrOnly && bytes.find(std::string("\r") + kMtbDirPrefix) != bytes.npos) {
+    if (id.empty() && isCrOnly &&
+        bytes.find(std::string("\r") + kMtbDirPrefix) != std::string::npos) {
         out.Add("volume-marker-cr-only/unread", marker);
         return id;
     }

@@ -27,7 +27,8 @@ void WriteDown(Message message) {
 
 // A box ends at a zero byte.
 void ShowBox(const std::string& text, Severity severity) {
-    WriteDown({text.c_str(), severity, /*box=*/true, /*toErrors=*/false, /*dialog=*/false});
+    WriteDown({text.substr(0, text.find('\0')), severity, /*box=*/true, /*toErrors=*/false,
+               /*dialog=*/false});
 }
 
 void WriteConsoleLine(const std::string& text, Severity severity, bool toErrors) {
