@@ -7,6 +7,7 @@
 #include <bcrypt.h>
 
 #include "fs/owners.h"
+#include "platform/owners.h"
 
 namespace launcher::mediatool {
 
@@ -23,6 +24,7 @@ using KernelObject = Owner<KernelObjectTraits>;  // OpenProcess, CreateJobObject
 struct Cryptography {
     Cryptography();
 
+    Library library;
     decltype(&BCryptOpenAlgorithmProvider) openProvider;
     decltype(&BCryptCreateHash) createHash;
     decltype(&BCryptHashData) hashData;

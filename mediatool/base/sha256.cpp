@@ -32,7 +32,8 @@ Cryptography::Cryptography() {
     wchar_t folder[MAX_PATH] = {};
     GetSystemDirectoryW(folder, MAX_PATH);
     const std::wstring path = folder + std::wstring(L"\\") + kLibrary;
-    Check(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH) == nullptr ? -1 : 0);
+    library = Library(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    Check(library ? 0 : -1);
     openProvider = ModuleFunction<decltype(openProvider)>(kLibrary, "BCryptOpenAlgorithmProvider");
     createHash = ModuleFunction<decltype(createHash)>(kLibrary, "BCryptCreateHash");
     hashData = ModuleFunction<decltype(hashData)>(kLibrary, "BCryptHashData");

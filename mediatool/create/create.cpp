@@ -37,9 +37,10 @@ Creation CreationOf(const CreateRequest& request, const Plan& plan) {
 class Carrying {
   public:
     Carrying(const CreateRequest& request, const Plan& plan, const Creation& creation)
-        : request_(request), plan_(plan), writer_(plan) {
-        copied_ = {"Copying", 0, creation.copiedFiles, 0, creation.copiedBytes};
-    }
+        : request_(request),
+          plan_(plan),
+          writer_(plan),
+          copied_{"Copying", 0, creation.copiedFiles, 0, creation.copiedBytes} {}
 
     void Run() {
         try {
