@@ -43,7 +43,7 @@ int RunCommand::Run(std::vector<std::string> launcherArguments) {
     const std::string commandLine = CommandLineOf(request.launcher, request.arguments);
     if (WideLength(commandLine) > kLongestCommandLine)
         throw BadInput("The launcher's arguments are longer than Windows takes.");
-    Reporter reporter(log_, json_);
+    Reporter reporter(IsNoLog(log_) ? "" : log_, json_);
     reporter.Begin(commandLine);
     try {  // the log must end with the reason too, of a share that cannot be reached for instance
         if (!IsFolder(FullPath(media_)))
@@ -69,10 +69,7 @@ RunRequest RunCommand::Request(std::vector<std::string> launcherArguments) const
     request.launcher = Join(folder, kLauncherName).Text();
     request.arguments = std::move(launcherArguments);
     if (command->count("--time-limit") > 0) request.timeLimit = TimeLimitOf(timeLimit_);
-    if (command->count("--log") > 0) {
-        if (log_.empty()) throw BadInput("--log is empty.");
-        RefuseLogIn(folder, Path(request.launcher), log_);
-    }
+    if (command->count("--log") > 0) CheckLog(folder, Path(request.launcher), log_);
     request.endInstaller = endInstaller_;
     return request;
 }
