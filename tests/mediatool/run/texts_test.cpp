@@ -178,6 +178,21 @@ TEST(HarmlessText, HasNoControlCharactersButTabsAndLineEnds) {
     EXPECT_EQ(OnOneLine("a\nb\r\n"), "a\\x0Ab");
 }
 
+// "setup\u202Efdp.exe" would look like "setupexe.pdf".
+TEST(HarmlessText, HasNoCharactersThatTurnOthersOrCannotBeSeen) {
+    EXPECT_EQ(Harmless("a\u202Eb\u2066c\u061Cd\u200B\u2028\uFEFF"),
+              "a\\u202Eb\\u2066c\\u061Cd\\u200B\\u2028\\uFEFF");
+    // Next to those, joined letters and signs, and bytes that are no text.
+    for (const std::string text :
+         {"\u061B\u200A\u202F\u205F\u2070\uFEFE", "\u0645\u06CC\u200C\u062E",
+          "\U0001F468\u200D\U0001F469", "\xE2\x80", "\x80\x9B", "\xFF\xAE\xAE\xAE"})
+        EXPECT_EQ(Harmless(text), text);
+}
+
+TEST(ControlsShownInText, LeavesOtherCharacters) {
+    EXPECT_EQ(ControlsShown("\tb\r\u009B\u202E\uFEFF", "\t"), "\tb\\x0D\\x9B\u202E\uFEFF");
+}
+
 TEST(Summary, ShowsALargeCodeAsPeopleKnowItToo) {
     EXPECT_EQ(TextOf(RunWith(0xC0000005, false), {}, false),
               "Exit code\n"
