@@ -131,6 +131,20 @@ TEST(Meaning, WithoutWaiting) {
               "The launcher has started the installer, and does not wait for it.");
 }
 
+TEST(Meaning, OfTheNumberOfVolumes) {
+    RunRequest request;
+    request.arguments = {"-env", "ZEPAdmODTMultiVolumes=1"};
+    const std::string number =
+        "The number of volumes, which ZEPAdmODTMultiVolumes asks for; nothing was started.";
+    for (const std::uint32_t count : {0u, 1u, 3u})
+        EXPECT_EQ(MeaningOf(RunWith(count, false), request), number);
+    request.arguments.emplace_back("-wait");
+    EXPECT_EQ(MeaningOf(RunWith(3, false), request), number);
+    EXPECT_EQ(MeaningOf(RunWith(1, false, "text"), request),
+              "The launcher refuses; the message says why.");
+    EXPECT_THAT(MeaningOf(RunWith(0xC0000005, false), request), testing::EndsWith("launcher's."));
+}
+
 TEST(Meaning, OfAnEndNamesTheInstaller) {
     WatchedRun run = RunWith(124, true);
     run.endedBy = EndedBy::TimeLimit;
