@@ -119,8 +119,8 @@ void Reporter::SayWhatIsMissing(const WatchedRun& run) {
         Say("The JSON holds " + std::to_string(kKeptLines >> 20) + " MB of lines; the last " +
             std::to_string(run.linesLeftOut) + " are left out of it." +
             (log_ ? " The log has them all." : ""));
-    if (run.bytesLeft > 0)
-        Say("The last " + std::to_string(run.bytesLeft) +
+    if (run.bytesLeftOut > 0)
+        Say("The last " + std::to_string(run.bytesLeftOut) +
             " bytes of output were not taken down: there was no time for them.");
 }
 

@@ -261,7 +261,7 @@ TEST_F(ReporterTest, LeavesOutWhatNobodyReads) {
 TEST_F(ReporterTest, SaysHowManyLinesTheJsonLacks) {
     WatchedRun run;
     run.linesLeftOut = 7;
-    run.bytesLeft = 12;
+    run.bytesLeftOut = 12;
     Reporter(LogName(), true).Conclude(run, {});
     EXPECT_EQ(Text("errors"),
               "mediatool: The JSON holds 32 MB of lines; the last 7 are left out of it. The log "
@@ -269,6 +269,7 @@ TEST_F(ReporterTest, SaysHowManyLinesTheJsonLacks) {
               "mediatool: The last 12 bytes of output were not taken down: there was no time for "
               "them.\n");
     EXPECT_EQ(Json::parse(Text("output"))["linesLeftOut"], 7);
+    EXPECT_EQ(Json::parse(Text("output"))["bytesLeftOut"], 12);
 }
 
 TEST_F(ReporterTest, ShowsControlCharactersInsteadOfSendingThem) {
