@@ -75,9 +75,11 @@ void Reporter::ConcludeWith(const std::string& sentence, int exitCode) {
 
 void Reporter::Saw(const std::vector<SeenLine>& lines) {
     std::string told;
-    for (const SeenLine& line : lines)
+    for (const SeenLine& line : lines) {
         told += LineOf(line.at, SourceOf(line.origin), line.text);
-    last_ = lines.back().text;
+        const bool isBlank = line.text.find_first_not_of(" \t") == std::string::npos;
+        if (!isBlank) last_ = line.text;
+    }
     Tell(told);
 }
 

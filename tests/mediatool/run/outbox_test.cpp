@@ -289,5 +289,25 @@ TEST_F(ReporterTest, ShowsControlCharactersInsteadOfSendingThem) {
     EXPECT_THAT(Text("log.txt"), HasSubstr("a\tb\\x1B[2Jc\\x7F\r\n"));
 }
 
+// The last line of a terminal goes on saying what was last said.
+TEST_F(ReporterTest, ShowsEmptyLinesButNotAsTheLastMessage) {
+    const test::Hook<decltype(&GetConsoleScreenBufferInfo)> hook(
+        "GetConsoleScreenBufferInfo", [](auto, HANDLE, CONSOLE_SCREEN_BUFFER_INFO* info) -> BOOL {
+            *info = {};
+            info->srWindow.Right = 79;
+            return TRUE;
+        });
+    {
+        Reporter reporter(LogName(), false);
+        reporter.Begin("setup.exe");
+        for (const char* line : {"one", "", "  "})
+            reporter.Saw(Lines(1, line));
+        reporter.TimePassed(1000);
+    }
+    EXPECT_THAT(Text("output"), HasSubstr("  installer  one\n"));
+    EXPECT_THAT(Text("output"), HasSubstr("  installer  \n"));
+    EXPECT_THAT(Text("errors"), StartsWith("\r0:00:01  one"));
+}
+
 }  // namespace
 }  // namespace launcher::mediatool
