@@ -209,6 +209,14 @@ TEST(Identifiers, ThatAZeroByteTellsApartDoNotDifferInCase) {
     EXPECT_FALSE(Has(validation, "volume-id-case-differs")) << Ids(validation);
 }
 
+// Those are shown in what is printed, but are no control characters.
+TEST(Identifiers, MayHaveCharactersThatCannotBeSeen) {
+    SampleMedia media(Layout::Siblings);
+    for (const char* name : {"1.txt", kTwo, "../3/3.txt"})
+        media.Marker(name, "SET\u200B\u202E\uFEFF");
+    EXPECT_EQ(Changes(media.Validate(), Layout::Siblings), "");
+}
+
 TEST(Identifiers, InComposedAndDecomposedLettersAreSpeltOut) {
     SampleMedia media(Layout::Siblings);
     media.Marker("1.txt", "S\xC3\x89T").Marker("../3/3.txt", "S\xC3\x89T");
