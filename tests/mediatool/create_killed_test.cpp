@@ -82,7 +82,7 @@ class KilledCreate : public Command {
         std::mt19937 random(kSeed);
         int reported = 0;
         for (int i = 0; i < Kills(); ++i) {
-            std::filesystem::remove_all(scratch.Dir() / "out");
+            RemoveAll(scratch.Dir() / "out");
             for (const auto& [name, content] : before)
                 if (content != "/") scratch.Write("out/" + name, content);
             const DWORD moment = i == 0 ? 0 : random() % (whole + 1);
