@@ -33,7 +33,7 @@ void AddSwallowedArguments(std::vector<std::string>& hints,
                            const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         const std::size_t quote = argument.find('"');
-        if (quote != std::string::npos && argument.find('\\') < quote && argument[quote - 1] != '=')
+        if (quote != std::string::npos && argument.find('\\') < quote)
             hints.emplace_back("The argument " + ExplainQuoteIn(argument, quote));
     }
 }

@@ -219,12 +219,9 @@ TEST(ChecksumList, TellsItsFirstBadLine) {
 
 class ChecksumCommandTest : public testing::Test {
   protected:
-    mediatool::Checksums Write() const {
-        mediatool::ChecksumRequest request;
-        request.folders = {media.Text()};
-        request.force = force;
-        return mediatool::WriteChecksums(request);
-    }
+    ChecksumCommandTest() { request.folders = {media.Text()}; }
+
+    mediatool::Checksums Write() const { return mediatool::WriteChecksums(request); }
     std::string Complaint() const {
         try {
             Write();
@@ -234,7 +231,7 @@ class ChecksumCommandTest : public testing::Test {
         return "none";
     }
     SampleMedia media{Layout::Siblings};
-    bool force = false;
+    mediatool::ChecksumRequest request;
 };
 
 TEST_F(ChecksumCommandTest, WritesAListIntoEveryVolumeThatIsFound) {
@@ -249,9 +246,19 @@ TEST_F(ChecksumCommandTest, WritesOverAListByForceOnly) {
     media.Write("../3/SHA256SUMS", "old");
     EXPECT_THAT(Complaint(), testing::EndsWith("is there already; --force writes over it."));
     EXPECT_FALSE(stdfs::exists(FromUtf8(media.Text("SHA256SUMS"))));
-    force = true;
+    request.force = true;
     EXPECT_EQ(Complaint(), "none");
     EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::HasSubstr("  3.txt\n"));
+}
+
+TEST_F(ChecksumCommandTest, TellsHowFarItIs) {
+    std::vector<mediatool::Amounts> told;
+    request.progress = [&](const mediatool::Amounts& amounts) { told.push_back(amounts); };
+    const mediatool::Checksums checksums = Write();
+    ASSERT_GT(told.size(), 1u);
+    EXPECT_EQ(told.front().allFiles, checksums.files);
+    EXPECT_EQ(told.front().allBytes, checksums.bytes);
+    EXPECT_EQ(told.back().bytes, checksums.bytes);
 }
 
 // Nor the system's own folders at the root of a drive, nor what a run that was killed has left.

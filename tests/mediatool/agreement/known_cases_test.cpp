@@ -181,6 +181,15 @@ TEST_F(KnownCase, BoxWhoseTextHoldsAZeroByte) {
     EXPECT_THAT(texts, testing::Contains("Volume 2 of OTH"));
 }
 
+TEST_F(KnownCase, WholeSetOfWhichBoxesTell) {
+    media_.AddInstaller(os_).MakeSplit(2, "SET");
+    made_.variables["ZEP_TraceMsgBox"] = "1";
+    WriteVolumeMarker(files_.Dir() / "2", 2, "SET");
+    EXPECT_EQ(Compare()["volumes"]["layout"], "siblings");
+    WriteVolumeMarker(media_.Root(), 2, "SET");
+    EXPECT_EQ(Compare()["volumes"]["layout"], "one-folder");
+}
+
 TEST_F(KnownCase, FolderOfTheOptionThatIsRelative) {
     UseOtherMedia();
     made_.arguments = {"-installerPath", ".\\nothing", "-env",

@@ -35,6 +35,11 @@ bool TakeRest(const std::string& line, const std::string& start, std::string& re
     return true;
 }
 
+// The same of a trace message, which may come in a box.
+bool TakeRestOfTrace(const std::string& line, const std::string& start, std::string& rest) {
+    return TakeRest(line, "       " + start, rest) || TakeRest(line, "box: " + start, rest);
+}
+
 }  // namespace
 
 std::string WithoutUuid(const std::string& text) {
@@ -132,9 +137,9 @@ FoundVolumes VolumesIn(const LauncherRun& real) {
     for (const std::string& line : Said(real)) {
         if (TakeRest(line, "This media is composed of ", rest))
             found.isSplit = !rest.starts_with("m");
-        if (TakeRest(line, "       All volumes found in: ", rest)) found.areInOneFolder = true;
-        if (TakeRest(line, "       AM volume ", rest)) found.areInOuterVolumes = true;
-        if (TakeRest(line, "       Volume ", rest) && TakeRest(rest, " found in: ", rest))
+        if (TakeRestOfTrace(line, "All volumes found in: ", rest)) found.areInOneFolder = true;
+        if (TakeRestOfTrace(line, "AM volume ", rest)) found.areInOuterVolumes = true;
+        if (TakeRestOfTrace(line, "Volume ", rest) && TakeRest(rest, " found in: ", rest))
             found.folders.push_back(rest);
     }
     return found;
