@@ -47,7 +47,7 @@ class StaleMarkers {
     // Volumes of the new set in outer volumes that it does not have.
     void CheckOuterVolumes() const {
         if (request_.layout != Layout::Outer && request_.volumes > 1) return;
-        for (const VolumeInOuter& volume : VolumesInOuter(plan_.VolumeOne(), request_.id))
+        for (const VolumeInOuter& volume : VolumesInOuter(plan_.VolumeOne(), request_.id, MarkerIds()))
             if (!IsWritten(volume.marker)) RefuseOther(volume.marker);
     }
 

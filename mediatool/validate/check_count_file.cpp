@@ -88,7 +88,7 @@ void CheckAbsence(const Subject& subject, Findings& out) {
         const Path file = Join(subject.Inst(), name);
         check(file, IsFile(file), "count-file-misspelt");
     }
-    if (!isElsewhere && !ReadMtbDir(MarkerIn(subject.Media(), 1).Text()).empty())
+    if (!isElsewhere && !subject.ids.In(MarkerIn(subject.Media(), 1)).empty())
         out.Add("count-file-missing", CountFileIn(subject.Media()));
 }
 

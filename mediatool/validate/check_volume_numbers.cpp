@@ -7,7 +7,6 @@
 #include "mediatool/base/files.h"
 #include "mediatool/media/marker_bytes.h"
 #include "mediatool/validate/checks.h"
-#include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -21,7 +20,8 @@ class VolumeNumbers {
           layout_(subject.view.layout),
           count_(subject.view.count->count),
           folders_(subject.view.folders),
-          id_(ReadMtbDir(MarkerIn(media_, 1).Text())) {}
+          ids_(subject.ids),
+          id_(ids_.In(MarkerIn(media_, 1))) {}
 
     void Check(const std::vector<Path>& given) {
         if (id_.empty() || count_ < 1) return;
@@ -43,7 +43,7 @@ class VolumeNumbers {
 
   private:
     Path Beside(VolumeNumber k) const { return Join(parent_, std::to_string(k)); }
-    bool IsOurs(const Path& marker) const { return ReadMtbDir(marker.Text()) == id_; }
+    bool IsOurs(const Path& marker) const { return ids_.In(marker) == id_; }
 
     // The other numbers in the folder of volume `own`.
     void CheckFolder(VolumeNumber own, const Path& folder) {
@@ -91,7 +91,7 @@ class VolumeNumbers {
     }
 
     void CheckOuterVolumesBeyond() {
-        for (const VolumeInOuter& volume : VolumesInOuter(media_, id_))
+        for (const VolumeInOuter& volume : VolumesInOuter(media_, id_, ids_))
             if (volume.number > count_) ReportBeyond(volume.marker);
     }
 
@@ -106,7 +106,8 @@ class VolumeNumbers {
     Layout layout_;
     int count_;
     const std::vector<std::string>& folders_;  // of the volumes that the launcher finds
-    std::string id_;                           // of the set
+    const MarkerIds& ids_;
+    const std::string& id_;  // of the set
     bool isAnyTwice_ = false;
 };
 

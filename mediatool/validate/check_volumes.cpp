@@ -12,7 +12,6 @@
 #include "mediatool/validate/given_volumes.h"
 #include "mediatool/validate/lost_volumes.h"
 #include "mediatool/validate/outer_volumes.h"
-#include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -40,7 +39,7 @@ class Volumes {
     }
 
     void Check() {
-        CheckMarkerText(MarkerIn(set_.first, 1), out_);
+        CheckMarkerText(MarkerIn(set_.first, 1), set_.id, out_);
         const Layout layout = MeantLayout();
         if (layout == Layout::OneFolder)
             CheckOneFolder();
@@ -169,7 +168,7 @@ void CheckVolumes(const Subject& subject, Findings& out) {
     const bool isIncomplete = view.layout == Layout::Incomplete;
     if (!isIncomplete) CheckGiven(subject, out);
     if (view.layout == Layout::NotSplit || !view.count) return;
-    const DiscSet set{subject.Media(), view.id, view.count->count};
+    const DiscSet set{subject.Media(), view.id, view.count->count, subject.ids};
     const std::size_t before = out.Size();
     if (set.id.empty())
         CheckVolume(

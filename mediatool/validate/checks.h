@@ -9,6 +9,7 @@
 #include "mediatool/media/launcher_view.h"
 #include "mediatool/media/media_set.h"
 #include "mediatool/validate/findings.h"
+#include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 
@@ -26,6 +27,7 @@ struct Subject {
     MediaSet set;
     std::vector<FlavourHere> flavours;  // all, the launcher's first choice first
     LauncherView view;
+    MarkerIds ids;
     // The temporary folder of the users that the medium is for; empty for the longest usual one.
     std::string temp;
     // Told of every entry that is looked at; may be empty.
@@ -63,8 +65,8 @@ Amounts CheckChecksums(const Subject& subject, const TellAmounts& progress, Find
 // An identifier, as it is in `marker`.
 void CheckIdentifier(const std::string& id, const Path& marker, Findings& out);
 
-// The text of one volume marker that is there. Returns the identifier that the launcher reads from
-// it, empty when it reads none.
-std::string CheckMarkerText(const Path& marker, Findings& out);
+// The text of one volume marker that is there, of which the launcher reads the identifier `id`, or
+// none.
+void CheckMarkerText(const Path& marker, const std::string& id, Findings& out);
 
 }  // namespace launcher::mediatool

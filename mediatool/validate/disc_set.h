@@ -7,6 +7,7 @@
 #include "fs/path.h"
 #include "media/volume_numbers.h"
 #include "mediatool/validate/findings.h"
+#include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 
@@ -15,6 +16,10 @@ struct DiscSet {
     Path first;      // the folder of volume 1
     std::string id;  // that all its volumes have
     int count;       // of its volumes
+    const MarkerIds& ids;
+
+    // Whether the marker is there, and is one of this set.
+    bool Has(const Path& marker) const { return ids.In(marker) == id; }
 };
 
 // The folder where the launcher looks for a volume, in one of the layouts.
@@ -27,7 +32,7 @@ bool CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf
 // Reports a volume, or an outer one, that is in a folder of its own in `folder`, its place, by the
 // marker `name` with the identifier `id`. False, and nothing reported, when there is none.
 bool CheckDepth(const std::string& volume, const Path& folder, const std::string& name,
-                const std::string& id, Findings& out);
+                const std::string& id, const MarkerIds& ids, Findings& out);
 
 // The volumes from one number to another that are neither there nor reported for another reason.
 // Of a thousand, only the first are named.

@@ -4,7 +4,6 @@
 
 #include "mediatool/base/files.h"
 #include "mediatool/validate/checks.h"
-#include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -43,7 +42,7 @@ class GivenVolumes {
         bool isOurs = false;
         for (const Path& marker : NumberedMarkers(folder)) {
             const VolumeNumber number = NumberIn(marker);
-            if (number == 1 || ReadMtbDir(marker.Text()) != set_.id) continue;
+            if (number == 1 || !set_.Has(marker)) continue;
             isOurs = true;
             if (number > set_.count)
                 out_.Add("volume-beyond-count", marker,

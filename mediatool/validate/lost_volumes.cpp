@@ -6,7 +6,6 @@
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
 #include "mediatool/media/marker_bytes.h"
-#include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -41,7 +40,7 @@ class Search {
   private:
     void Take(const Path& marker) {
         const VolumeNumber number = NumberIn(marker);
-        if (number > 1 && number <= set_.count && ReadMtbDir(marker.Text()) == set_.id)
+        if (number > 1 && number <= set_.count && set_.Has(marker))
             found.insert({number, Parent(marker)});
     }
 

@@ -55,6 +55,8 @@ LauncherView ViewFromEverywhere(const Path& media) {
     LauncherView view = ViewOf(media);
     for (std::string& folder : view.folders)
         folder = FullPath(folder).Text();
+    for (AskedMarker& marker : view.asked)
+        marker.file = FullPath(marker.file.Text());
     return view;
 }
 
@@ -76,6 +78,7 @@ Validation Validate(const ValidateRequest& request) {
     subject.set = OpenUnfinishedSet(request.folders);
     subject.flavours = FlavoursOf(subject.Media());
     subject.view = ViewFromEverywhere(subject.Media());
+    subject.ids = MarkerIds(subject.view.asked);
     subject.progress = request.progress;
 
     Validation result;
