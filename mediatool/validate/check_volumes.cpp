@@ -9,17 +9,9 @@
 #include "mediatool/base/files.h"
 #include "mediatool/validate/checks.h"
 #include "mediatool/validate/disc_set.h"
-#include "mediatool/validate/given_volumes.h"
-#include "mediatool/validate/lost_volumes.h"
-#include "mediatool/validate/outer_volumes.h"
 
 namespace launcher::mediatool {
 namespace {
-
-bool LiesIn(const std::string& folder, const Path& ancestor) {
-    const std::string inner = InLowerCase(folder) + kBackslash;
-    return inner.starts_with(InLowerCase(ancestor.Text()) + kBackslash);
-}
 
 // The volumes at the places where the launcher looks for them, and those that are at others.
 class Volumes {
@@ -154,7 +146,7 @@ class Volumes {
 void CheckGiven(const Subject& subject, Findings& out) {
     for (const Path& folder : subject.set.given) {
         const auto isHere = [&folder](const std::string& volume) {
-            return SameName(volume, folder.Text()) || LiesIn(volume, folder);
+            return IsAtOrBelow(Path(volume), folder);
         };
         if (std::ranges::none_of(subject.view.folders, isHere))
             out.Add("folder-not-a-volume", folder);

@@ -38,6 +38,8 @@ struct Subject {
     bool IsNeverCopied() const { return view.layout == Layout::NotSplit; }
     // Whether a flavour for this kind of Windows has its installer, or its marker.
     bool Has(bool FlavourHere::*part, bool for64Bit) const;
+    // Whether `name` is the folder, the installer or the marker of a flavour.
+    bool HasFlavour(std::string Flavour::*part, const std::string& name) const;
     Path Inst() const { return Join(Media(), kInstFolder); }
     Path Common() const { return Join(Inst(), kCommonFolder); }
 };
@@ -52,7 +54,6 @@ void CheckFlavourMarkers(const Subject& subject, Findings& out);
 void CheckCountFile(const Subject& subject, Findings& out);
 void CheckVolumeNumbers(const Subject& subject, Findings& out);
 void CheckVolumes(const Subject& subject, Findings& out);
-void CheckUnfinished(const Subject& subject, Findings& out);
 void CheckTree(const Subject& subject, Findings& out);
 
 // Whether the names of the medium were cut to 8.3; what is missing is not missing then, and the

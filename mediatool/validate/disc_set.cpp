@@ -119,22 +119,20 @@ VolumeNumber MissingVolumes::Total() const {
     return last_ - first_ + 1 - static_cast<VolumeNumber>(others_.size());
 }
 
-VolumeNumber MissingVolumes::First() const {
-    VolumeNumber number = first_;
-    while (others_.contains(number))
-        ++number;
-    return number;
+std::vector<VolumeNumber> MissingVolumes::Named() const {
+    std::vector<VolumeNumber> named;
+    for (VolumeNumber number = first_; number <= last_ && named.size() < kMostNamed; ++number)
+        if (!others_.contains(number)) named.push_back(number);
+    return named;
 }
 
 std::string MissingVolumes::Numbers() const {
-    std::vector<std::string> named;
-    for (VolumeNumber number = first_; number <= last_ && named.size() < kMostNamed; ++number)
-        if (!others_.contains(number)) named.push_back(std::to_string(number));
+    const std::vector<VolumeNumber> named = Named();
     const bool areAll = static_cast<std::size_t>(Total()) == named.size();
     std::string text;
     for (std::size_t i = 0; i < named.size(); ++i) {
         if (i > 0) text += areAll && i + 1 == named.size() ? " and " : ", ";
-        text += named[i];
+        text += std::to_string(named[i]);
     }
     return areAll ? text : text + " and so on";
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "fs/path.h"
 #include "media/volume_numbers.h"
@@ -34,6 +36,22 @@ bool CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf
 bool CheckDepth(const std::string& volume, const Path& folder, const std::string& name,
                 const std::string& id, const MarkerIds& ids, Findings& out);
 
+// Reports what is wrong with the numbered outer volumes that a disc set is nested in. False, and
+// nothing reported but stray markers, when nothing above it was meant to be an outer volume.
+bool CheckOuterVolumes(const DiscSet& set, Findings& out);
+
+// Reports what is wrong with the volumes of a set that were given as folders or drives of their
+// own, which is where nothing but their markers tells which volumes they are.
+void CheckGivenVolumes(const DiscSet& set, const std::vector<Path>& given, Findings& out);
+
+// The later volumes of a set that lie where the launcher does not look for them: beside volume 1
+// under another name, in volume 1, one folder deeper or higher, or in a `given` folder. By their
+// numbers.
+std::map<VolumeNumber, Path> LostVolumes(const DiscSet& set, const std::vector<Path>& given);
+
+// Archives in `parent` that have the number of a volume for a name, or at its end: "2.zip".
+std::map<VolumeNumber, Path> PackedVolumes(const Path& parent);
+
 // The volumes from one number to another that are neither there nor reported for another reason.
 // Of a thousand, only the first are named.
 class MissingVolumes {
@@ -44,13 +62,15 @@ class MissingVolumes {
     bool Contains(VolumeNumber number) const;
 
     VolumeNumber Total() const;
-    VolumeNumber First() const;
+    VolumeNumber First() const { return Named().front(); }
     // "2, 3 and 5"
     std::string Numbers() const;
     // "Volume 3 is missing.", "3 volumes are missing: 2, 3 and 5."
     std::string Sentence(std::string what) const;
 
   private:
+    std::vector<VolumeNumber> Named() const;
+
     VolumeNumber first_;
     VolumeNumber last_;
     std::set<VolumeNumber> others_;

@@ -1,9 +1,10 @@
-#include "mediatool/validate/given_volumes.h"
+// Volumes that are given as folders or drives of their own.
 
 #include <string>
 
 #include "mediatool/base/files.h"
 #include "mediatool/validate/checks.h"
+#include "mediatool/validate/disc_set.h"
 
 namespace launcher::mediatool {
 namespace {

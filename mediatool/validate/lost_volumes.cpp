@@ -1,4 +1,4 @@
-#include "mediatool/validate/lost_volumes.h"
+// Volumes where the launcher does not look for them.
 
 #include <algorithm>
 #include <string>
@@ -6,6 +6,7 @@
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
 #include "mediatool/media/marker_bytes.h"
+#include "mediatool/validate/disc_set.h"
 
 namespace launcher::mediatool {
 namespace {

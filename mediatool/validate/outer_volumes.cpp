@@ -1,4 +1,4 @@
-#include "mediatool/validate/outer_volumes.h"
+// The numbered outer volumes that a disc set is nested in.
 
 #include <algorithm>
 #include <vector>
@@ -9,6 +9,7 @@
 #include "mediatool/base/sentences.h"
 #include "mediatool/media/marker_bytes.h"
 #include "mediatool/validate/checks.h"
+#include "mediatool/validate/disc_set.h"
 
 namespace launcher::mediatool {
 namespace {

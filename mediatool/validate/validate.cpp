@@ -68,6 +68,11 @@ bool Subject::Has(bool FlavourHere::*part, bool for64Bit) const {
     });
 }
 
+bool Subject::HasFlavour(std::string Flavour::*part, const std::string& name) const {
+    return std::ranges::any_of(
+        flavours, [&](const FlavourHere& flavour) { return SameName(flavour.*part, name); });
+}
+
 bool Validation::IsClean() const {
     return findings.Count(Level::Error) == 0 && (!isStrict || findings.Count(Level::Warning) == 0);
 }
@@ -83,7 +88,7 @@ Validation Validate(const ValidateRequest& request) {
 
     Validation result;
     const auto check = [&](auto... checks) { (checks(subject, result.findings), ...); };
-    check(CheckUnfinished, CheckLauncher, CheckAutorun);
+    check(CheckLauncher, CheckAutorun);
     if (!CheckCutNames(subject, result.findings))
         check(CheckRootEntries, CheckInstallerPlaces, CheckInstallers, CheckFlavourMarkers);
     check(CheckCountFile, CheckVolumeNumbers, CheckVolumes, CheckTree);
