@@ -50,7 +50,8 @@ install -D -m 755 build/package-tools/mediatool/mediatool.exe "$release/mediatoo
 [ $# = 0 ] || sign "$@" "$here/$release/x64/setup.exe" "$here/$release/x86/setup.exe" \
     "$here/$release/mediatool.exe"
 
-cp README.md "$release"
+# Without what is for those who have the sources.
+awk '/^## /{ of_sources = /Build and test|The sources/ } !of_sources' README.md >"$release/README.md"
 cp docs/*.md docs/*.json "$release/docs"
 cp -r docs/images "$release/docs"
 

@@ -4,6 +4,10 @@
 
 namespace launcher {
 
+std::string_view InputStream::NextBlock() {
+    return {};
+}
+
 InputStream& InputStream::ReadLine(std::string& line) {
     if (failed_ || atEnd_) {
         failed_ = true;

@@ -28,7 +28,7 @@ class InputStream {
 
   private:
     // The bytes that follow, valid until the next call; none at the end.
-    virtual std::string_view NextBlock() { return {}; }
+    virtual std::string_view NextBlock();
 
     void ReadUpToLf(std::string& line);
 

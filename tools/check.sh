@@ -55,6 +55,8 @@ build_soak_run() { cmake --preset mingw && cmake --build --preset mingw --target
 step "format" check_format
 step "shell scripts" check_scripts
 step "include direction" tools/check-includes.sh
+# shellcheck disable=SC2046  # a list of files
+step "links of the documentation" tools/check-links.py $(git ls-files '*.md')
 # The two that are missing are built below, twice.
 for preset in clang clang-debug mingw-debug mingw32-debug; do
     step "build with $preset" build_variant "$preset"
@@ -68,7 +70,8 @@ step "release folder" ./package.sh
 release=$(ls -td dist/media-launcher-* | head -n 1)
 step "size of the launchers" launchers_are_small "$release"
 step "licence texts and bill of materials" tools/check-third-party.sh "$release"
-step "their check" tests/tools/third_party_test.sh
+step "links of its documentation" tools/check-links.py "$release/README.md" "$release"/docs/*.md
+step "check of licences and bill" tests/tools/third_party_test.sh
 step "table of Windows calls" tools/check-windows-calls.py build/package-mingw/launcher/setup.exe \
     build/package-tools/mediatool/mediatool.exe
 step "build of the soak run" build_soak_run

@@ -19,6 +19,12 @@ if [ "$WINEARCH" = win32 ]; then
 else
     WINE=$(command -v wine64 || command -v /usr/lib/wine/wine64 || command -v wine)
 fi
+# The heap of a 64-bit Wine without a preloader, Debian's, begins anywhere within one GB, and one start
+# in two thousand finds it where Windows has a page of the system's: that process ends without a word,
+# and whoever created it gets error 1359. A heap that is not moved is out of the way. A container may
+# forbid to ask for that.
+fixed="setarch -R"
+$fixed true 2>/dev/null || fixed=""
 # File names in all letters, and the system's messages in English, wherever this machine stands.
 export LC_ALL=C.UTF-8
 export WINEDEBUG="${WINEDEBUG:--all}"
@@ -27,7 +33,7 @@ export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml,winedbg.exe,winemenu
 # A desktop that started before the settings were there would not follow them: it has to end first.
 make_prefix() {
     wineserver -p
-    "$WINE" reg import "$(dirname "$0")/wine-prefix.reg"
+    $fixed "$WINE" reg import "$(dirname "$0")/wine-prefix.reg"
     wineserver -k
     wineserver -w
     touch "$prefix/.ready"
@@ -43,7 +49,7 @@ mkdir -p "$prefix"
     flock 9
     [ -e "$prefix/.ready" ] || make_prefix 9>&-
     # Fails when the server runs already.
-    if wineserver -p90 9>&-; then "$WINE" rundll32 user32.dll,GetDesktopWindow 9>&-; fi
+    if wineserver -p90 9>&-; then $fixed "$WINE" rundll32 user32.dll,GetDesktopWindow 9>&-; fi
 )
 
 # Wine that is killed itself ends with 0: the program is a child, and a signal's end is not its own.
@@ -59,11 +65,11 @@ if [ -p /dev/stdout ]; then
     output=$(mktemp)
     exec 8>"$output" 9<"$output"
     rm "$output"
-    "$WINE" "$@" <&7 7<&- >&8 2>&1 8>&- 9<&- &
+    $fixed "$WINE" "$@" <&7 7<&- >&8 2>&1 8>&- 9<&- &
     program=$!
     tail -c +1 -s 0.05 --pid="$program" -f <&9 8>&- 7<&- &
 else
-    "$WINE" "$@" <&7 7<&- &
+    $fixed "$WINE" "$@" <&7 7<&- &
     program=$!
 fi
 wait "$program" || status=$?

@@ -143,7 +143,7 @@ TEST_F(VerdictTest, NamesTheVariablesThatAreSetAndTheirEffect) {
     EXPECT_THAT(
         mediatool::TextOf(run, false),
         HasSubstr("\n  ZEPAdmInstAllowNotAdminUser = no: start the installer for a user who "
-                  "is no administrator\n"));
+                  "is not an administrator\n"));
 }
 
 // Its rows of the variables that are read: the name, and what it means, without code and links.

@@ -76,9 +76,8 @@ BY_HANDLE_FILE_INFORMATION InformationOf(const stdfs::path& folder) {
 // Wine gives a new drive its volume's serial number a moment later: until then, what is reached
 // through the drive is another file than the same one reached without it.
 void WaitForSerialNumber(const stdfs::path& drive, const stdfs::path& folder) {
-    constexpr int kShortPatience = 400;  // times 5 milliseconds
-    for (int i = 0; i < kShortPatience && InformationOf(drive).dwVolumeSerialNumber !=
-                                              InformationOf(folder).dwVolumeSerialNumber;
+    for (int i = 0; i < kPatience && InformationOf(drive).dwVolumeSerialNumber !=
+                                         InformationOf(folder).dwVolumeSerialNumber;
          ++i)
         Sleep(5);
 }
