@@ -31,8 +31,9 @@ std::vector<FirstMarker> NearestMarkers(const DiscSet& set, const Path& below) {
                 const OuterMarker marker{number, entry.name, folder};
                 markers.push_back({marker, OuterSetOf(set.first, marker)});
             }
-    std::ranges::stable_partition(
-        markers, [&set](const FirstMarker& each) { return set.ids.WasAskedFor(each.File()); });
+    std::stable_partition(markers.begin(), markers.end(), [&set](const FirstMarker& each) {
+        return set.ids.WasAskedFor(each.File());
+    });
     return markers;
 }
 
