@@ -39,6 +39,12 @@ else()
   target_link_options(launcher_settings INTERFACE -static -fstack-protector-strong)
 endif()
 
+# Of launcher/mingw_runtime.cpp. The compiler itself refers to what it defines, after the point where
+# unused code goes, and the canary cannot guard the function that makes it.
+if(MINGW)
+  set(mingw_runtime_options -fno-lto -fno-stack-protector)
+endif()
+
 # launcher_library(NAME SOURCES... LINKS TARGETS...): a static library. Its links are public, and
 # name only layers below it.
 function(launcher_library name)

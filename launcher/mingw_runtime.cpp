@@ -1,4 +1,4 @@
-// Two pieces of the GNU runtime that this program replaces.
+// Two pieces of the GNU runtime that the programs replace.
 
 #ifdef __MINGW32__
 
@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 // What an uncaught exception ends in. The GNU library's own handler describes the exception on a
-// console that this program does not have, and pulls in 50 KB of name demangling.
+// console, which the launcher does not have, and pulls in 50 KB of name demangling.
 namespace __gnu_cxx {
 
 [[noreturn]] void __verbose_terminate_handler();
@@ -19,9 +19,8 @@ namespace __gnu_cxx {
 }  // namespace __gnu_cxx
 
 // The stack protector's canary. The GNU library fills it from the system's cryptography, which
-// loads three more libraries at every start; this program derives it from values that differ
-// between runs, as Microsoft's runtime does: the time, the counters and where the program was
-// loaded.
+// loads three more libraries at every start; here it is derived from values that differ between
+// runs, as Microsoft's runtime does: the time, the counters and where the program was loaded.
 extern "C" {
 
 extern std::uintptr_t __stack_chk_guard;

@@ -7,7 +7,7 @@ Fails when an executable imports a Windows function, or the sources look one up,
 not have; when a table has one that is no longer there, or names other sources than those with the
 call; and when a test named there does not exist. Of mediatool the functions that change something
 count: what it calls itself has a row in its own table, and the rest of them is either in the
-launcher's tables, as part of its layers, or in the list of what the libraries import.
+launcher's tables, as part of its layers, or in a list of what the libraries import.
 """
 
 import re
@@ -71,12 +71,12 @@ class Sources:
 
 class Table:
     """A part of the document: `called`, the sources with the calls of each function of its tables,
-    and `runtime`, the functions that its list says are imported by others alone."""
+    and `runtime`, the functions that its list, if it has one, says are imported by others alone."""
 
     def __init__(self, text):
         self.called = {}
-        tables, listed, _ = text.split("```")
-        self.runtime = set(listed.split())
+        tables, *listed = text.split("```")
+        self.runtime = set(listed[0].split()) if listed else set()
         for line in tables.splitlines():
             cells = [cell.strip() for cell in line.split("|")[1:-1]]
             if len(cells) > 1 and re.fullmatch(r"`\w+`", cells[0]):

@@ -211,6 +211,15 @@ bool SameName(const Path& left, const Path& right) {
     return SameName(left.Text(), right.Text());
 }
 
+bool IsAmong(const Path& path, const std::vector<Path>& paths) {
+    return std::ranges::any_of(paths, [&path](const Path& each) { return SameName(each, path); });
+}
+
+bool IsAtOrBelow(const Path& path, const Path& folder) {
+    return InLowerCase(path.Text() + kBackslash)
+        .starts_with(InLowerCase(folder.Text() + kBackslash));
+}
+
 std::string InLowerCase(const std::string& text) {
     std::wstring wide = ToWide(text);
     CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));

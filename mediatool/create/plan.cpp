@@ -49,12 +49,6 @@ std::vector<PlannedFile> MarkersOf(const CreateRequest& request, const Plan& pla
     return files;
 }
 
-bool IsOneInOther(const Path& left, const Path& right) {
-    const std::string a = InLowerCase(left.Text()) + "\\";
-    const std::string b = InLowerCase(right.Text()) + "\\";
-    return a.starts_with(b) || b.starts_with(a);
-}
-
 // The folder and those that it is in, whatever its name.
 std::set<FileIdentity> WithFoldersAbove(const Path& folder) {
     std::set<FileIdentity> identities;
@@ -207,7 +201,8 @@ void PlanContent(const CreateRequest& request, std::vector<PlannedFile>& markers
     for (const std::string& text : request.from) {
         const Path source = FullPath(text);
         if (!IsFolder(source)) throw BadInput("\"" + text + "\" is no folder.");
-        if (IsOneInOther(source, plan.out) || targets.AreInOneAnotherWith(source))
+        if (IsAtOrBelow(source, plan.out) || IsAtOrBelow(plan.out, source) ||
+            targets.AreInOneAnotherWith(source))
             throw BadInput(Quoted(source) + " and the folder to write into are in one another.");
         for (const Path& other : sources)
             if (SameName(other.Text(), source.Text()) ||

@@ -1,19 +1,18 @@
 // What may be asked of create.
 
-#include <sstream>
+#include <algorithm>
 
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/names.h"
 #include "mediatool/create/plan.h"
 #include "mediatool/media/marker_bytes.h"
+#include "mediatool/media/media_set.h"
 #include "mediatool/validate/checks.h"
 #include "mediatool/validate/findings.h"
 
 namespace launcher::mediatool {
 namespace {
-
-constexpr int kMostVolumes = 99;
 
 // What validate says of an identifier, create refuses.
 void CheckId(const std::string& id, const std::string& option) {
@@ -29,9 +28,11 @@ void CheckId(const std::string& id, const std::string& option) {
 
 // A folder below another: names between backslashes. Empty for the other folder itself.
 bool IsFolderBelow(const std::string& text) {
-    std::istringstream names(text);
-    for (std::string name; std::getline(names, name, '\\');)
-        if (!IsUsableName(name)) return false;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find('\\', begin), text.size());
+        if (!IsUsableName(text.substr(begin, end - begin))) return false;
+        begin = end + 1;
+    }
     return true;
 }
 

@@ -47,7 +47,8 @@ class StaleMarkers {
     // Volumes of the new set in outer volumes that it does not have.
     void CheckOuterVolumes() const {
         if (request_.layout != Layout::Outer && request_.volumes > 1) return;
-        for (const VolumeInOuter& volume : VolumesInOuter(plan_.VolumeOne(), request_.id))
+        for (const VolumeInOuter& volume :
+             VolumesInOuter(plan_.VolumeOne(), request_.id, MarkerIds()))
             if (!IsWritten(volume.marker)) RefuseOther(volume.marker);
     }
 
@@ -84,10 +85,7 @@ class StaleMarkers {
     // In a folder where the launcher looks for the marker of the first outer volume, it takes any
     // file of such a name. Another case of letters hides the right one from it.
     bool IsNumberedAbove(const Path& place) const {
-        const auto isHere = [&place](const Path& folder) {
-            return SameName(folder, Parent(place));
-        };
-        if (std::ranges::none_of(above_, isHere)) return false;
+        if (!IsAmong(Parent(place), above_)) return false;
         const std::string name = FileName(place);
         return IsWritten(place) ? name != MarkerName(request_.firstOuter)
                                 : OuterMarkerNumber(name) > 0;
@@ -99,8 +97,7 @@ class StaleMarkers {
         const std::string id = ReadMtbDir(file.Text());
         if (id.empty()) return false;
         const Path folder = Parent(place);
-        const auto isHere = [&folder](const Path& volume) { return SameName(volume, folder); };
-        if (std::ranges::any_of(plan_.volumes, isHere)) return true;
+        if (IsAmong(folder, plan_.volumes)) return true;
         // Beside volume 1: a volume of another set is none of the launcher's business, but for the
         // outer layout, where it looks here first.
         const bool isBeside = number > 1 && SameName(folder, Join(parent_, std::to_string(number)));

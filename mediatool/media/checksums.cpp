@@ -49,9 +49,7 @@ class Walk {
 
     bool IsOfVolume(const Path& parent, const std::string& name) const {
         if (IsEmpty(Parent(parent)) && IsSystemFolder(name)) return false;
-        const Path folder = Join(parent, name);
-        return std::ranges::none_of(
-            volumes_, [&folder](const Path& volume) { return SameName(volume, folder); });
+        return !IsAmong(Join(parent, name), volumes_);
     }
 
     const std::vector<Path>& volumes_;
@@ -126,9 +124,7 @@ ChecksumList ParseChecksums(std::string_view text) {
 std::vector<Path> FoldersOf(const std::vector<Path>& given, const std::vector<std::string>& found) {
     std::vector<Path> folders;
     const auto add = [&folders](const Path& folder) {
-        if (std::ranges::none_of(folders,
-                                 [&folder](const Path& other) { return SameName(other, folder); }))
-            folders.push_back(folder);
+        if (!IsAmong(folder, folders)) folders.push_back(folder);
     };
     for (const std::string& folder : found)
         add(FullPath(folder));

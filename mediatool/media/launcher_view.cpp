@@ -2,8 +2,54 @@
 
 #include "fs/environment.h"
 #include "launcher/base/launch_options.h"
+#include "media/volume_files.h"
 
 namespace launcher::mediatool {
+namespace {
+
+// Far more than any set has volumes, and than a folder that can be listed names.
+constexpr std::size_t kMostInVain = 10'000;
+
+// What ends a search. No std::exception, so that nothing of the launcher catches it.
+struct Endless {};
+
+// While it lives, a search writes down what it asks for.
+class Recording {
+  public:
+    explicit Recording(std::vector<AskedMarker>& asked) : asked_(asked) { current = this; }
+    Recording(const Recording&) = delete;
+    Recording& operator=(const Recording&) = delete;
+    ~Recording() { current = nullptr; }
+
+    void Add(const std::string& path, const std::string& id) {
+        asked_.push_back({Path(path), id});
+        if (id.empty() && ++inVain_ > kMostInVain) throw Endless();
+    }
+
+    static inline Recording* current = nullptr;
+
+  private:
+    std::vector<AskedMarker>& asked_;
+    std::size_t inVain_ = 0;
+};
+
+FoundVolumes Search(const LaunchOptions& options, std::vector<AskedMarker>& asked) {
+    const Recording recording(asked);
+    try {
+        return FindVolumes(options, [](const std::string&, const std::string&) {});
+    } catch (const Endless&) {
+        FoundVolumes found;
+        found.count = ReadVolumeCount(CountFileIn(options.mediaDir).Text());
+        found.id = asked.front().id;  // of volume 1, whose marker comes first
+        return found;
+    }
+}
+
+}  // namespace
+
+void WriteDownMarker(const std::string& path, const std::string& id) {
+    if (Recording::current != nullptr) Recording::current->Add(path, id);
+}
 
 std::string LayoutName(Layout layout) {
     switch (layout) {
@@ -25,8 +71,8 @@ LauncherView ViewOf(const Path& media) {
     SetEnvVar("ZEP_Online_Installation_Caf_Repositiory", "");  // would switch the search off
     LaunchOptions options(0, nullptr, kInstallerName, false, false);
     options.mediaDir = media;
-    const FoundVolumes found = FindVolumes(options, [](const std::string&, const std::string&) {});
     LauncherView view;
+    const FoundVolumes found = Search(options, view.asked);
     view.layout = found.layout;
     view.count = found.count;
     view.id = found.id;

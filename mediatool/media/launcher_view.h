@@ -14,6 +14,13 @@ using Layout = VolumeLayout;
 // As it is written in outputs: "one-folder".
 std::string LayoutName(Layout layout);
 
+// A marker that the launcher's search asked for, and the identifier that it compared: empty when
+// there was none.
+struct AskedMarker {
+    Path file;
+    std::string id;
+};
+
 // What the launcher itself makes of the volumes of a medium: the record of its own search.
 struct LauncherView {
     Layout layout = Layout::NotSplit;
@@ -21,8 +28,14 @@ struct LauncherView {
     std::string id;                    // that all volumes have; empty while none was read
     std::vector<std::string> folders;  // of the volumes found, volume 1 first; only volume 1's
                                        // while the set is not whole
+    std::vector<AskedMarker> asked;    // all that it asked for, in that order
     bool copies = false;               // it copies the installer before it starts it
 };
+// A damaged count is not followed to its end in a folder that cannot be listed, where the launcher
+// asks for every number.
 LauncherView ViewOf(const Path& media);
+
+// To be told by what reads markers for the launcher.
+void WriteDownMarker(const std::string& path, const std::string& id);
 
 }  // namespace launcher::mediatool

@@ -9,6 +9,9 @@
 
 namespace launcher::mediatool {
 
+// The most volumes that a disc set has, or that create makes of one. The launcher has no limit.
+inline constexpr int kMostVolumes = 99;
+
 // The folders of one medium, as the user gave them.
 struct MediaSet {
     Path first;               // of volume 1, where the launcher is

@@ -14,8 +14,6 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kFindingsOfOneKind = 5;
-
 // A volume's marker has its number: it stays with the folder when the files change places.
 bool IsMarkerName(const std::string& name) {
     return name.ends_with(kVolumeMarkerSuffix) &&
@@ -111,7 +109,8 @@ class Verification {
   private:
     void Read(Volume& volume, const std::vector<Path>& folders) {
         const auto unlisted = [this](const Path& folder) {
-            if (!IsBelowInst(folder)) out_.Add("folder-unreadable", folder);
+            // That has its own check.
+            if (!IsAtOrBelow(folder, inst_)) out_.Add("folder-unreadable", folder);
         };
         volume.files = FilesOfVolume(volume.folder, folders, unlisted);
         for (const auto& [name, size] : volume.files)
@@ -134,11 +133,6 @@ class Verification {
             ++read_.allFiles;
             read_.allBytes += volume.files.at(known->second);
         }
-    }
-
-    // It has its own check.
-    bool IsBelowInst(const Path& folder) const {
-        return InLowerCase(folder.Text() + "\\").starts_with(InLowerCase(inst_.Text() + "\\"));
     }
 
     void Verify(const Volume& volume) {

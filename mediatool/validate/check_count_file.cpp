@@ -6,6 +6,7 @@
 
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
+#include "mediatool/media/checksums.h"
 #include "mediatool/media/marker_bytes.h"
 #include "mediatool/validate/checks.h"
 
@@ -13,7 +14,6 @@ namespace launcher::mediatool {
 namespace {
 
 constexpr std::size_t kCountFileLimit = std::size_t{64} * 1024;
-constexpr int kMostVolumes = 99;
 
 std::string WithoutSign(const std::string& text) {
     return text.substr(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
@@ -88,23 +88,15 @@ void CheckAbsence(const Subject& subject, Findings& out) {
         const Path file = Join(subject.Inst(), name);
         check(file, IsFile(file), "count-file-misspelt");
     }
-    if (!isElsewhere && !ReadMtbDir(MarkerIn(subject.Media(), 1).Text()).empty())
+    if (!isElsewhere && !subject.ids.In(MarkerIn(subject.Media(), 1)).empty())
         out.Add("count-file-missing", CountFileIn(subject.Media()));
 }
 
 // Those of the other volumes, given or found.
 void CheckLaterVolumes(const Subject& subject, Findings& out) {
-    std::vector<Path> folders = {subject.Media()};
-    const auto check = [&](const Path& folder) {
-        const auto isSame = [&](const Path& other) { return SameName(other, folder); };
-        if (std::ranges::any_of(folders, isSame)) return;
-        folders.push_back(folder);
-        const Path file = CountFileIn(folder);
-        if (Look(file)) out.Add("count-file-in-later-volume", file);
-    };
-    std::ranges::for_each(subject.set.given, check);
-    for (const std::string& folder : subject.view.folders)
-        check(Path(folder));
+    for (const Path& folder : FoldersOf(subject.set.given, subject.view.folders))
+        if (const Path file = CountFileIn(folder); !SameName(folder, subject.Media()) && Look(file))
+            out.Add("count-file-in-later-volume", file);
 }
 
 }  // namespace

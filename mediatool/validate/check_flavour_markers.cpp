@@ -16,9 +16,7 @@ void CheckName(const Subject& subject, const Entry& entry, Findings& out) {
     if (extension == std::string::npos) return;
     const Path file = Join(subject.Common(), entry.name);
     const std::string right = entry.name.substr(0, extension) + kFlavourMarkerExtension;
-    const bool isKnown = std::ranges::any_of(subject.flavours, [&](const Flavour& flavour) {
-        return SameName(Path(flavour.marker), file);
-    });
+    const bool isKnown = subject.HasFlavour(&Flavour::marker, file.Text());
     // Markers of other systems may be beside those of Windows.
     const bool isForWindows = name.starts_with("win") || name.starts_with("intel");
     out.AddFirst({{isKnown && entry.isFolder, "flavour-marker-is-folder"},

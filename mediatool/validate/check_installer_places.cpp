@@ -73,13 +73,9 @@ void CheckWithout(const Subject& subject, const FlavourHere& flavour, Findings& 
 // The folders in inst that are no flavour's.
 std::vector<std::string> OtherFolders(const Subject& subject) {
     std::vector<std::string> names;
-    for (const Entry& entry : EntriesOf(subject.Inst())) {
-        const auto isThis = [&](const Flavour& flavour) {
-            return SameName(flavour.osFolder, entry.name);
-        };
-        if (entry.isFolder && std::ranges::none_of(subject.flavours, isThis))
+    for (const Entry& entry : EntriesOf(subject.Inst()))
+        if (entry.isFolder && !subject.HasFlavour(&Flavour::osFolder, entry.name))
             names.push_back(entry.name);
-    }
     return names;
 }
 

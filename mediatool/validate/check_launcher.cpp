@@ -3,6 +3,7 @@
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/media/program_file.h"
+#include "mediatool/media/unfinished.h"
 #include "mediatool/validate/checks.h"
 
 namespace launcher::mediatool {
@@ -44,6 +45,7 @@ void CheckBeside(const Path& file, FindingKind kind, Findings& out) {
 
 void CheckLauncher(const Subject& subject, Findings& out) {
     const Path file = Join(subject.Media(), kLauncherName);
+    CheckBeside(Join(subject.Media(), kUnfinishedMark), "set-unfinished", out);
     CheckProgram(subject, file, out);
     if (const std::size_t length = WideLength(file.Text()); length > kLongestPath)
         out.Add("launcher-path-cut", file, {std::to_string(length), std::to_string(kLongestPath)});

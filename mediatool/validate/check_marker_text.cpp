@@ -26,6 +26,8 @@ void CheckWhyUnread(const Path& marker, const std::vector<std::string>& lines, F
         const std::string trimmed = Trimmed(line);
         const std::string lower = InLowerCase(trimmed);
         if (!lower.starts_with(word)) continue;
+        // The launcher could not read it, on a disc that fails now and then.
+        if (line.starts_with(kMtbDirPrefix) && line != kMtbDirPrefix) return;
         const bool hasEquals = Trimmed(lower.substr(word.size())).starts_with('=');
         out.AddFirst({{line.starts_with(kMtbDirPrefix), "volume-id-empty"},
                       {trimmed.starts_with(kMtbDirPrefix), "volume-marker-leading-blank"},
@@ -61,35 +63,33 @@ void CheckIdentifier(const std::string& id, const Path& marker, Findings& out) {
                marker);
 }
 
-std::string CheckMarkerText(const Path& marker, Findings& out) {
-    std::string id = ReadMtbDir(marker.Text());  // as the launcher reads it
+void CheckMarkerText(const Path& marker, const std::string& id, Findings& out) {
     const std::optional<std::string> start = ReadStart(marker, kMarkerLimit);
     const std::string bytes = start.value_or("");
+    const bool hasMark = bytes.starts_with(kUtf8Mark);
+    const bool isHidden = hasMark && id.empty();
     if (out.AddFirst({{IsFolder(marker), "volume-marker-is-folder"},
                       {!start, "volume-marker-unreadable"},
                       {bytes.empty(), "volume-marker-empty"},
-                      {IsUtf16(bytes), "volume-marker-utf16"}},
+                      {IsUtf16(bytes), "volume-marker-utf16"},
+                      {isHidden, "volume-marker-bom/unread"}},
                      marker))
-        return id;
-    const bool hasMark = bytes.starts_with(kUtf8Mark);
-    const bool isHidden = hasMark && id.empty();
-    out.AddFirst({{isHidden, "volume-marker-bom/unread"}, {hasMark, "volume-marker-bom"}}, marker);
-    if (isHidden) return id;
+        return;
     const std::vector<std::string> lines = LinesOf(bytes);
     const bool isCrOnly = !Contains(bytes, '\n') && bytes.find('\r') < bytes.size() - 1;
-    if (id.empty() && isCrOnly &&
-        bytes.find(std::string("\r") + kMtbDirPrefix) != std::string::npos) {
-        out.Add("volume-marker-cr-only/unread", marker);
-        return id;
-    }
+    const bool isHiddenByCr = id.empty() && isCrOnly &&
+                              bytes.find(std::string("\r") + kMtbDirPrefix) != std::string::npos;
+    out.AddAll({{hasMark, "volume-marker-bom"},
+                {isHiddenByCr, "volume-marker-cr-only/unread"},
+                {isCrOnly && !id.empty(), "volume-marker-cr-only"}},
+               marker);
+    if (isHiddenByCr) return;
     if (id.empty()) {
         CheckWhyUnread(marker, lines, out);
-        return id;
+        return;
     }
-    if (isCrOnly) out.Add("volume-marker-cr-only", marker);
     CheckIdentifier(isCrOnly ? id.substr(0, id.find('\r')) : id, marker, out);
     if (HasOtherIdentifier(lines, id)) out.Add("volume-marker-two-ids", marker);
-    return id;
 }
 
 }  // namespace launcher::mediatool

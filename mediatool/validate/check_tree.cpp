@@ -19,7 +19,6 @@ namespace {
 // The longest user name has 20 characters.
 constexpr char kUsualTemp[] = "C:\\Users\\12345678901234567890\\AppData\\Local\\Temp";
 constexpr std::size_t kUuidLength = 36;
-constexpr std::size_t kFindingsOfOneKind = 5;
 
 // False where batch scripts see UTF-8 on this machine anyway.
 bool IsOutsideOemCodePage(const std::string& name) {
@@ -82,10 +81,7 @@ class Tree {
     }
 
     bool HasItsOwnCheck(const std::string& path) const {
-        const auto isThis = [&path](const Flavour& flavour) {
-            return SameName(flavour.installer, path);
-        };
-        return std::ranges::any_of(subject_.flavours, isThis) ||
+        return subject_.HasFlavour(&Flavour::installer, path) ||
                SameName(Join(subject_.Media(), kLauncherName).Text(), path) ||
                SameName(CountFileIn(subject_.Media()).Text(), path);
     }
@@ -146,7 +142,6 @@ class Tree {
         return false;
     }
 
-    // A whole tree of bad names is one mistake, not a thousand.
     static bool MayAdd(std::size_t& count) { return ++count <= kFindingsOfOneKind; }
 
     const Subject& subject_;

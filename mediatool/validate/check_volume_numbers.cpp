@@ -1,38 +1,36 @@
 // Volumes and markers that there are too many of: numbers beyond the count file's, and numbers that
 // are there twice.
 
+#include <limits>
 #include <vector>
 
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
 #include "mediatool/media/marker_bytes.h"
 #include "mediatool/validate/checks.h"
-#include "mediatool/validate/volume_markers.h"
+#include "mediatool/validate/disc_set.h"
 
 namespace launcher::mediatool {
 namespace {
 
 class VolumeNumbers {
   public:
-    VolumeNumbers(const Subject& subject, Findings& out)
-        : out_(out),
-          media_(subject.Media()),
-          parent_(ParentOfVolumes(media_)),
+    VolumeNumbers(const Subject& subject, const DiscSet& set, Findings& out)
+        : set_(set),
+          out_(out),
+          parent_(ParentOfVolumes(set.first)),
           layout_(subject.view.layout),
-          count_(subject.view.count->count),
-          folders_(subject.view.folders),
-          id_(ReadMtbDir(MarkerIn(media_, 1).Text())) {}
+          folders_(subject.view.folders) {}
 
     void Check(const std::vector<Path>& given) {
-        if (id_.empty() || count_ < 1) return;
-        if (count_ == 1 || layout_ == Layout::OneFolder) CheckFolder(1, media_);
-        if (count_ == 1 || layout_ == Layout::Siblings) CheckFoldersBeyond();
-        if (count_ == 1 || layout_ == Layout::Outer) CheckOuterVolumesBeyond();
-        if (count_ == 1 || layout_ == Layout::OneFolder) return;
+        if (set_.count == 1 || layout_ == Layout::OneFolder) CheckFolder(1, set_.first);
+        if (set_.count == 1 || layout_ == Layout::Siblings) CheckFoldersBeyond();
+        if (set_.count == 1 || layout_ == Layout::Outer) CheckOuterVolumesBeyond();
+        if (set_.count == 1 || layout_ == Layout::OneFolder) return;
         if (layout_ == Layout::Incomplete) {
-            CheckFolder(1, media_);
-            for (const VolumeNumber k : NumberedFolders(parent_, 2, count_))
-                if (!SameName(Beside(k), media_)) CheckFolder(k, Beside(k));
+            CheckFolder(1, set_.first);
+            for (const VolumeNumber k : NumberedFolders(parent_, 2, set_.count))
+                if (!SameName(Beside(k), set_.first)) CheckFolder(k, Beside(k));
             if (!isAnyTwice_) CheckGiven(given);
         } else {
             VolumeNumber number = 0;
@@ -43,16 +41,15 @@ class VolumeNumbers {
 
   private:
     Path Beside(VolumeNumber k) const { return Join(parent_, std::to_string(k)); }
-    bool IsOurs(const Path& marker) const { return ReadMtbDir(marker.Text()) == id_; }
 
     // The other numbers in the folder of volume `own`.
     void CheckFolder(VolumeNumber own, const Path& folder) {
         for (const Path& marker : NumberedMarkers(folder)) {
             const VolumeNumber number = NumberIn(marker);
-            if (number == own || !IsOurs(marker)) continue;
-            if (number > count_)
+            if (number == own || !set_.Has(marker)) continue;
+            if (number > set_.count)
                 ReportBeyond(marker);
-            else if (layout_ != Layout::OneFolder && IsOurs(MarkerIn(HomeOf(number), number)))
+            else if (layout_ != Layout::OneFolder && set_.Has(MarkerIn(HomeOf(number), number)))
                 ReportTwice(marker);
         }
     }
@@ -65,7 +62,7 @@ class VolumeNumbers {
     // A marker in the folder of another volume, while the volume itself is at its place.
     void ReportTwice(const Path& marker) {
         isAnyTwice_ = true;
-        out_.AddFirst({{SameName(Parent(marker), media_), "volume-number-twice/in-volume-1"},
+        out_.AddFirst({{SameName(Parent(marker), set_.first), "volume-number-twice/in-volume-1"},
                        {true, "volume-number-twice"}},
                       marker, {std::to_string(NumberIn(marker))});
     }
@@ -74,46 +71,46 @@ class VolumeNumbers {
     void CheckGiven(const std::vector<Path>& given) {
         for (std::size_t i = 0; i < given.size(); ++i)
             for (const Path& marker : NumberedMarkers(given[i]))
-                for (std::size_t j = i + 1; IsOurs(marker) && j < given.size(); ++j)
-                    if (const Path other = Join(given[j], FileName(marker)); IsOurs(other))
+                for (std::size_t j = i + 1; set_.Has(marker) && j < given.size(); ++j)
+                    if (const Path other = Join(given[j], FileName(marker)); set_.Has(other))
                         out_.Add("volume-number-twice/given", other,
                                  {std::to_string(NumberIn(marker))});
     }
 
     void CheckFoldersBeyond() {
-        for (const Entry& entry : EntriesOf(parent_)) {
-            const Path folder = Join(parent_, entry.name);
-            const Path marker = Join(folder, entry.name + kVolumeMarkerSuffix);
-            if (entry.isFolder && NumberIn(marker) > count_ && !SameName(folder, media_) &&
-                IsOurs(marker))
+        constexpr VolumeNumber kLast = std::numeric_limits<int>::max();
+        for (const VolumeNumber k : NumberedFolders(parent_, VolumeNumber{set_.count} + 1, kLast))
+            if (const Path marker = MarkerIn(Beside(k), k);
+                !SameName(Beside(k), set_.first) && set_.Has(marker))
                 ReportBeyond(marker);
-        }
     }
 
     void CheckOuterVolumesBeyond() {
-        for (const VolumeInOuter& volume : VolumesInOuter(media_, id_))
-            if (volume.number > count_) ReportBeyond(volume.marker);
+        for (const VolumeInOuter& volume : VolumesInOuter(set_.first, set_.id, set_.ids))
+            if (volume.number > set_.count) ReportBeyond(volume.marker);
     }
 
     void ReportBeyond(const Path& marker) {
         out_.Add("volume-beyond-count", marker,
-                 {std::to_string(NumberIn(marker)), std::to_string(count_)});
+                 {std::to_string(NumberIn(marker)), std::to_string(set_.count)});
     }
 
+    const DiscSet& set_;
     Findings& out_;
-    const Path& media_;
     Path parent_;
     Layout layout_;
-    int count_;
     const std::vector<std::string>& folders_;  // of the volumes that the launcher finds
-    std::string id_;                           // of the set
     bool isAnyTwice_ = false;
 };
 
 }  // namespace
 
 void CheckVolumeNumbers(const Subject& subject, Findings& out) {
-    if (subject.view.count) VolumeNumbers(subject, out).Check(subject.set.given);
+    if (!subject.view.count) return;
+    const std::string& id = subject.ids.In(MarkerIn(subject.Media(), 1));
+    const DiscSet set{subject.Media(), id, subject.view.count->count, subject.ids};
+    if (!set.id.empty() && set.count >= 1)
+        VolumeNumbers(subject, set, out).Check(subject.set.given);
 }
 
 }  // namespace launcher::mediatool

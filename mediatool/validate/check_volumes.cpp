@@ -9,18 +9,9 @@
 #include "mediatool/base/files.h"
 #include "mediatool/validate/checks.h"
 #include "mediatool/validate/disc_set.h"
-#include "mediatool/validate/given_volumes.h"
-#include "mediatool/validate/lost_volumes.h"
-#include "mediatool/validate/outer_volumes.h"
-#include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 namespace {
-
-bool LiesIn(const std::string& folder, const Path& ancestor) {
-    const std::string inner = InLowerCase(folder) + kBackslash;
-    return inner.starts_with(InLowerCase(ancestor.Text()) + kBackslash);
-}
 
 // The volumes at the places where the launcher looks for them, and those that are at others.
 class Volumes {
@@ -40,7 +31,7 @@ class Volumes {
     }
 
     void Check() {
-        CheckMarkerText(MarkerIn(set_.first, 1), out_);
+        CheckMarkerText(MarkerIn(set_.first, 1), set_.id, out_);
         const Layout layout = MeantLayout();
         if (layout == Layout::OneFolder)
             CheckOneFolder();
@@ -155,7 +146,7 @@ class Volumes {
 void CheckGiven(const Subject& subject, Findings& out) {
     for (const Path& folder : subject.set.given) {
         const auto isHere = [&folder](const std::string& volume) {
-            return SameName(volume, folder.Text()) || LiesIn(volume, folder);
+            return IsAtOrBelow(Path(volume), folder);
         };
         if (std::ranges::none_of(subject.view.folders, isHere))
             out.Add("folder-not-a-volume", folder);
@@ -169,7 +160,7 @@ void CheckVolumes(const Subject& subject, Findings& out) {
     const bool isIncomplete = view.layout == Layout::Incomplete;
     if (!isIncomplete) CheckGiven(subject, out);
     if (view.layout == Layout::NotSplit || !view.count) return;
-    const DiscSet set{subject.Media(), view.id, view.count->count};
+    const DiscSet set{subject.Media(), view.id, view.count->count, subject.ids};
     const std::size_t before = out.Size();
     if (set.id.empty())
         CheckVolume(

@@ -9,6 +9,7 @@
 #include "mediatool/media/launcher_view.h"
 #include "mediatool/media/media_set.h"
 #include "mediatool/validate/findings.h"
+#include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 
@@ -26,6 +27,7 @@ struct Subject {
     MediaSet set;
     std::vector<FlavourHere> flavours;  // all, the launcher's first choice first
     LauncherView view;
+    MarkerIds ids;
     // The temporary folder of the users that the medium is for; empty for the longest usual one.
     std::string temp;
     // Told of every entry that is looked at; may be empty.
@@ -36,6 +38,8 @@ struct Subject {
     bool IsNeverCopied() const { return view.layout == Layout::NotSplit; }
     // Whether a flavour for this kind of Windows has its installer, or its marker.
     bool Has(bool FlavourHere::*part, bool for64Bit) const;
+    // Whether `name` is the folder, the installer or the marker of a flavour.
+    bool HasFlavour(std::string Flavour::*part, const std::string& name) const;
     Path Inst() const { return Join(Media(), kInstFolder); }
     Path Common() const { return Join(Inst(), kCommonFolder); }
 };
@@ -50,7 +54,6 @@ void CheckFlavourMarkers(const Subject& subject, Findings& out);
 void CheckCountFile(const Subject& subject, Findings& out);
 void CheckVolumeNumbers(const Subject& subject, Findings& out);
 void CheckVolumes(const Subject& subject, Findings& out);
-void CheckUnfinished(const Subject& subject, Findings& out);
 void CheckTree(const Subject& subject, Findings& out);
 
 // Whether the names of the medium were cut to 8.3; what is missing is not missing then, and the
@@ -63,8 +66,8 @@ Amounts CheckChecksums(const Subject& subject, const TellAmounts& progress, Find
 // An identifier, as it is in `marker`.
 void CheckIdentifier(const std::string& id, const Path& marker, Findings& out);
 
-// The text of one volume marker that is there. Returns the identifier that the launcher reads from
-// it, empty when it reads none.
-std::string CheckMarkerText(const Path& marker, Findings& out);
+// The text of one volume marker that is there, of which the launcher reads the identifier `id`, or
+// none.
+void CheckMarkerText(const Path& marker, const std::string& id, Findings& out);
 
 }  // namespace launcher::mediatool

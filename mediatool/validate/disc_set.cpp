@@ -11,7 +11,6 @@
 #include "mediatool/media/checksums.h"
 #include "mediatool/media/marker_bytes.h"
 #include "mediatool/validate/checks.h"
-#include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -36,12 +35,8 @@ void CompareIdentifiers(const std::string& id, const DiscSet& set, const Path& m
 // The marker of another volume of the set in a folder that should have this one's.
 std::vector<Path> OtherMarkers(const DiscSet& set, const Path& folder) {
     std::vector<Path> markers = NumberedMarkers(folder);
-    std::erase_if(markers, [&](const Path& file) { return ReadMtbDir(file.Text()) != set.id; });
+    std::erase_if(markers, [&set](const Path& file) { return !set.Has(file); });
     return markers;
-}
-
-bool HasId(const Path& marker, const std::string& id) {
-    return ReadMtbDir(marker.Text()) == id;
 }
 
 // A file that belongs to the volume, or a folder with anything in it. A list of checksums is about
@@ -65,7 +60,7 @@ void ReportOther(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf
                  Findings& out) {
     const VolumeNumber own = NumberIn(other);
     const Path place = own == 1 ? set.first : placeOf(own);
-    const bool isAlone = own <= set.count && !HasId(MarkerIn(place, own), set.id);
+    const bool isAlone = own <= set.count && !set.Has(MarkerIn(place, own));
     out.AddFirst({{isAlone, "volume-marker-wrong-number/in-its-folder"},
                   {true, "volume-marker-wrong-number"}},
                  other,
@@ -75,10 +70,10 @@ void ReportOther(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf
 }  // namespace
 
 bool CheckDepth(const std::string& volume, const Path& folder, const std::string& name,
-                const std::string& id, Findings& out) {
+                const std::string& id, const MarkerIds& ids, Findings& out) {
     for (const Entry& entry : EntriesOf(folder)) {
         const Path inner = Join(folder, entry.name);
-        if (!entry.isFolder || !HasId(Join(inner, name), id)) continue;
+        if (!entry.isFolder || ids.In(Join(inner, name)) != id) continue;
         out.Add("volume-too-deep", inner, {volume, folder.Text()});
         return true;
     }
@@ -92,7 +87,8 @@ bool CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf
     const std::string k = std::to_string(number);
     const bool isInFirst = SameName(folder, set.first);
     if (Look(marker)) {
-        const std::string id = CheckMarkerText(marker, out);
+        const std::string& id = set.ids.In(marker);
+        CheckMarkerText(marker, id, out);
         if (!id.empty() && id != set.id) CompareIdentifiers(id, set, marker, out);
         if (!isInFirst) CheckContent(k, folder, out);
         return true;
@@ -110,7 +106,7 @@ bool CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf
     const std::vector<Path> others = OtherMarkers(set, folder);
     if (number > 1 && !others.empty())
         ReportOther(set, number, placeOf, others.front(), out);
-    else if (set.id.empty() || !CheckDepth("Volume " + k, folder, name, set.id, out))
+    else if (set.id.empty() || !CheckDepth("Volume " + k, folder, name, set.id, set.ids, out))
         out.Add("volume-marker-missing", marker, {k, set.id.empty() ? "identifier" : set.id});
     return true;
 }
@@ -123,22 +119,20 @@ VolumeNumber MissingVolumes::Total() const {
     return last_ - first_ + 1 - static_cast<VolumeNumber>(others_.size());
 }
 
-VolumeNumber MissingVolumes::First() const {
-    VolumeNumber number = first_;
-    while (others_.contains(number))
-        ++number;
-    return number;
+std::vector<VolumeNumber> MissingVolumes::Named() const {
+    std::vector<VolumeNumber> named;
+    for (VolumeNumber number = first_; number <= last_ && named.size() < kMostNamed; ++number)
+        if (!others_.contains(number)) named.push_back(number);
+    return named;
 }
 
 std::string MissingVolumes::Numbers() const {
-    std::vector<std::string> named;
-    for (VolumeNumber number = first_; number <= last_ && named.size() < kMostNamed; ++number)
-        if (!others_.contains(number)) named.push_back(std::to_string(number));
+    const std::vector<VolumeNumber> named = Named();
     const bool areAll = static_cast<std::size_t>(Total()) == named.size();
     std::string text;
     for (std::size_t i = 0; i < named.size(); ++i) {
         if (i > 0) text += areAll && i + 1 == named.size() ? " and " : ", ";
-        text += named[i];
+        text += std::to_string(named[i]);
     }
     return areAll ? text : text + " and so on";
 }

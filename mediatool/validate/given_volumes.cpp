@@ -1,10 +1,10 @@
-#include "mediatool/validate/given_volumes.h"
+// Volumes that are given as folders or drives of their own.
 
 #include <string>
 
 #include "mediatool/base/files.h"
 #include "mediatool/validate/checks.h"
-#include "mediatool/validate/volume_markers.h"
+#include "mediatool/validate/disc_set.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -43,7 +43,7 @@ class GivenVolumes {
         bool isOurs = false;
         for (const Path& marker : NumberedMarkers(folder)) {
             const VolumeNumber number = NumberIn(marker);
-            if (number == 1 || ReadMtbDir(marker.Text()) != set_.id) continue;
+            if (number == 1 || !set_.Has(marker)) continue;
             isOurs = true;
             if (number > set_.count)
                 out_.Add("volume-beyond-count", marker,

@@ -1,4 +1,4 @@
-#include "mediatool/validate/lost_volumes.h"
+// Volumes where the launcher does not look for them.
 
 #include <algorithm>
 #include <string>
@@ -6,7 +6,7 @@
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
 #include "mediatool/media/marker_bytes.h"
-#include "mediatool/validate/volume_markers.h"
+#include "mediatool/validate/disc_set.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -41,7 +41,7 @@ class Search {
   private:
     void Take(const Path& marker) {
         const VolumeNumber number = NumberIn(marker);
-        if (number > 1 && number <= set_.count && ReadMtbDir(marker.Text()) == set_.id)
+        if (number > 1 && number <= set_.count && set_.Has(marker))
             found.insert({number, Parent(marker)});
     }
 

@@ -37,20 +37,12 @@ std::string NoteText(const Finding& finding) {
 }
 
 std::string VolumesText(const LauncherView& view) {
-    const std::string count = view.count ? std::to_string(view.count->count) : "";
-    switch (view.layout) {
-        case Layout::OneFolder:
-            return count + " volumes in one folder";
-        case Layout::Siblings:
-            return count + " volumes side by side";
-        case Layout::Outer:
-            return count + " volumes in outer volumes";
-        case Layout::Incomplete:
-            return "volumes are missing or cannot be put together";
-        case Layout::NotSplit:
-            break;
-    }
-    return "one volume";
+    if (view.layout == Layout::NotSplit) return "one volume";
+    if (view.layout == Layout::Incomplete) return "volumes are missing or cannot be put together";
+    const char* const where = view.layout == Layout::OneFolder  ? "in one folder"
+                              : view.layout == Layout::Siblings ? "side by side"
+                                                                : "in outer volumes";
+    return std::to_string(view.count->count) + " volumes " + where;
 }
 
 std::string Summary(const Validation& validation) {

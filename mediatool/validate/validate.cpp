@@ -55,6 +55,8 @@ LauncherView ViewFromEverywhere(const Path& media) {
     LauncherView view = ViewOf(media);
     for (std::string& folder : view.folders)
         folder = FullPath(folder).Text();
+    for (AskedMarker& marker : view.asked)
+        marker.file = FullPath(marker.file.Text());
     return view;
 }
 
@@ -64,6 +66,11 @@ bool Subject::Has(bool FlavourHere::*part, bool for64Bit) const {
     return std::ranges::any_of(flavours, [&](const FlavourHere& flavour) {
         return flavour.needs64BitWindows == for64Bit && flavour.*part;
     });
+}
+
+bool Subject::HasFlavour(std::string Flavour::*part, const std::string& name) const {
+    return std::ranges::any_of(
+        flavours, [&](const FlavourHere& flavour) { return SameName(flavour.*part, name); });
 }
 
 bool Validation::IsClean() const {
@@ -76,11 +83,12 @@ Validation Validate(const ValidateRequest& request) {
     subject.set = OpenUnfinishedSet(request.folders);
     subject.flavours = FlavoursOf(subject.Media());
     subject.view = ViewFromEverywhere(subject.Media());
+    subject.ids = MarkerIds(subject.view.asked);
     subject.progress = request.progress;
 
     Validation result;
     const auto check = [&](auto... checks) { (checks(subject, result.findings), ...); };
-    check(CheckUnfinished, CheckLauncher, CheckAutorun);
+    check(CheckLauncher, CheckAutorun);
     if (!CheckCutNames(subject, result.findings))
         check(CheckRootEntries, CheckInstallerPlaces, CheckInstallers, CheckFlavourMarkers);
     check(CheckCountFile, CheckVolumeNumbers, CheckVolumes, CheckTree);

@@ -21,6 +21,21 @@ VolumeNumber NumberOf(const std::string& name) {
 
 }  // namespace
 
+MarkerIds::MarkerIds(const std::vector<AskedMarker>& asked) {
+    for (const auto& [file, id] : asked)
+        asked_.insert(ids_.insert({InLowerCase(file.Text()), id}).first->first);
+}
+
+const std::string& MarkerIds::In(const Path& marker) const {
+    const auto [known, isNew] = ids_.try_emplace(InLowerCase(marker.Text()));
+    if (isNew) known->second = ReadMtbDir(marker.Text());
+    return known->second;
+}
+
+bool MarkerIds::WasAskedFor(const Path& marker) const {
+    return asked_.contains(InLowerCase(marker.Text()));
+}
+
 Path ParentOfVolumes(const Path& volumeOne) {
     const Path parent = Parent(volumeOne);
     return IsEmpty(parent) ? volumeOne : parent;
@@ -69,7 +84,8 @@ std::set<VolumeNumber> NumberedFolders(const Path& parent, VolumeNumber first, V
     return numbers;
 }
 
-std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::string& setId) {
+std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::string& setId,
+                                          const MarkerIds& ids) {
     std::vector<VolumeInOuter> found;
     for (Path first = Parent(volumeOne); !IsEmpty(Parent(first)); first = Parent(first)) {
         const std::string relative = RelativePath(Parent(volumeOne), first).Text();
@@ -79,8 +95,7 @@ std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::stri
             const Path parent = Join(folder, relative);
             for (const VolumeNumber number : NumberedFolders(parent, 2, kMostOuter)) {
                 const Path marker = MarkerIn(Join(parent, std::to_string(number)), number);
-                if (ReadMtbDir(marker.Text()) == setId)
-                    found.push_back({first, outer, number, marker});
+                if (ids.In(marker) == setId) found.push_back({first, outer, number, marker});
             }
         }
     }

@@ -7,8 +7,24 @@
 
 #include "fs/path.h"
 #include "media/volume_numbers.h"
+#include "mediatool/media/launcher_view.h"
 
 namespace launcher::mediatool {
+
+// The identifiers in the markers of volumes, each read once: what the launcher read where its
+// search asked for them, and elsewhere what it would read.
+class MarkerIds {
+  public:
+    MarkerIds() = default;
+    explicit MarkerIds(const std::vector<AskedMarker>& asked);
+
+    const std::string& In(const Path& marker) const;
+    bool WasAskedFor(const Path& marker) const;  // by the launcher
+
+  private:
+    std::set<std::string> asked_;                     // paths in lower case
+    mutable std::map<std::string, std::string> ids_;  // by these
+};
 
 // Looks for the markers of volumes, at their places and where they ought not to be.
 
@@ -40,6 +56,7 @@ struct VolumeInOuter {
     VolumeNumber number;  // of the volume in it
     Path marker;
 };
-std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::string& setId);
+std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::string& setId,
+                                          const MarkerIds& ids);
 
 }  // namespace launcher::mediatool

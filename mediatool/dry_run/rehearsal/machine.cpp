@@ -7,6 +7,7 @@
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
+#include "mediatool/media/launcher_view.h"
 #include "platform/administrator.h"
 #include "platform/architecture.h"
 #include "platform/module_path.h"
@@ -72,8 +73,10 @@ bool PathExists(const std::string& path) {
 
 // A volume's marker, which the launcher opens without a question whether it is there.
 std::string ReadMtbDir(const std::string& path) {
-    WriteDownLookup(path, IsThere(path));
-    return MtbDirInFile(path);
+    if (mediatool::CurrentRehearsal() != nullptr) WriteDownLookup(path, IsThere(path));
+    std::string id = MtbDirInFile(path);
+    mediatool::WriteDownMarker(path, id);
+    return id;
 }
 
 }  // namespace launcher
