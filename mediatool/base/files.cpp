@@ -211,6 +211,11 @@ bool SameName(const Path& left, const Path& right) {
     return SameName(left.Text(), right.Text());
 }
 
+bool IsWithin(const Path& path, const Path& folder) {
+    return InLowerCase(path.Text() + kBackslash)
+        .starts_with(InLowerCase(folder.Text() + kBackslash));
+}
+
 std::string InLowerCase(const std::string& text) {
     std::wstring wide = ToWide(text);
     CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));

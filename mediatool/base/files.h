@@ -90,6 +90,8 @@ inline constexpr std::size_t kLongestCommandLine = 32766;
 // Without regard to case, as Windows compares names.
 bool SameName(const std::string& left, const std::string& right);
 bool SameName(const Path& left, const Path& right);
+// Whether `path` is `folder` or lies below it, by their names.
+bool IsWithin(const Path& path, const Path& folder);
 std::string InLowerCase(const std::string& text);
 
 }  // namespace launcher::mediatool

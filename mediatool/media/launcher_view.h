@@ -25,4 +25,8 @@ struct LauncherView {
 };
 LauncherView ViewOf(const Path& media);
 
+// The same wherever it is asked: the launcher looks for the volumes beside one that is a drive's
+// root in the root of the current drive, and what is said of a medium must not depend on that.
+LauncherView ViewFromEverywhere(const Path& media);
+
 }  // namespace launcher::mediatool

@@ -137,9 +137,7 @@ class Verification {
     }
 
     // It has its own check.
-    bool IsBelowInst(const Path& folder) const {
-        return InLowerCase(folder.Text() + "\\").starts_with(InLowerCase(inst_.Text() + "\\"));
-    }
+    bool IsBelowInst(const Path& folder) const { return IsWithin(folder, inst_); }
 
     void Verify(const Volume& volume) {
         if (volume.list.empty()) return;

@@ -17,11 +17,6 @@
 namespace launcher::mediatool {
 namespace {
 
-bool LiesIn(const std::string& folder, const Path& ancestor) {
-    const std::string inner = InLowerCase(folder) + kBackslash;
-    return inner.starts_with(InLowerCase(ancestor.Text()) + kBackslash);
-}
-
 // The volumes at the places where the launcher looks for them, and those that are at others.
 class Volumes {
   public:
@@ -155,7 +150,7 @@ class Volumes {
 void CheckGiven(const Subject& subject, Findings& out) {
     for (const Path& folder : subject.set.given) {
         const auto isHere = [&folder](const std::string& volume) {
-            return SameName(volume, folder.Text()) || LiesIn(volume, folder);
+            return IsWithin(Path(volume), folder);
         };
         if (std::ranges::none_of(subject.view.folders, isHere))
             out.Add("folder-not-a-volume", folder);
