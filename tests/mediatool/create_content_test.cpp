@@ -10,6 +10,7 @@
 #include "mediatool/create/report.h"
 #include "mediatool/media/checksums.h"
 #include "tests/mediatool/creating.h"
+#include "tests/support/hook.h"
 
 namespace launcher::test {
 namespace {
@@ -62,6 +63,41 @@ TEST_F(Content, ACountFileWithoutACountIsReplacedByForceOnly) {
     scratch.Write("one/inst/volumes.txt", " \r\n");
     request.force = false;
     EXPECT_EQ(Complaint(), "none") << "there is nothing to lose";
+}
+
+// To the launcher a carriage return alone is no line end: all of it is the identifier.
+TEST_F(Content, LinesAfterCarriageReturnsAloneAreLostByForceOnly) {
+    const std::string file = scratch.Write("two/2.txt", "Set\nMTBDIR=OLD\rDisc 2\r\n");
+    EXPECT_EQ(Complaint(), "refused: \"" + file +
+                               "\" has lines that would be lost: they end with carriage returns "
+                               "alone; --force writes a new marker in its place.");
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+    request.force = true;
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_EQ(Written("out\\2\\2.txt"), "MTBDIR=SET\r\n");
+    scratch.Write("two/2.txt", "MTBDIR=OLD \r\r\nDisc 2");
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    EXPECT_EQ(Complaint(), "none") << "there is nothing to lose";
+    EXPECT_EQ(Written("out\\2\\2.txt"), "MTBDIR=SET\r\nDisc 2");
+}
+
+// A link to a file is listed with a size and time of its own. Wine lists what it leads to.
+TEST_F(Content, ALinkIsCopiedAsWhatItLeadsTo) {
+    scratch.Write("one/a.bin", "123");
+    {
+        const Hook<decltype(&FindNextFileW)> listed(
+            "FindNextFileW", [](auto real, HANDLE search, auto data) -> BOOL {
+                const BOOL found = real(search, data);
+                if (!found || std::wstring(data->cFileName) != L"a.bin") return found;
+                data->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+                data->nFileSizeLow = 0;
+                data->ftLastWriteTime = {0, 1};
+                return found;
+            });
+        EXPECT_EQ(Create(request).copiedBytes, 3u);
+    }
+    EXPECT_EQ(stdfs::last_write_time(FromUtf8(scratch.Text("out\\1\\a.bin"))),
+              stdfs::last_write_time(FromUtf8(scratch.Text("one\\a.bin"))));
 }
 
 TEST_F(Content, ADryRunSaysAllAndChangesNothing) {
