@@ -149,7 +149,9 @@ bool CanBeRead(const std::string& path) {
     return static_cast<bool>(file);
 }
 
-// Windows opens a hidden file for writing, but does not put a new one in its place.
+// A new file takes the place of another by a rename, which fails while anybody has the other open.
+// That it can be opened for writing as well shows that it is no program that is running. Windows
+// opens a hidden file so, but does not put a new one in its place.
 bool CanBeOverwritten(const std::string& path) {
     constexpr DWORD kKept = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
     const std::wstring name = Extended(path);
@@ -159,7 +161,7 @@ bool CanBeOverwritten(const std::string& path) {
         SetLastError(ERROR_ACCESS_DENIED);
         return false;
     }
-    const FileHandle file(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+    const FileHandle file(CreateFileW(name.c_str(), GENERIC_WRITE | DELETE, 0, nullptr,
                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     return static_cast<bool>(file);
 }

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "mediatool/create/checksum.h"
 #include "mediatool/create/report.h"
 #include "mediatool/media/checksums.h"
 #include "tests/mediatool/creating.h"
@@ -247,48 +246,6 @@ TEST(ChecksumList, TellsItsFirstBadLine) {
         EXPECT_EQ(list.badLine, 2u) << bad;
         EXPECT_EQ(list.files.size(), 2u) << bad;
     }
-}
-
-class ChecksumCommandTest : public testing::Test {
-  protected:
-    mediatool::Checksums Write() const {
-        mediatool::ChecksumRequest request;
-        request.folders = {media.Text()};
-        request.force = force;
-        return mediatool::WriteChecksums(request);
-    }
-    std::string Complaint() const {
-        try {
-            Write();
-        } catch (const Refused& failure) {
-            return failure.what();
-        }
-        return "none";
-    }
-    SampleMedia media{Layout::Siblings};
-    bool force = false;
-};
-
-TEST_F(ChecksumCommandTest, WritesAListIntoEveryVolumeThatIsFound) {
-    media.Write("abc", "abc");
-    EXPECT_EQ(Write().written.size(), 3u);
-    EXPECT_THAT(ReadFile(FromUtf8(media.Text("SHA256SUMS"))),
-                testing::HasSubstr(std::string(kOfAbc) + "  abc\n"));
-    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::HasSubstr("  3.txt\n"));
-}
-
-TEST_F(ChecksumCommandTest, WritesOverAListByForceOnly) {
-    media.Write("../3/SHA256SUMS", "old");
-    EXPECT_THAT(Complaint(), testing::EndsWith("is there already; --force writes over it."));
-    EXPECT_FALSE(stdfs::exists(FromUtf8(media.Text("SHA256SUMS"))));
-    force = true;
-    EXPECT_EQ(Complaint(), "none");
-    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::HasSubstr("  3.txt\n"));
-}
-
-TEST_F(ChecksumCommandTest, RefusesAnUnfinishedSet) {
-    media.Write("mediatool-unfinished.txt");
-    EXPECT_THAT(Complaint(), testing::EndsWith("says that the set is not finished."));
 }
 
 }  // namespace
