@@ -60,6 +60,23 @@ TEST_F(ChecksumCommandTest, WritesOverAListByForceOnly) {
     EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::HasSubstr("  3.txt\n"));
 }
 
+// Nor the system's own folders at the root of a drive, nor what a run that was killed has left.
+TEST(ChecksumCommand, ListsNothingThatALinkLeadsTo) {
+    SampleMedia media;
+    media.Write("data/a.bin").Write("data/mediatool-unfinished.tmp");
+    media.Write("System Volume Information/b").Write("$recycle.bin/c").Write("data/$RECYCLE.BIN/d");
+    const FolderLink link(FromUtf8(media.Text("link")), FromUtf8(media.Text("data")));
+    const MappedDrive drive(FromUtf8(media.Text()));
+    mediatool::ChecksumRequest request;
+    request.folders = {ToUtf8(drive.Root())};
+    mediatool::WriteChecksums(request);
+    const std::string list = ReadFile(FromUtf8(media.Text("SHA256SUMS")));
+    for (const std::string there : {"data/a.bin", "data/$RECYCLE.BIN/d"})
+        EXPECT_THAT(list, testing::HasSubstr("  " + there + "\n"));
+    for (const std::string left : {"unfinished", "System Volume", "$recycle.bin", "link"})
+        EXPECT_THAT(list, testing::Not(testing::HasSubstr(left)));
+}
+
 TEST_F(ChecksumCommandTest, RefusesAnUnfinishedSet) {
     media.Write("mediatool-unfinished.txt");
     EXPECT_THAT(Complaint(), testing::EndsWith("says that the set is not finished."));

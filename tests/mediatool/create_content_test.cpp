@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "fs/encoding.h"
 #include "mediatool/create/report.h"
 #include "mediatool/media/checksums.h"
 #include "tests/mediatool/creating.h"
@@ -167,6 +168,8 @@ TEST(AmountsText, HasTotalAndRateOnceTheyAreKnown) {
               "Copying: 20 of 50000 files, 45.6 MB of 1.2 GB, 22.8 MB/s");
     EXPECT_EQ(TextOf({"Copying", 0, 1, 0, 999}, 0),
               "Copying: 0 of 1 file, 0 bytes of 999 bytes, 0 bytes/s");
+    EXPECT_EQ(TextOf({"Copying", 1, 2, 1000, 123456789}, 0),
+              "Copying: 1 of 2 files, 1.0 KB of 123 MB, 1.0 MB/s");
 }
 
 TEST_F(Content, ChecksumsAreAListInEachVolume) {
