@@ -15,9 +15,11 @@
 namespace launcher::mediatool {
 namespace {
 
-Entry EntryFrom(const WIN32_FIND_DATAW& data) {
+// Of any of the records in which Windows tells of a file.
+template <class Data>
+Entry EntryFrom(std::string name, const Data& data) {
     Entry entry;
-    entry.name = ToNarrow(data.cFileName);
+    entry.name = std::move(name);
     entry.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     entry.isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if (!entry.isFolder) entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
@@ -68,14 +70,14 @@ std::optional<Entry> Look(const Path& path) {
     if (IsEmpty(path) ||
         !GetFileAttributesExW(Extended(path.Text()).c_str(), GetFileExInfoStandard, &data))
         return std::nullopt;
-    WIN32_FIND_DATAW found{};
-    found.dwFileAttributes = data.dwFileAttributes;
-    found.nFileSizeHigh = data.nFileSizeHigh;
-    found.nFileSizeLow = data.nFileSizeLow;
-    found.ftLastWriteTime = data.ftLastWriteTime;
-    Entry entry = EntryFrom(found);
-    entry.name = FileName(path);
-    return entry;
+    return EntryFrom(FileName(path), data);
+}
+
+std::optional<Entry> LookThrough(const Path& path) {
+    const FileHandle file = OpenToAsk(path.Text());
+    BY_HANDLE_FILE_INFORMATION data{};
+    if (!file || !GetFileInformationByHandle(file.Get(), &data)) return std::nullopt;
+    return EntryFrom(FileName(path), data);
 }
 
 bool IsFile(const Path& path) {
@@ -99,7 +101,7 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
     if (!search && GetLastError() == ERROR_FILE_NOT_FOUND) return entries;
     if (!search) return std::nullopt;
     do {
-        Entry entry = EntryFrom(data);
+        Entry entry = EntryFrom(ToNarrow(data.cFileName), data);
         if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
     } while (FindNextFileW(search.Get(), &data));
     const DWORD end = GetLastError();
@@ -147,7 +149,9 @@ bool CanBeRead(const std::string& path) {
     return static_cast<bool>(file);
 }
 
-// Windows opens a hidden file for writing, but does not put a new one in its place.
+// A new file takes the place of another by a rename, which fails while anybody has the other open.
+// That it can be opened for writing as well shows that it is no program that is running. Windows
+// opens a hidden file so, but does not put a new one in its place.
 bool CanBeOverwritten(const std::string& path) {
     constexpr DWORD kKept = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
     const std::wstring name = Extended(path);
@@ -157,7 +161,7 @@ bool CanBeOverwritten(const std::string& path) {
         SetLastError(ERROR_ACCESS_DENIED);
         return false;
     }
-    const FileHandle file(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+    const FileHandle file(CreateFileW(name.c_str(), GENERIC_WRITE | DELETE, 0, nullptr,
                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     return static_cast<bool>(file);
 }
@@ -215,7 +219,7 @@ bool IsAmong(const Path& path, const std::vector<Path>& paths) {
     return std::ranges::any_of(paths, [&path](const Path& each) { return SameName(each, path); });
 }
 
-bool IsAtOrBelow(const Path& path, const Path& folder) {
+bool IsWithin(const Path& path, const Path& folder) {
     return InLowerCase(path.Text() + kBackslash)
         .starts_with(InLowerCase(folder.Text() + kBackslash));
 }

@@ -13,8 +13,8 @@
 
 namespace launcher::mediatool {
 
-// Looks at files and folders, whatever the length of their paths. Nothing here follows a link
-// unless it says so. Texts are UTF-8.
+// Looks at files and folders, whatever the length of their paths. What looks at a name or lists a
+// folder tells of a link itself; what opens a file follows the links to it. Texts are UTF-8.
 
 // Makes a drive without a disc one more failure for this thread. Windows would ask for the disc, in
 // a box, and wait. Of the thread alone: programs that are started inherit the mode of the process.
@@ -40,6 +40,9 @@ std::wstring Extended(const std::string& path);
 std::optional<Entry> Look(const Path& path);
 bool IsFile(const Path& path);
 bool IsFolder(const Path& path);
+
+// The same, but of what a link leads to, under the link's own name.
+std::optional<Entry> LookThrough(const Path& path);
 
 // The entries of a folder, sorted by name; nothing when it cannot be listed to its end, with the
 // reason in GetLastError().
@@ -91,7 +94,8 @@ inline constexpr std::size_t kLongestCommandLine = 32766;
 bool SameName(const std::string& left, const std::string& right);
 bool SameName(const Path& left, const Path& right);
 bool IsAmong(const Path& path, const std::vector<Path>& paths);
-bool IsAtOrBelow(const Path& path, const Path& folder);
+// Whether `path` is `folder` or lies below it, by their names.
+bool IsWithin(const Path& path, const Path& folder);
 std::string InLowerCase(const std::string& text);
 
 }  // namespace launcher::mediatool

@@ -1,11 +1,12 @@
 #include "mediatool/create/checksum.h"
 
+#include <deque>
 #include <nlohmann/json.hpp>
 
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
-#include "mediatool/create/writer.h"
+#include "mediatool/create/new_file.h"
 #include "mediatool/media/checksums.h"
 #include "mediatool/media/launcher_view.h"
 #include "mediatool/media/media_set.h"
@@ -14,14 +15,15 @@
 namespace launcher::mediatool {
 namespace {
 
-// All lists are made before the first is written.
+// All lists are made before the first has its name.
 class Lists {
   public:
     explicit Lists(const ChecksumRequest& request) : request_(request) {
         const MediaSet set = OpenUnfinishedSet(request.folders);
-        volumes_ = FoldersOf(set.given, ViewOf(set.first).folders);
+        volumes_ = FoldersOf(set.given, ViewFromEverywhere(set.first).folders);
         const auto refuse = [](const Path& folder) { RefuseFor(folder, "listed"); };
         for (const Path& volume : volumes_) {
+            lists_.push_back(Join(volume, kChecksumsName));
             RefuseWhatIsThere(volume);
             files_.push_back(FilesOfVolume(volume, volumes_, refuse));
             for (const auto& [name, size] : files_.back()) {
@@ -32,14 +34,17 @@ class Lists {
     }
 
     Checksums Write() {
+        ProveWritable();
         std::vector<std::string> texts;
         for (std::size_t i = 0; i < volumes_.size(); ++i)
             texts.push_back(TextFor(volumes_[i], files_[i]));
+        std::deque<NewFile> whole;
+        for (std::size_t i = 0; i < volumes_.size(); ++i)
+            whole.emplace_back(lists_[i]).Add(texts[i]);
         Checksums result = {{}, read_.files, read_.bytes};
         for (std::size_t i = 0; i < volumes_.size(); ++i) {
-            const Path list = Join(volumes_[i], kChecksumsName);
-            WriteUnderTemporaryName(list, texts[i]);
-            result.written.push_back(list.Text());
+            whole[i].GiveName(request_.force);
+            result.written.push_back(lists_[i].Text());
         }
         return result;
     }
@@ -50,6 +55,15 @@ class Lists {
             throw Refused(Quoted(mark) + " says that the set is not finished.");
         if (const Path list = Join(volume, kChecksumsName); Look(list) && !request_.force)
             throw Refused(Quoted(list) + " is there already; --force writes over it.");
+    }
+
+    // Before discs are read for minutes. The files are gone again: no run that is ended leaves
+    // them.
+    void ProveWritable() const {
+        for (const Path& list : lists_) {
+            const NewFile proof(list);
+            if (Look(list) && !CanBeOverwritten(list.Text())) RefuseFor(list, "written");
+        }
     }
 
     std::string TextFor(const Path& volume, const SizesByName& files) {
@@ -67,7 +81,8 @@ class Lists {
 
     const ChecksumRequest& request_;
     std::vector<Path> volumes_;
-    std::vector<SizesByName> files_;  // of each of them
+    std::vector<Path> lists_;         // of each of them
+    std::vector<SizesByName> files_;  // likewise
     Amounts read_ = {.what = "Checksums"};
 };
 

@@ -22,7 +22,8 @@ struct Checksums {
 
 // Writes the list of checksums of each volume of a medium: of those that the launcher finds and
 // those that are given. Throws BadInput for what is no medium, and Refused when a list is there
-// already, when the set is unfinished, and when a file cannot be read; nothing is written then.
+// already, when the set is unfinished, and when a file cannot be read or a list not written;
+// nothing is written then.
 Checksums WriteChecksums(const ChecksumRequest& request);
 
 std::string TextOf(const Checksums& checksums);

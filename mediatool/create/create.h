@@ -54,8 +54,9 @@ struct Creation {
 // when it is given; of a dry request, says what would be written. Throws BadInput, before anything
 // is written, for a request that makes no sense, and Refused when a file is in the way or cannot be
 // written, and when somebody interrupts it; nothing new stays then. A set in which a file was
-// written over before is marked as unfinished, and the same request goes on from there. A marker of
-// another set that would spoil this one is in the way even when files may be written over.
+// written over before, or a new one cannot be taken back, stays marked as unfinished, and the same
+// request goes on from there. A marker of another set that would spoil this one is in the way even
+// when files may be written over.
 Creation Create(const CreateRequest& request);
 
 // What is left to do before it is a medium, as lines of text; empty when nothing is.

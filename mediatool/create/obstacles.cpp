@@ -7,6 +7,7 @@
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/create/plan.h"
+#include "mediatool/create/writer.h"
 #include "mediatool/media/checksums.h"
 
 namespace launcher::mediatool {
@@ -116,6 +117,7 @@ void RefuseOldList(const Path& list) {
 }
 
 void MeetWhatIsThere(const CreateRequest& request, Plan& plan) {
+    if (plan.resumes) HoldMark(plan.Mark(), true);  // before everything is compared in vain
     Obstacles(request, plan).Meet();
     RefuseStaleMarkers(request, plan);
     if (request.force) return;

@@ -49,10 +49,17 @@ std::vector<PlannedFile> MarkersOf(const CreateRequest& request, const Plan& pla
     return files;
 }
 
-// The folder and those that it is in, whatever its name.
+bool IsOneInOther(const Path& left, const Path& right) {
+    return IsWithin(left, right) || IsWithin(right, left);
+}
+
+// The folder and those that it is in, or is going to be in, whatever its name.
 std::set<FileIdentity> WithFoldersAbove(const Path& folder) {
+    Path there = folder;
+    while (!IsEmpty(there) && !Look(there))
+        there = Parent(there);
     std::set<FileIdentity> identities;
-    for (const Path& name : {folder, FinalPath(folder)})
+    for (const Path& name : {folder, FinalPath(there)})
         for (Path above = name; !IsEmpty(above); above = Parent(above))
             if (const auto identity = IdentityOf(above.Text())) identities.insert(*identity);
     return identities;
@@ -97,8 +104,11 @@ class Content {
   public:
     Content(const CreateRequest& request, std::vector<PlannedFile>& markers, Plan& plan)
         : request_(request), plan_(plan) {
-        for (PlannedFile& marker : markers)
+        for (PlannedFile& marker : markers) {
             markers_.insert({InLowerCase(marker.path.Text()), &marker});
+            for (Path above = Parent(marker.path); !IsEmpty(above); above = Parent(above))
+                folders_.insert(InLowerCase(above.Text()));
+        }
         countFile_ = &markers.front();
         for (const Path& volume : plan.volumes)
             lists_.insert(InLowerCase(Join(volume, kChecksumsName).Text()));
@@ -124,7 +134,12 @@ class Content {
     }
 
   private:
-    void Add(const Path& from, const Path& to, const Entry& entry) {
+    void Add(const Path& from, const Path& to, Entry entry) {
+        if (entry.isLink) {
+            const auto target = LookThrough(from);
+            if (!target) RefuseFor(from, "read");
+            entry = *target;
+        }
         plan_.files.push_back({.path = to,
                                .source = from,
                                .size = entry.size,
@@ -134,13 +149,18 @@ class Content {
         request_.progress({.what = "Content", .files = plan_.files.size(), .bytes = bytes_});
     }
 
-    // It stands where a file is going to be that create itself writes.
+    // It stands where a file is going to be that create itself writes. Throws when it is of no use
+    // for that one.
     bool GivesWay(const Path& from, const Path& to, const Entry& entry) {
         if (SameName(entry.name, kUnfinishedMark) || SameName(entry.name, kUnfinishedFile))
             throw BadInput(Quoted(from) +
                            " is left from a set that was not written to its end; finish that set, "
                            "or remove the file.");
         const std::string key = InLowerCase(to.Text());
+        if (folders_.contains(key) && !entry.isFolder)
+            throw BadInput(Quoted(from) + " is a file, where a folder is to be.");
+        if (lists_.contains(key) && entry.isFolder && request_.checksums)
+            throw BadInput(Quoted(from) + " is a folder, where a file is to be.");
         if (lists_.contains(key) && !entry.isFolder) {
             if (!request_.checksums) RefuseOldList(from);
             return true;
@@ -153,16 +173,26 @@ class Content {
             throw BadInput(Quoted(from) +
                            " has the name of a volume's marker and is none; rename it.");
         const std::string text = ReadText(from, entry);
-        const auto merged = isCountFile ? WithCount(text, request_.volumes)
-                                        : std::optional(WithId(text, request_.id));
-        if (merged)
-            marker.content = *merged;
-        else if (!request_.force)
-            throw Refused(Quoted(from) +
-                          " has lines that would be lost: its first is not a number; --force "
-                          "writes a new count file in its place.");
+        const auto merged =
+            isCountFile ? WithCount(text, request_.volumes) : WithId(text, request_.id);
+        if (!merged) {
+            RefuseLostLines(from, isCountFile);
+            return true;
+        }
+        const auto [other, isNew] = merged_.insert({key, from});
+        if (!isNew && marker.content != *merged) RefuseBoth(other->second, from, to);
+        marker.content = *merged;
         marker.size = marker.content.size();
         return true;
+    }
+
+    void RefuseLostLines(const Path& file, bool isCountFile) const {
+        if (request_.force) return;
+        throw Refused(Quoted(file) + " has lines that would be lost: " +
+                      (isCountFile ? "its first is not a number; --force writes a new count file"
+                                   : "they end with carriage returns alone; --force writes a new "
+                                     "marker") +
+                      " in its place.");
     }
 
     static std::string ReadText(const Path& file, const Entry& entry) {
@@ -176,8 +206,12 @@ class Content {
     void Take(const Path& from, const Path& to, bool isFolder) {
         const auto [taken, isNew] = taken_.insert({InLowerCase(to.Text()), {from, isFolder}});
         if (!isNew && !(isFolder && taken->second.isFolder))
-            throw BadInput(Quoted(taken->second.from) + " and " + Quoted(from) +
-                           " would both become " + Quoted(to) + ".");
+            RefuseBoth(taken->second.from, from, to);
+    }
+
+    [[noreturn]] static void RefuseBoth(const Path& one, const Path& other, const Path& to) {
+        throw BadInput(Quoted(one) + " and " + Quoted(other) + " would both become " + Quoted(to) +
+                       ".");
     }
 
     struct Taken {
@@ -189,7 +223,9 @@ class Content {
     // By path in lower case.
     std::map<std::string, PlannedFile*> markers_;
     const PlannedFile* countFile_ = nullptr;
-    std::set<std::string> lists_;  // of checksums
+    std::map<std::string, Path> merged_;  // where a marker has its lines from
+    std::set<std::string> folders_;       // that the markers lie in
+    std::set<std::string> lists_;         // of checksums
     std::map<std::string, Taken> taken_;
     std::uint64_t bytes_ = 0;
 };
@@ -201,7 +237,7 @@ void PlanContent(const CreateRequest& request, std::vector<PlannedFile>& markers
     for (const std::string& text : request.from) {
         const Path source = FullPath(text);
         if (!IsFolder(source)) throw BadInput("\"" + text + "\" is no folder.");
-        if (IsAtOrBelow(source, plan.out) || IsAtOrBelow(plan.out, source) ||
+        if (IsWithin(source, plan.out) || IsWithin(plan.out, source) ||
             targets.AreInOneAnotherWith(source))
             throw BadInput(Quoted(source) + " and the folder to write into are in one another.");
         for (const Path& other : sources)

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "fs/owners.h"
 #include "fs/path.h"
 #include "mediatool/create/plan.h"
 
@@ -14,10 +15,11 @@ class NewFile;
 
 // Writes a set whose first volume says that it is unfinished until Finish(): each file under a
 // temporary name, which it loses when it is whole. Takes back the files and folders that it made,
-// unless all went well. All functions throw Refused.
+// unless all went well. All functions but TakeBack() throw Refused.
 class Writer {
   public:
-    // Marks the set, with the folder of its first volume, before anything else is changed.
+    // Marks the set, with the folder of its first volume, before anything else is changed, and
+    // keeps others from writing it.
     explicit Writer(const Plan& plan);
     Writer(const Writer&) = delete;
     Writer& operator=(const Writer&) = delete;
@@ -30,7 +32,7 @@ class Writer {
 
     void Finish();
     // What stays all the same, as sentences with a blank in front; nothing when nothing does. A
-    // file that was overwritten stays so, and then the mark stays too.
+    // file that was overwritten stays so. With any file that stays, the mark does too.
     std::string TakeBack();
 
   private:
@@ -40,11 +42,13 @@ class Writer {
     std::vector<Path> made_;
     std::size_t replaced_ = 0;
     Path mark_;
+    FileHandle held_;  // the mark
     bool wasMarked_;
     std::string lastFolder_;  // that is there for certain
 };
 
-// Writes a file under a temporary name, which it loses when it is whole. Throws Refused.
-void WriteUnderTemporaryName(const Path& file, const std::string& content);
+// Opens the mark of a set, which is there already or is made. Nobody else can hold it meanwhile.
+// Throws Refused when another mediatool does.
+FileHandle HoldMark(const Path& mark, bool isThere);
 
 }  // namespace launcher::mediatool

@@ -49,10 +49,6 @@ std::uint64_t BytesOf(const Path& path) {
     return bytes;
 }
 
-bool IsBelow(const Path& path, const Path& folder) {
-    return InLowerCase(path.Text() + "\\").starts_with(InLowerCase(folder.Text() + "\\"));
-}
-
 // Also of what a full disk keeps out of the copy.
 std::uint64_t BytesToCopy(const Path& media) {
     std::uint64_t bytes = 0;
@@ -76,7 +72,7 @@ void AddTemp(std::vector<std::string>& hints, const DryRun& run, const Path& med
         hints.emplace_back(
             "remove.bat cannot name the temporary folder, whose path holds letters outside ASCII: "
             "the copy stays. Set TEMP to a folder with a plain name.");
-    if (IsBelow(FullPath(run.temp), Join(media, kInstFolder)))
+    if (IsWithin(FullPath(run.temp), Join(media, kInstFolder)))
         hints.emplace_back(
             "TEMP lies in the folder that is copied: the copy holds parts of itself. Which ones "
             "depends on Windows and is not foreseen.");

@@ -1,8 +1,12 @@
 #include "mediatool/media/launcher_view.h"
 
+#include <windows.h>
+
+#include "fs/encoding.h"
 #include "fs/environment.h"
 #include "launcher/base/launch_options.h"
 #include "media/volume_files.h"
+#include "mediatool/base/files.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -45,6 +49,21 @@ FoundVolumes Search(const LaunchOptions& options, std::vector<AskedMarker>& aske
     }
 }
 
+// The root of the drive as the current folder, while the object lives.
+class CurrentRoot {
+  public:
+    explicit CurrentRoot(const Path& media) : before_(32768, L'\0') {
+        before_.resize(GetCurrentDirectoryW(static_cast<DWORD>(before_.size()), before_.data()));
+        SetCurrentDirectoryW(ToWide(media.Text() + kBackslash).c_str());
+    }
+    CurrentRoot(const CurrentRoot&) = delete;
+    CurrentRoot& operator=(const CurrentRoot&) = delete;
+    ~CurrentRoot() { SetCurrentDirectoryW(before_.c_str()); }
+
+  private:
+    std::wstring before_;
+};
+
 }  // namespace
 
 void WriteDownMarker(const std::string& path, const std::string& id) {
@@ -82,6 +101,17 @@ LauncherView ViewOf(const Path& media) {
     else if (view.layout != Layout::Incomplete)
         view.folders.insert(view.folders.end(), found.folders.begin(), found.folders.end());
     view.copies = view.layout == Layout::Incomplete;
+    return view;
+}
+
+LauncherView ViewFromEverywhere(const Path& media) {
+    if (!IsEmpty(Parent(media))) return ViewOf(media);
+    const CurrentRoot root(media);
+    LauncherView view = ViewOf(media);
+    for (std::string& folder : view.folders)
+        folder = FullPath(folder).Text();
+    for (AskedMarker& marker : view.asked)
+        marker.file = FullPath(marker.file.Text());
     return view;
 }
 

@@ -35,6 +35,10 @@ struct LauncherView {
 // asks for every number.
 LauncherView ViewOf(const Path& media);
 
+// The same wherever it is asked: the launcher looks for the volumes beside one that is a drive's
+// root in the root of the current drive, and what is said of a medium must not depend on that.
+LauncherView ViewFromEverywhere(const Path& media);
+
 // To be told by what reads markers for the launcher.
 void WriteDownMarker(const std::string& path, const std::string& id);
 

@@ -53,10 +53,16 @@ std::string MarkerText(const std::string& id) {
     return kMtbDirPrefix + id + "\r\n";
 }
 
-std::string WithId(const std::string& text, const std::string& id) {
+std::optional<std::string> WithId(const std::string& text, const std::string& id) {
     std::vector<std::string> lines = LinesWithEnds(text);
-    for (std::string& line : lines)
-        if (line.starts_with(kMtbDirPrefix)) line = kMtbDirPrefix + id + LineEndOf(line);
+    for (std::string& line : lines) {
+        if (!line.starts_with(kMtbDirPrefix)) continue;
+        // A line end of the launcher's own is LF alone: what follows a CR is of the same line to
+        // it.
+        const std::size_t last = line.find_last_not_of(kBlanks);
+        if (line.find('\r') < last) return std::nullopt;
+        line = kMtbDirPrefix + id + LineEndOf(line);
+    }
     return Joined(lines);
 }
 

@@ -11,7 +11,8 @@ std::string CountFileText(int volumes);
 // any line has something in it that would be lost.
 std::optional<std::string> WithCount(const std::string& text, int volumes);
 std::string MarkerText(const std::string& id);
-// `text` with another identifier, and all its other lines as they are.
-std::string WithId(const std::string& text, const std::string& id);
+// `text` with another identifier, and all its other lines as they are; nothing when some of them
+// would be lost, because a carriage return alone is between them and the identifier.
+std::optional<std::string> WithId(const std::string& text, const std::string& id);
 
 }  // namespace launcher::mediatool

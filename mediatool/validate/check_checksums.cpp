@@ -110,7 +110,7 @@ class Verification {
     void Read(Volume& volume, const std::vector<Path>& folders) {
         const auto unlisted = [this](const Path& folder) {
             // That has its own check.
-            if (!IsAtOrBelow(folder, inst_)) out_.Add("folder-unreadable", folder);
+            if (!IsWithin(folder, inst_)) out_.Add("folder-unreadable", folder);
         };
         volume.files = FilesOfVolume(volume.folder, folders, unlisted);
         for (const auto& [name, size] : volume.files)

@@ -146,7 +146,7 @@ class Volumes {
 void CheckGiven(const Subject& subject, Findings& out) {
     for (const Path& folder : subject.set.given) {
         const auto isHere = [&folder](const std::string& volume) {
-            return IsAtOrBelow(Path(volume), folder);
+            return IsWithin(Path(volume), folder);
         };
         if (std::ranges::none_of(subject.view.folders, isHere))
             out.Add("folder-not-a-volume", folder);

@@ -1,10 +1,7 @@
 #include "mediatool/validate/validate.h"
 
-#include <windows.h>
-
 #include <algorithm>
 
-#include "fs/encoding.h"
 #include "launcher/base/launch_options.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
@@ -30,34 +27,6 @@ std::string CheckedTemp(const std::string& text) {
         throw BadInput("--temp takes the full path of a folder, such as C:\\Temp, not \"" + text +
                        "\".");
     return path.Text();
-}
-
-// The root of the drive as the current folder, while the object lives. The launcher looks for the
-// volumes beside one that is a drive's root in the root of the current drive: what is said of the
-// media must not depend on where mediatool was started.
-class CurrentRoot {
-  public:
-    explicit CurrentRoot(const Path& media) : before_(32768, L'\0') {
-        before_.resize(GetCurrentDirectoryW(static_cast<DWORD>(before_.size()), before_.data()));
-        SetCurrentDirectoryW(ToWide(media.Text() + kBackslash).c_str());
-    }
-    CurrentRoot(const CurrentRoot&) = delete;
-    CurrentRoot& operator=(const CurrentRoot&) = delete;
-    ~CurrentRoot() { SetCurrentDirectoryW(before_.c_str()); }
-
-  private:
-    std::wstring before_;
-};
-
-LauncherView ViewFromEverywhere(const Path& media) {
-    if (!IsEmpty(Parent(media))) return ViewOf(media);
-    const CurrentRoot root(media);
-    LauncherView view = ViewOf(media);
-    for (std::string& folder : view.folders)
-        folder = FullPath(folder).Text();
-    for (AskedMarker& marker : view.asked)
-        marker.file = FullPath(marker.file.Text());
-    return view;
 }
 
 }  // namespace

@@ -7,11 +7,10 @@
 #include <nlohmann/json.hpp>
 
 #include "fs/encoding.h"
-#include "mediatool/create/checksum.h"
 #include "mediatool/create/report.h"
 #include "mediatool/media/checksums.h"
 #include "tests/mediatool/creating.h"
-#include "tests/support/links.h"
+#include "tests/support/hook.h"
 
 namespace launcher::test {
 namespace {
@@ -64,6 +63,41 @@ TEST_F(Content, ACountFileWithoutACountIsReplacedByForceOnly) {
     scratch.Write("one/inst/volumes.txt", " \r\n");
     request.force = false;
     EXPECT_EQ(Complaint(), "none") << "there is nothing to lose";
+}
+
+// To the launcher a carriage return alone is no line end: all of it is the identifier.
+TEST_F(Content, LinesAfterCarriageReturnsAloneAreLostByForceOnly) {
+    const std::string file = scratch.Write("two/2.txt", "Set\nMTBDIR=OLD\rDisc 2\r\n");
+    EXPECT_EQ(Complaint(), "refused: \"" + file +
+                               "\" has lines that would be lost: they end with carriage returns "
+                               "alone; --force writes a new marker in its place.");
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+    request.force = true;
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_EQ(Written("out\\2\\2.txt"), "MTBDIR=SET\r\n");
+    scratch.Write("two/2.txt", "MTBDIR=OLD \r\r\nDisc 2");
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    EXPECT_EQ(Complaint(), "none") << "there is nothing to lose";
+    EXPECT_EQ(Written("out\\2\\2.txt"), "MTBDIR=SET\r\nDisc 2");
+}
+
+// A link to a file is listed with a size and time of its own. Wine lists what it leads to.
+TEST_F(Content, ALinkIsCopiedAsWhatItLeadsTo) {
+    scratch.Write("one/a.bin", "123");
+    {
+        const Hook<decltype(&FindNextFileW)> listed(
+            "FindNextFileW", [](auto real, HANDLE search, auto data) -> BOOL {
+                const BOOL found = real(search, data);
+                if (!found || std::wstring(data->cFileName) != L"a.bin") return found;
+                data->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+                data->nFileSizeLow = 0;
+                data->ftLastWriteTime = {0, 1};
+                return found;
+            });
+        EXPECT_EQ(Create(request).copiedBytes, 3u);
+    }
+    EXPECT_EQ(stdfs::last_write_time(FromUtf8(scratch.Text("out\\1\\a.bin"))),
+              stdfs::last_write_time(FromUtf8(scratch.Text("one\\a.bin"))));
 }
 
 TEST_F(Content, ADryRunSaysAllAndChangesNothing) {
@@ -215,72 +249,6 @@ TEST(ChecksumList, TellsItsFirstBadLine) {
         EXPECT_EQ(list.badLine, 2u) << bad;
         EXPECT_EQ(list.files.size(), 2u) << bad;
     }
-}
-
-class ChecksumCommandTest : public testing::Test {
-  protected:
-    ChecksumCommandTest() { request.folders = {media.Text()}; }
-
-    mediatool::Checksums Write() const { return mediatool::WriteChecksums(request); }
-    std::string Complaint() const {
-        try {
-            Write();
-        } catch (const Refused& failure) {
-            return failure.what();
-        }
-        return "none";
-    }
-    SampleMedia media{Layout::Siblings};
-    mediatool::ChecksumRequest request;
-};
-
-TEST_F(ChecksumCommandTest, WritesAListIntoEveryVolumeThatIsFound) {
-    media.Write("abc", "abc");
-    EXPECT_EQ(Write().written.size(), 3u);
-    EXPECT_THAT(ReadFile(FromUtf8(media.Text("SHA256SUMS"))),
-                testing::HasSubstr(std::string(kOfAbc) + "  abc\n"));
-    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::HasSubstr("  3.txt\n"));
-}
-
-TEST_F(ChecksumCommandTest, WritesOverAListByForceOnly) {
-    media.Write("../3/SHA256SUMS", "old");
-    EXPECT_THAT(Complaint(), testing::EndsWith("is there already; --force writes over it."));
-    EXPECT_FALSE(stdfs::exists(FromUtf8(media.Text("SHA256SUMS"))));
-    request.force = true;
-    EXPECT_EQ(Complaint(), "none");
-    EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::HasSubstr("  3.txt\n"));
-}
-
-TEST_F(ChecksumCommandTest, TellsHowFarItIs) {
-    std::vector<mediatool::Amounts> told;
-    request.progress = [&](const mediatool::Amounts& amounts) { told.push_back(amounts); };
-    const mediatool::Checksums checksums = Write();
-    ASSERT_GT(told.size(), 1u);
-    EXPECT_EQ(told.front().allFiles, checksums.files);
-    EXPECT_EQ(told.front().allBytes, checksums.bytes);
-    EXPECT_EQ(told.back().bytes, checksums.bytes);
-}
-
-// Nor the system's own folders at the root of a drive, nor what a run that was killed has left.
-TEST(ChecksumCommand, ListsNothingThatALinkLeadsTo) {
-    SampleMedia media;
-    media.Write("data/a.bin").Write("data/mediatool-unfinished.tmp");
-    media.Write("System Volume Information/b").Write("$recycle.bin/c").Write("data/$RECYCLE.BIN/d");
-    const FolderLink link(FromUtf8(media.Text("link")), FromUtf8(media.Text("data")));
-    const MappedDrive drive(FromUtf8(media.Text()));
-    mediatool::ChecksumRequest request;
-    request.folders = {ToUtf8(drive.Root())};
-    mediatool::WriteChecksums(request);
-    const std::string list = ReadFile(FromUtf8(media.Text("SHA256SUMS")));
-    for (const std::string there : {"data/a.bin", "data/$RECYCLE.BIN/d"})
-        EXPECT_THAT(list, testing::HasSubstr("  " + there + "\n"));
-    for (const std::string left : {"unfinished", "System Volume", "$recycle.bin", "link"})
-        EXPECT_THAT(list, testing::Not(testing::HasSubstr(left)));
-}
-
-TEST_F(ChecksumCommandTest, RefusesAnUnfinishedSet) {
-    media.Write("mediatool-unfinished.txt");
-    EXPECT_THAT(Complaint(), testing::EndsWith("says that the set is not finished."));
 }
 
 }  // namespace

@@ -28,6 +28,41 @@ TEST_F(Creating, RefusesTwoFilesOfOneName) {
     EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
 }
 
+// Found before all the content is copied.
+TEST_F(Creating, RefusesContentInThePlaceOfWhatItWrites) {
+    scratch.Write("one/inst", "a file");
+    scratch.MakeDir("two/SHA256SUMS");
+    request.isDry = true;
+    request.checksums = true;
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    EXPECT_EQ(Complaint(), "wrong use: \"" + scratch.Text("one\\inst") +
+                               "\" is a file, where a folder is to be.");
+    request.from = {scratch.Text("two"), scratch.Text("one")};
+    EXPECT_EQ(Complaint(), "wrong use: \"" + scratch.Text("two\\SHA256SUMS") +
+                               "\" is a folder, where a file is to be.");
+    request.checksums = false;
+    EXPECT_EQ(Complaint(), "none") << "inst is a folder of volume 1 alone";
+}
+
+TEST_F(Creating, RefusesMarkersOfOneNameWithOtherLines) {
+    request.layout = Layout::OneFolder;
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    for (const std::string name : {"1.txt", "inst\\volumes.txt"}) {
+        const std::string line = name == "1.txt" ? "MTBDIR=OLD\r\n" : "5\r\n";
+        const std::string one = scratch.Write("one/" + name, line + "Disc A");
+        const std::string two = scratch.Write("two/" + name, line);
+        EXPECT_EQ(Complaint(), "wrong use: \"" + one + "\" and \"" + two +
+                                   "\" would both become \"" + scratch.Text("out\\" + name) +
+                                   "\".");
+        EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+        scratch.Write("two/" + name, line + "Disc A");
+        EXPECT_EQ(Complaint(), "none");
+        EXPECT_THAT(ReadFile(FromUtf8(scratch.Text("out\\" + name))),
+                    testing::EndsWith("\r\nDisc A"));
+        stdfs::remove_all(FromUtf8(scratch.Text("out")));
+    }
+}
+
 TEST_F(Creating, RefusesTheSameContentTwice) {
     scratch.Write("one/a.bin", "1");
     request.from = {scratch.Text("one"), scratch.Text("ONE") + "\\"};
@@ -96,6 +131,14 @@ TEST_F(OtherNames, OfALinkBelowAVolume) {
     scratch.Write("two/data/a.bin", "2");
     const FolderLink link(scratch.Dir() / "out" / "1" / "data", scratch.Dir() / "two" / "data");
     ExpectRefusal({scratch.Text("one"), scratch.Text("two")}, " are the same file.");
+}
+
+TEST_F(OtherNames, OfAFolderThatIsNotThereYetBelowALink) {
+    scratch.Write("one/data/a.bin", "1");
+    scratch.Write("two/a.bin", "2");
+    const FolderLink link(scratch.Dir() / "linked", scratch.Dir() / "one" / "data");
+    request.out = scratch.Text("linked\\new");
+    ExpectRefusal({scratch.Text("one"), scratch.Text("two")}, kOneAnother);
 }
 
 TEST_F(OtherNames, OfOneFolderForTwoVolumes) {

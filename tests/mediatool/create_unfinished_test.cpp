@@ -230,6 +230,13 @@ TEST_F(FailingCall, ForTheTimeOfACopy) {
     ExpectTakenBack(complaint, "one\\a.bin", "copied");
 }
 
+// FAT keeps none before 1980.
+TEST_F(FailingCall, ForATimeThatTheDiskCannotKeepIsPassedOver) {
+    const Hook<decltype(&SetFileTime)> unkept("SetFileTime",
+                                              FailsWith(ERROR_INVALID_PARAMETER, FALSE));
+    EXPECT_EQ(Complaint(), "none");
+}
+
 TEST_F(FailingCall, ForTheNameOfACopy) {
     const auto complaint = ComplaintWithout<decltype(&MoveFileExW)>("MoveFileExW");
     ExpectTakenBack(complaint, "one\\a.bin", "copied");

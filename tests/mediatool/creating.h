@@ -27,9 +27,10 @@ class Creating : public testing::Test {
         request.out = scratch.Text("out");
     }
 
-    std::string Complaint() {
+    std::string Complaint() const { return Complaint(request); }
+    static std::string Complaint(const CreateRequest& asked) {
         try {
-            Create(request);
+            Create(asked);
         } catch (const BadInput& failure) {
             return std::string("wrong use: ") + failure.what();
         } catch (const Refused& failure) {
