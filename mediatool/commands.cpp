@@ -86,7 +86,6 @@ struct DryRunCommand {
                           "Show all that was looked for, every variable and every copied file.");
         command->add_flag("--check", check, "Give the verdict as exit code.");
         command->add_flag("--json", json, "Print JSON.");
-        TakesLaunchersToo(*command);
         command->footer(
             "The launcher's own arguments stand after --, as in: mediatool dry-run D:\\ -- -wait\n"
             "Exit code: 0 whatever the launcher would do, 2 wrong use; with --check, 0 when it "
@@ -165,6 +164,8 @@ class Mediatool {
           create_(app_),
           checksum_(app_) {
         app_.require_subcommand(1);
+        for (CLI::App* const command : {run_.command, dryRun_.command})
+            TakesLaunchersToo(*command);
         app_.set_version_flag("--version", "mediatool " LAUNCHER_VERSION);
     }
 

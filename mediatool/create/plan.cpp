@@ -237,8 +237,7 @@ void PlanContent(const CreateRequest& request, std::vector<PlannedFile>& markers
     for (const std::string& text : request.from) {
         const Path source = FullPath(text);
         if (!IsFolder(source)) throw BadInput("\"" + text + "\" is no folder.");
-        if (IsWithin(source, plan.out) || IsWithin(plan.out, source) ||
-            targets.AreInOneAnotherWith(source))
+        if (IsOneInOther(source, plan.out) || targets.AreInOneAnotherWith(source))
             throw BadInput(Quoted(source) + " and the folder to write into are in one another.");
         for (const Path& other : sources)
             if (SameName(other.Text(), source.Text()) ||

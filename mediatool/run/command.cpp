@@ -3,7 +3,6 @@
 #include <exception>
 #include <utility>
 
-#include "mediatool/arguments.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/interruption.h"
@@ -29,7 +28,6 @@ RunCommand::RunCommand(CLI::App& app)
     command->add_flag("--json", json_, "Print JSON, at the end.");
     command->add_flag("--end-installer", endInstaller_,
                       "At the time limit and at Ctrl+C, end the installer too.");
-    TakesLaunchersToo(*command);
     command->footer(
         "The launcher's own arguments stand after --, as in: mediatool run D:\\ -- -wait\n"
         "Exit code: the launcher's own; else 124 the time limit is over, 125 wrong use or a "
