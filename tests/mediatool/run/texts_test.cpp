@@ -1,5 +1,6 @@
 // Small texts: time limits, moments, the form of the launcher's lines, meanings of exit codes.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
