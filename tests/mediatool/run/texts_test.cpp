@@ -1,5 +1,6 @@
 // Small texts: time limits, moments, the form of the launcher's lines, meanings of exit codes.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -187,7 +188,7 @@ TEST(JsonText, IsAscii) {
 }
 
 TEST(HarmlessText, HasNoControlCharactersButTabsAndLineEnds) {
-    EXPECT_EQ(Harmless("a\tb\nc \x1B[2J \x7F \r \u009B Gr\u00F6\u00DFe"),
+    EXPECT_EQ(Harmless("a\tb\nc \x1B[2J \x7F \r \xC2\x9B Gr\u00F6\u00DFe"),
               "a\tb\nc \\x1B[2J \\x7F \\x0D \\x9B Gr\u00F6\u00DFe");
     EXPECT_EQ(OnOneLine("a\nb\r\n"), "a\\x0Ab");
 }
@@ -204,7 +205,7 @@ TEST(HarmlessText, HasNoCharactersThatTurnOthersOrCannotBeSeen) {
 }
 
 TEST(ControlsShownInText, LeavesOtherCharacters) {
-    EXPECT_EQ(ControlsShown("\tb\r\u009B\u202E\uFEFF", "\t"), "\tb\\x0D\\x9B\u202E\uFEFF");
+    EXPECT_EQ(ControlsShown("\tb\r\xC2\x9B\u202E\uFEFF", "\t"), "\tb\\x0D\\x9B\u202E\uFEFF");
 }
 
 TEST(Summary, ShowsALargeCodeAsPeopleKnowItToo) {
