@@ -1,8 +1,9 @@
 #include "mediatool/arguments.h"
 
 #include <algorithm>
-#include <numeric>
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
@@ -17,6 +18,11 @@ bool AsksForHelp(const std::string& word) {
     return word == kHelp || word == "-h" || word == "/?" || word == "-?";
 }
 
+// In the place of a command, which is no path: there a slash is harmless.
+bool IsHelpCommand(const std::string& word) {
+    return word == "help" || word == "/help";
+}
+
 // "a, b and c", with these between them.
 std::string Listed(const std::vector<std::string>& names, const std::string& comma,
                    const std::string& last) {
@@ -26,19 +32,23 @@ std::string Listed(const std::vector<std::string>& names, const std::string& com
     return list;
 }
 
-// How many characters have to be put in, left out or replaced to come from one to the other.
+// How many characters have to be put in, left out or replaced, or to change places with their
+// neighbours, to come from one to the other.
 std::size_t Distance(const std::string& from, const std::string& to) {
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (const char c : from) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t replaced = diagonal + (c == to[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+    // Between the first i characters of one and the first j of the other.
+    std::vector<std::vector<std::size_t>> least(from.size() + 1,
+                                                std::vector<std::size_t>(to.size() + 1));
+    for (std::size_t i = 0; i <= from.size(); ++i)
+        for (std::size_t j = 0; j <= to.size(); ++j) {
+            least[i][j] = i + j;
+            if (i == 0 || j == 0) continue;
+            const std::size_t replaced = from[i - 1] == to[j - 1] ? 0 : 1;
+            least[i][j] = std::min(
+                {least[i - 1][j] + 1, least[i][j - 1] + 1, least[i - 1][j - 1] + replaced});
+            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1])
+                least[i][j] = std::min(least[i][j], least[i - 2][j - 2] + 1);
         }
-    }
-    return row[to.size()];
+    return least[from.size()][to.size()];
 }
 
 // The name that may have been meant; one that only begins so as well.
@@ -165,9 +175,16 @@ class Check {
 }  // namespace
 
 std::vector<std::string> WithHelpAsked(std::vector<std::string> arguments) {
-    const bool isHelp = !arguments.empty() && arguments.front() == "help";
-    if (isHelp) arguments.erase(arguments.begin());
+    const bool isHelp = !arguments.empty() && IsHelpCommand(arguments.front());
     if (!isHelp && std::ranges::none_of(arguments, AsksForHelp)) return arguments;
+    if (isHelp) {
+        std::erase_if(arguments, [](const std::string& word) {
+            return IsHelpCommand(word) || AsksForHelp(word);
+        });
+        if (arguments.size() > 1)
+            throw BadInput(Quoted(arguments[1]) +
+                           " is one argument too many; help takes the name of one command.");
+    }
     const bool hasCommand = !arguments.empty() && !AsksForHelp(arguments.front());
     return hasCommand ? std::vector<std::string>{arguments.front(), kHelp}
                       : std::vector<std::string>{kHelp};
@@ -194,6 +211,16 @@ std::vector<std::string> Checked(const CLI::App& command, const std::vector<std:
         Check(command, hint).Of({arguments.begin() + 1, arguments.end()});
     checked.insert(checked.begin(), arguments.front());
     return checked;
+}
+
+void TakesLaunchersToo(CLI::App& command) {
+    struct Formatter : CLI::Formatter {
+        std::string make_usage(const CLI::App* app, std::string name) const override {
+            std::string usage = CLI::Formatter::make_usage(app, std::move(name));
+            return usage.insert(usage.find_last_not_of('\n') + 1, " [-- LAUNCHER ARGUMENTS]");
+        }
+    };
+    command.formatter(std::make_shared<Formatter>());
 }
 
 CLI::Option* MayBeGivenAgain(CLI::Option* option) {

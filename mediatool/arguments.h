@@ -10,7 +10,8 @@ namespace launcher::mediatool {
 // option, and says what is wrong in words of its own: so it gets only what is in order, in a form
 // that leaves nothing to guess.
 
-// Asks for help in one way: "help COMMAND", "/?" and others become "COMMAND --help".
+// Asks for help in one way: "help COMMAND", "/?" and others become "COMMAND --help". Throws
+// BadInput for help on more than one.
 std::vector<std::string> WithHelpAsked(std::vector<std::string> arguments);
 
 // The subcommand that the first of them names; null for --help and --version. Throws BadInput.
@@ -20,6 +21,9 @@ const CLI::App* CommandOf(const CLI::App& app, const std::vector<std::string>& a
 // to say besides when there is one too many. Throws BadInput.
 std::vector<std::string> Checked(const CLI::App& command, const std::vector<std::string>& arguments,
                                  const std::string& hint);
+
+// Has the help of `command` say that the launcher's arguments may stand behind its own.
+void TakesLaunchersToo(CLI::App& command);
 
 // One value for each time that the option is given.
 CLI::Option* MayBeGivenAgain(CLI::Option* option);

@@ -86,6 +86,7 @@ struct DryRunCommand {
                           "Show all that was looked for, every variable and every copied file.");
         command->add_flag("--check", check, "Give the verdict as exit code.");
         command->add_flag("--json", json, "Print JSON.");
+        TakesLaunchersToo(*command);
         command->footer(
             "The launcher's own arguments stand after --, as in: mediatool dry-run D:\\ -- -wait\n"
             "Exit code: 0 whatever the launcher would do, 2 wrong use; with --check, 0 when it "

@@ -1,6 +1,67 @@
 #include "mediatool/base/sentences.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace launcher::mediatool {
+namespace {
+
+struct Character {
+    char32_t code;
+    std::size_t bytes;
+};
+
+// The first one of a text that is not empty. A byte that begins none is one that is shown as it is.
+Character FirstOf(std::string_view text) {
+    const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    if (byte(0) >= 0x80 && byte(0) < 0xC2) return {U'\uFFFD', 1};
+    const std::size_t count = byte(0) < 0x80 ? 1 : byte(0) < 0xE0 ? 2 : byte(0) < 0xF0 ? 3 : 4;
+    char32_t code = count == 1 ? byte(0) : byte(0) & (0x7F >> count);
+    for (std::size_t i = 1; i < count; ++i) {
+        if (i == text.size() || (byte(i) & 0xC0) != 0x80) return {U'\uFFFD', 1};
+        code = code << 6 | (byte(i) & 0x3F);
+    }
+    return {code, count};
+}
+
+bool IsControl(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0);
+}
+
+// Characters without a shape that turn the direction of others, or that nothing in a text needs.
+// Those that join letters and signs, or keep them apart, are needed.
+bool IsUnseen(char32_t code) {
+    constexpr std::pair<char32_t, char32_t> kRanges[] = {
+        {0x061C, 0x061C}, {0x200B, 0x200B}, {0x200E, 0x200F}, {0x2028, 0x202E},
+        {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}};
+    return std::ranges::any_of(
+        kRanges, [code](const auto& range) { return range.first <= code && code <= range.second; });
+}
+
+// "\x1B", "\u202E"
+std::string Escaped(char32_t code) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text = code < 0x100 ? "\\x" : "\\u";
+    for (int shift = code < 0x100 ? 4 : 12; shift >= 0; shift -= 4)
+        text += kDigits[(code >> shift) & 15];
+    return text;
+}
+
+std::string Shown(std::string_view text, std::string_view kept, bool (*isHidden)(char32_t)) {
+    std::string shown;
+    while (!text.empty()) {
+        const Character first = FirstOf(text);
+        const bool isKept = kept.find(text.front()) != std::string_view::npos;
+        if (isHidden(first.code) && !isKept)
+            shown += Escaped(first.code);
+        else
+            shown += text.substr(0, first.bytes);
+        text.remove_prefix(first.bytes);
+    }
+    return shown;
+}
+
+}  // namespace
 
 std::string Quoted(const std::string& text) {
     return "\"" + text + "\"";
@@ -19,25 +80,12 @@ std::string Grouped(std::uint64_t number) {
     return digits;
 }
 
+std::string ControlsShown(const std::string& text, std::string_view kept) {
+    return Shown(text, kept, &IsControl);
+}
+
 std::string Harmless(const std::string& text, std::string_view kept) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string harmless;
-    const auto show = [&](unsigned char code) {
-        harmless += {'\\', 'x', kDigits[code >> 4], kDigits[code & 15]};
-    };
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
-        if (byte == 0xC2 && next >= 0x80 && next < 0xA0) {  // U+0080 to U+009F
-            show(next);
-            ++i;
-        } else if ((byte < 0x20 || byte == 0x7F) && kept.find(text[i]) == std::string_view::npos) {
-            show(byte);
-        } else {
-            harmless += text[i];
-        }
-    }
-    return harmless;
+    return Shown(text, kept, [](char32_t code) { return IsControl(code) || IsUnseen(code); });
 }
 
 std::string OnOneLine(std::string text) {

@@ -18,8 +18,12 @@ std::string Quoted(const Path& path);
 // "1234567" as "1,234,567"
 std::string Grouped(std::uint64_t number);
 
-// With each control character, but those of `kept`, as "\x1B": a terminal would obey it, and in the
-// text of a file nobody would see it. Those from U+0080 to U+009F are control characters too.
+// With each control character, but those of `kept`, as "\x1B". Those from U+0080 to U+009F are
+// control characters too.
+std::string ControlsShown(const std::string& text, std::string_view kept);
+
+// The same, and characters that cannot be seen or turn the direction of the text as "\u202E": a
+// terminal would obey them, and in the text of a file nobody would see them.
 std::string Harmless(const std::string& text, std::string_view kept = "\t\n");
 
 // The same for a sentence: without line ends at its end, and with LF as well.

@@ -28,7 +28,7 @@ std::vector<std::string> LinesOf(const std::string& bytes) {
 }
 
 bool HasControlCharacter(const std::string& text) {
-    return Harmless(text, "\t") != text;
+    return ControlsShown(text, "\t") != text;
 }
 
 std::string SpeltOut(const std::string& text) {

@@ -3,6 +3,7 @@
 #include <exception>
 #include <utility>
 
+#include "mediatool/arguments.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/interruption.h"
@@ -28,6 +29,7 @@ RunCommand::RunCommand(CLI::App& app)
     command->add_flag("--json", json_, "Print JSON, at the end.");
     command->add_flag("--end-installer", endInstaller_,
                       "At the time limit and at Ctrl+C, end the installer too.");
+    TakesLaunchersToo(*command);
     command->footer(
         "The launcher's own arguments stand after --, as in: mediatool run D:\\ -- -wait\n"
         "Exit code: the launcher's own; else 124 the time limit is over, 125 wrong use or a "
@@ -41,7 +43,7 @@ int RunCommand::Run(std::vector<std::string> launcherArguments) {
     const std::string commandLine = CommandLineOf(request.launcher, request.arguments);
     if (WideLength(commandLine) > kLongestCommandLine)
         throw BadInput("The launcher's arguments are longer than Windows takes.");
-    Reporter reporter(log_, json_);
+    Reporter reporter(IsNoLog(log_) ? "" : log_, json_);
     reporter.Begin(commandLine);
     try {  // the log must end with the reason too, of a share that cannot be reached for instance
         if (!IsFolder(FullPath(media_)))
@@ -67,10 +69,7 @@ RunRequest RunCommand::Request(std::vector<std::string> launcherArguments) const
     request.launcher = Join(folder, kLauncherName).Text();
     request.arguments = std::move(launcherArguments);
     if (command->count("--time-limit") > 0) request.timeLimit = TimeLimitOf(timeLimit_);
-    if (command->count("--log") > 0) {
-        if (log_.empty()) throw BadInput("--log is empty.");
-        RefuseLogIn(folder, Path(request.launcher), log_);
-    }
+    if (command->count("--log") > 0) CheckLog(folder, Path(request.launcher), log_);
     request.endInstaller = endInstaller_;
     return request;
 }

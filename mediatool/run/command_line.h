@@ -13,4 +13,8 @@ std::string CommandLineOf(const std::string& program, const std::vector<std::str
 // Whether the launcher, given these, waits for the installer.
 bool WaitsForInstaller(const std::vector<std::string>& arguments);
 
+// Whether the launcher, given these in this environment, only tells the number of volumes, as its
+// exit code.
+bool AsksForVolumes(const std::vector<std::string>& arguments);
+
 }  // namespace launcher::mediatool

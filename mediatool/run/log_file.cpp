@@ -5,6 +5,7 @@
 #include "fs/text.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/names.h"
 #include "mediatool/base/sentences.h"
 
 namespace launcher::mediatool {
@@ -21,10 +22,22 @@ bool LiesIn(const Path& path, const Path& folder) {
     return false;
 }
 
+// Windows takes "CON", and before Windows 11 "C:\logs\con.txt" too, for "\\.\CON".
+bool IsDevice(const Path& path) {
+    return path.Text().starts_with("\\\\.\\") || IsReservedName(FileName(path));
+}
+
 }  // namespace
 
-void RefuseLogIn(const Path& folder, const Path& launcher, const std::string& log) {
+bool IsNoLog(const std::string& log) {
+    return log.empty() || SameName(log, "NUL") || SameName(log, "NUL:");
+}
+
+void CheckLog(const Path& folder, const Path& launcher, const std::string& log) {
+    if (log.empty()) throw BadInput("--log is empty.");
+    if (IsNoLog(log)) return;
     const Path path = FullPath(log);
+    if (IsDevice(path)) throw BadInput("The log " + Quoted(log) + " is a device, not a file.");
     if (IsSame(path, launcher) || LiesIn(path, folder) || LiesIn(FinalPath(path), folder))
         throw BadInput("The log " + Quoted(log) +
                        " lies in the media, which must stay as it is; give it another place.");

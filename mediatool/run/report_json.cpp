@@ -65,6 +65,7 @@ Json JsonOf(const WatchedRun& run) {
             {"boxes", JsonOf(run.boxes)},
             {"lines", JsonOf(run.lines)},
             {"linesLeftOut", run.linesLeftOut},
+            {"bytesLeftOut", run.bytesLeftOut},
             {"launcher", JsonOf(run.launcher)},
             {"installer", JsonOf(run.installer)},
             {"error", run.failure.empty() ? Json() : Json(run.failure)}};

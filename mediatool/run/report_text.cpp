@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include "fs/environment.h"
@@ -136,6 +137,8 @@ std::string MeaningOf(const WatchedRun& run, const RunRequest& request) {
         return "The launcher's, for an installer that crashed; see the installer's own log.";
     if (run.exitCode == 1 && !run.boxes.empty())
         return "The launcher refuses; the message says why.";
+    if (!run.installer && run.exitCode <= INT32_MAX && AsksForVolumes(request.arguments))
+        return "The number of volumes, which ZEPAdmODTMultiVolumes asks for; nothing was started.";
     if (run.exitCode == 0 && !waits)
         return "The launcher has started the installer, and does not wait for it.";
     if (waits) return "The installer's own, which ended before it was seen, or the launcher's.";

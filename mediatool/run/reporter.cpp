@@ -75,9 +75,11 @@ void Reporter::ConcludeWith(const std::string& sentence, int exitCode) {
 
 void Reporter::Saw(const std::vector<SeenLine>& lines) {
     std::string told;
-    for (const SeenLine& line : lines)
+    for (const SeenLine& line : lines) {
         told += LineOf(line.at, SourceOf(line.origin), line.text);
-    last_ = lines.back().text;
+        const bool isBlank = line.text.find_first_not_of(" \t") == std::string::npos;
+        if (!isBlank) last_ = line.text;
+    }
     Tell(told);
 }
 
@@ -119,8 +121,8 @@ void Reporter::SayWhatIsMissing(const WatchedRun& run) {
         Say("The JSON holds " + std::to_string(kKeptLines >> 20) + " MB of lines; the last " +
             std::to_string(run.linesLeftOut) + " are left out of it." +
             (log_ ? " The log has them all." : ""));
-    if (run.bytesLeft > 0)
-        Say("The last " + std::to_string(run.bytesLeft) +
+    if (run.bytesLeftOut > 0)
+        Say("The last " + std::to_string(run.bytesLeftOut) +
             " bytes of output were not taken down: there was no time for them.");
 }
 

@@ -116,8 +116,9 @@ class Watch {
                 Sleep(kTick);
             TakeLines();
         }
-        run_.bytesLeft = bytesLeft();
-        if (run_.bytesLeft > 0 || (run_.installer && run_.installer->stillRunning)) return;
+        if (bytesLeft() > 0)
+            run_.bytesLeftOut = bytesLeft() + output_.RestSize() + errors_.RestSize();
+        if (run_.bytesLeftOut > 0 || (run_.installer && run_.installer->stillRunning)) return;
         for (WatchedStream* const stream : {&output_, &errors_})
             Add(stream->TakeRest());
     }

@@ -57,7 +57,7 @@ struct WatchedRun {
     std::vector<AnsweredBox> boxes;
     std::vector<SeenLine> lines;          // the first ones
     std::uint64_t linesLeftOut = 0;       // the others: there is no room for them
-    std::uint64_t bytesLeft = 0;          // that were written, and not taken down in time
+    std::uint64_t bytesLeftOut = 0;       // after all these, not taken down in time
     std::optional<SeenProcess> launcher;  // nothing when it was not started
     std::optional<SeenProcess> installer;
     std::string failure;  // of mediatool, which ended the run

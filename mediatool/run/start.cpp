@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "fs/encoding.h"
+#include "fs/text.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/run/run.h"
@@ -44,8 +45,15 @@ FileHandle NoInput() {
                                   &inheritable, OPEN_EXISTING, 0, nullptr));
 }
 
+// Some of the system's texts have a place for the program's name: "%1 is not a valid ...".
+std::string ReasonText(const std::string& program, DWORD error) {
+    std::string reason = ErrorText(error);
+    ReplaceAll(reason, "%1", FileName(Path(program)), 0);
+    return reason;
+}
+
 [[noreturn]] void ThrowNotStarted(const std::string& program, DWORD error) {
-    throw NotStarted("Windows cannot start " + Quoted(program) + ": " + ErrorText(error) +
+    throw NotStarted("Windows cannot start " + Quoted(program) + ": " + ReasonText(program, error) +
                          " (error " + std::to_string(error) + ").",
                      kCannotStart);
 }

@@ -18,6 +18,14 @@ std::size_t Columns() {
     return static_cast<std::size_t>(std::max(0, info.srWindow.Right - info.srWindow.Left));
 }
 
+// At most: signs of East Asia are twice as wide as letters, and so are pairs of surrogates.
+std::size_t CellsOf(const std::wstring& text) {
+    const auto isWide = [](wchar_t unit) {
+        return unit >= 0x1100 && !IS_HIGH_SURROGATE(unit) && !IS_LOW_SURROGATE(unit);
+    };
+    return text.size() + static_cast<std::size_t>(std::ranges::count_if(text, isWide));
+}
+
 }  // namespace
 
 std::wstring StatusText(std::uint64_t milliseconds, const std::string& message,
@@ -27,7 +35,8 @@ std::wstring StatusText(std::uint64_t milliseconds, const std::string& message,
     std::ranges::replace(text, '\t', ' ');  // whose width nobody knows
     std::wstring wide = ToWide(text);
     wide.resize(std::min(wide.size(), columns));
-    if (!wide.empty() && IS_HIGH_SURROGATE(wide.back())) wide.pop_back();
+    while (!wide.empty() && (CellsOf(wide) > columns || IS_HIGH_SURROGATE(wide.back())))
+        wide.pop_back();
     return wide;
 }
 
@@ -37,9 +46,10 @@ void StatusLine::Show(std::uint64_t milliseconds, const std::string& message) {
     const std::size_t columns = Columns();
     if (columns == 0) return;
     const std::wstring text = StatusText(milliseconds, message, columns);
-    const std::size_t blanks = shown_ > text.size() ? shown_ - text.size() : 0;
+    const std::size_t cells = CellsOf(text);
+    const std::size_t blanks = shown_ > cells ? shown_ - cells : 0;
     screen_.Error("\r" + ToNarrow(text.c_str()) + std::string(blanks, ' '));
-    shown_ = text.size();
+    shown_ = cells;
 }
 
 void StatusLine::Clear() {

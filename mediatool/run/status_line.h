@@ -7,8 +7,8 @@
 
 namespace launcher::mediatool {
 
-// How much time has passed, and the first line of a message, as far as `columns` UTF-16 code units
-// go.
+// How much time has passed, and the first line of a message, as far as `columns` cells of a
+// terminal go.
 std::wstring StatusText(std::uint64_t milliseconds, const std::string& message,
                         std::size_t columns);
 
@@ -28,7 +28,7 @@ class StatusLine {
 
   private:
     Screen& screen_;
-    std::size_t shown_ = 0;              // characters
+    std::size_t shown_ = 0;              // cells
     std::uint64_t second_ = UINT64_MAX;  // that is shown
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -29,6 +30,8 @@ class StreamFile {
     std::vector<std::string> TakeLines();
     // What is there of a line that nobody will complete.
     std::string TakeRest();
+    // Its length in bytes.
+    std::size_t RestSize() const { return rest_.size(); }
 
     // In bytes: of all that was written, and of what was taken of it.
     std::uint64_t Size() const;

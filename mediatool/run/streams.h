@@ -30,6 +30,7 @@ class WatchedStream {
     bool HasMore() const { return file_.Size() > file_.Taken(); }
     std::uint64_t Size() const { return file_.Size(); }
     std::uint64_t Taken() const { return file_.Taken(); }
+    std::size_t RestSize() const { return file_.RestSize(); }
 
   private:
     SeenLine Attributed(std::string text);

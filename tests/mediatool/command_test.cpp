@@ -200,6 +200,12 @@ TEST_F(Command, WrongUseThatMayBeASlip) {
     const std::string folder = media.Text();
     EXPECT_EQ(Complaint({"validat", folder}),
               "mediatool: There is no command \"validat\"; did you mean validate?\n");
+    EXPECT_EQ(Complaint({"rnu", folder}),
+              "mediatool: There is no command \"rnu\"; did you mean run?\n");
+    EXPECT_EQ(
+        Complaint({"nru", folder}),
+        "mediatool: There is no command \"nru\"; there are run, dry-run, validate, create and "
+        "checksum.\n");
     EXPECT_EQ(Complaint({"DryRun", folder}),
               "mediatool: There is no command \"DryRun\"; did you mean dry-run?\n");
     EXPECT_EQ(Complaint({"validate", folder, "--frobnicate"}),
@@ -309,13 +315,32 @@ TEST_F(Command, HelpAndVersion) {
     EXPECT_THAT(Run({"validate", "--help"}).output, HasSubstr("Exit code: 0 clean"));
     EXPECT_THAT(Run({"--version"}).output, StartsWith("mediatool 1."));
     EXPECT_EQ(Run({"--help"}).exitCode, 0u);
-    for (const std::vector<std::string>& asked : std::vector<std::vector<std::string>>{
-             {"help"}, {"/?"}, {"-?"}, {"-h"}, {"help", "/?"}, {"--help", "validate"}})
+    for (const std::vector<std::string>& asked :
+         std::vector<std::vector<std::string>>{{"help"},
+                                               {"/?"},
+                                               {"-?"},
+                                               {"-h"},
+                                               {"/help"},
+                                               {"help", "help"},
+                                               {"help", "/help"},
+                                               {"help", "/?"},
+                                               {"--help", "validate"}})
         EXPECT_EQ(Run(asked).output, Run({"--help"}).output) << asked.front();
-    for (const std::vector<std::string>& asked : std::vector<std::vector<std::string>>{
-             {"help", "run"}, {"run", "/?"}, {"run", "M:\\", "-h"}, {"run", "--jsn", "-?"}})
+    for (const std::vector<std::string>& asked :
+         std::vector<std::vector<std::string>>{{"help", "run"},
+                                               {"help", "run", "/?"},
+                                               {"run", "/?"},
+                                               {"run", "M:\\", "-h"},
+                                               {"run", "--jsn", "-?"}})
         EXPECT_EQ(Run(asked).output, Run({"run", "--help"}).output) << asked.front();
     EXPECT_THAT(Complaint({"help", "runn"}), HasSubstr("did you mean run?"));
+    EXPECT_EQ(
+        Complaint({"help", "run", "extra"}),
+        "mediatool: \"extra\" is one argument too many; help takes the name of one command.\n");
+    EXPECT_THAT(Run({"help", "run"}).output,
+                HasSubstr("Usage: mediatool run [OPTIONS] media [-- LAUNCHER ARGUMENTS]\n"));
+    EXPECT_THAT(Run({"help", "dry-run"}).output,
+                HasSubstr("Usage: mediatool dry-run [OPTIONS] media [-- LAUNCHER ARGUMENTS]\n"));
     EXPECT_THAT(Run({"run", "/?"}).output, HasSubstr("a number of seconds"));
     EXPECT_THAT(Run({"create", "--help"}).output, HasSubstr("{one-folder,siblings,outer}"));
 }

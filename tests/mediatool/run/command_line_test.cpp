@@ -8,7 +8,9 @@
 #include <shellapi.h>
 
 #include "fs/encoding.h"
+#include "fs/environment.h"
 #include "fs/owners.h"
+#include "tests/support/isolated_test.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -66,6 +68,27 @@ INSTANTIATE_TEST_SUITE_P(Table, Waiting,
                                          WaitRow{"Odt", {"--odt"}, true},
                                          WaitRow{"Mgt", {"--mgt"}, false}),
                          [](const auto& row) { return std::string(row.param.name); });
+
+class VolumeQuery : public test::IsolatedTest {};
+
+TEST_F(VolumeQuery, IsMadeByTheEnvironment) {
+    SetEnvVar("ZEPAdmODTMultiVolumes", "");
+    EXPECT_FALSE(AsksForVolumes({}));
+    EXPECT_FALSE(AsksForVolumes({"-env", "ZEPAdmODTMultiVolume"}));
+    SetEnvVar("ZEPAdmODTMultiVolumes", "no");
+    EXPECT_TRUE(AsksForVolumes({}));
+    EXPECT_FALSE(AsksForVolumes({"-env", "ZEPAdmODTMultiVolumes="}));
+}
+
+TEST_F(VolumeQuery, IsMadeByTheArguments) {
+    SetEnvVar("ZEPAdmODTMultiVolumes", "");
+    EXPECT_TRUE(AsksForVolumes({"-wait", "-env", "ZEPAdmODTMultiVolumes"}));
+    EXPECT_TRUE(AsksForVolumes({"-env", "A=1", "-env", "zepadmodtmultivolumes=x=y"}));
+    EXPECT_FALSE(
+        AsksForVolumes({"-env", "ZEPAdmODTMultiVolumes=1", "-env", "ZEPAdmODTMultiVolumes="}));
+    EXPECT_FALSE(AsksForVolumes({"-installerPath", "-env", "ZEPAdmODTMultiVolumes"}));
+    EXPECT_FALSE(AsksForVolumes({"ZEPAdmODTMultiVolumes", "-env"}));
+}
 
 }  // namespace
 }  // namespace launcher::mediatool

@@ -57,6 +57,12 @@ TEST_F(End, OfAnInstallerThatIsWaitedForIsTheLaunchers) {
     EXPECT_EQ(outcome.run.errors, "");
 }
 
+TEST_F(End, OfAVolumeQueryGivesTheNumber) {
+    const MediatoolRun run = Told(UsualMedia(), {"-wait", "-env", "ZEPAdmODTMultiVolumes"});
+    EXPECT_EQ(run.exitCode, 1u);
+    EXPECT_THAT(run.output, HasSubstr("\n  1: The number of volumes, which "));
+}
+
 TEST_F(End, LeavesAnInstallerThatIsNotWaitedFor) {
     const NamedEvent event;
     const WatchedOutcome outcome = Watched(WaitingMedia(event), {});

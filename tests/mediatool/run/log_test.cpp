@@ -76,6 +76,16 @@ TEST_F(Log, IsAddedTo) {
     EXPECT_EQ(Headings(), 2u);
 }
 
+// As with ">NUL": in a script that has a variable for it, for instance.
+TEST_F(Log, IsNoneWithTheNameOfTheDeviceThatKeepsNothing) {
+    for (const std::string name : {"NUL", "nul:"}) {
+        const MediatoolRun run = Told(UsualMedia(), {"-wait"}, {"--log", name});
+        EXPECT_EQ(run.exitCode, 0u);
+        EXPECT_EQ(run.errors, "");
+        EXPECT_THAT(run.output, HasSubstr("\nExit code\n  0: "));
+    }
+}
+
 TEST_F(Log, HoldsWhyNothingWasStarted) {
     const Media media = EmptyMedia();
     WriteFile(media.Root() / "setup.exe", "text");

@@ -261,7 +261,7 @@ TEST_F(ReporterTest, LeavesOutWhatNobodyReads) {
 TEST_F(ReporterTest, SaysHowManyLinesTheJsonLacks) {
     WatchedRun run;
     run.linesLeftOut = 7;
-    run.bytesLeft = 12;
+    run.bytesLeftOut = 12;
     Reporter(LogName(), true).Conclude(run, {});
     EXPECT_EQ(Text("errors"),
               "mediatool: The JSON holds 32 MB of lines; the last 7 are left out of it. The log "
@@ -269,6 +269,7 @@ TEST_F(ReporterTest, SaysHowManyLinesTheJsonLacks) {
               "mediatool: The last 12 bytes of output were not taken down: there was no time for "
               "them.\n");
     EXPECT_EQ(Json::parse(Text("output"))["linesLeftOut"], 7);
+    EXPECT_EQ(Json::parse(Text("output"))["bytesLeftOut"], 12);
 }
 
 TEST_F(ReporterTest, ShowsControlCharactersInsteadOfSendingThem) {
@@ -286,6 +287,26 @@ TEST_F(ReporterTest, ShowsControlCharactersInsteadOfSendingThem) {
     EXPECT_EQ(Text("errors"), "mediatool: three\\x0Afour\n");
     EXPECT_THAT(Text("log.txt"), HasSubstr("setup.exe \"\\x1B[2J\"\r\n"));
     EXPECT_THAT(Text("log.txt"), HasSubstr("a\tb\\x1B[2Jc\\x7F\r\n"));
+}
+
+// The last line of a terminal goes on saying what was last said.
+TEST_F(ReporterTest, ShowsEmptyLinesButNotAsTheLastMessage) {
+    const test::Hook<decltype(&GetConsoleScreenBufferInfo)> hook(
+        "GetConsoleScreenBufferInfo", [](auto, HANDLE, CONSOLE_SCREEN_BUFFER_INFO* info) -> BOOL {
+            *info = {};
+            info->srWindow.Right = 79;
+            return TRUE;
+        });
+    {
+        Reporter reporter(LogName(), false);
+        reporter.Begin("setup.exe");
+        for (const char* line : {"one", "", "  "})
+            reporter.Saw(Lines(1, line));
+        reporter.TimePassed(1000);
+    }
+    EXPECT_THAT(Text("output"), HasSubstr("  installer  one\n"));
+    EXPECT_THAT(Text("output"), HasSubstr("  installer  \n"));
+    EXPECT_THAT(Text("errors"), StartsWith("\r0:00:01  one"));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@ namespace stdfs = std::filesystem;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 class Start : public RunTest {
@@ -88,9 +89,18 @@ TEST_F(NoStart, AfterBadInput) {
     ExpectRefusal({"run", media, "--no-such-option"}, "--no-such-option");
     ExpectRefusal({"run", media, "--time-limit", "soon"}, "--time-limit takes a time such as 90m");
     ExpectRefusal({"run", media, "--time-limit"}, "--time-limit");
+    ExpectRefusal({"run", media, "--json=1"}, "--json takes no value.");
     ExpectRefusal({"run", media, "--log", ""}, "--log is empty.");
     ExpectRefusal({"run", media, "--log", media}, "The log \"");
     ExpectRefusal({"run", media, "--log", "no\\such\\folder\\log.txt"}, " cannot be written: ");
+}
+
+TEST_F(NoStart, WithALogThatIsADevice) {
+    const std::string media = StandInAsLauncher().Text();
+    for (const std::string& log : {std::string("CON"), std::string("com1"), std::string("LPT1.txt"),
+                                   scratch.Text("aux"), std::string("\\\\.\\pipe\\log")})
+        ExpectRefusal({"run", media, "--log", log},
+                      "The log \"" + log + "\" is a device, not a file.");
 }
 
 TEST_F(NoStart, WithALogInTheMedia) {
@@ -145,7 +155,9 @@ TEST_F(NoStart, OfALauncherThatIsNotThere) {
 TEST_F(NoStart, OfALauncherThatIsNoProgram) {
     const Media media = EmptyMedia();
     WriteFile(media.Root() / "setup.exe", "text");
-    ExpectComplaint(Told(media, {"-wait"}), 126, " (error 193).");
+    const MediatoolRun run = Told(media, {"-wait"});
+    ExpectComplaint(run, 126, " (error 193).");
+    EXPECT_THAT(run.errors, Not(HasSubstr("%")));  // the place of the name in the system's text
     stdfs::remove(media.Root() / "setup.exe");
     stdfs::create_directory(media.Root() / "setup.exe");
     ExpectComplaint(Told(media, {"-wait"}), 126, "\\setup.exe\" is a folder.");

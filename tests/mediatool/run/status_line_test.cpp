@@ -20,6 +20,14 @@ TEST(StatusLineText, IsNoLongerThanTheTerminalIsWide) {
     EXPECT_EQ(StatusText(0, "a\xF0\x9F\x92\xBF", 12), L"0:00:00  a\xD83D\xDCBF");
 }
 
+// Else it would go on in a next line, and stay there.
+TEST(StatusLineText, GivesWideSignsTwoCells) {
+    EXPECT_EQ(StatusText(0, "日本語", 13), L"0:00:00  日本");
+    EXPECT_EQ(StatusText(0, "日本語", 14), L"0:00:00  日本");
+    EXPECT_EQ(StatusText(0, "日本語", 15), L"0:00:00  日本語");
+    EXPECT_EQ(StatusText(0, "Größe", 14), L"0:00:00  Größe");
+}
+
 TEST(StatusLineText, HasTheFirstLineOnly) {
     EXPECT_EQ(StatusText(0, "one\r\ntwo", 79), L"0:00:00  one");
     EXPECT_EQ(StatusText(0, "\ntwo", 79), L"0:00:00  ");

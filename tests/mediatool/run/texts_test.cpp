@@ -131,6 +131,20 @@ TEST(Meaning, WithoutWaiting) {
               "The launcher has started the installer, and does not wait for it.");
 }
 
+TEST(Meaning, OfTheNumberOfVolumes) {
+    RunRequest request;
+    request.arguments = {"-env", "ZEPAdmODTMultiVolumes=1"};
+    const std::string number =
+        "The number of volumes, which ZEPAdmODTMultiVolumes asks for; nothing was started.";
+    for (const std::uint32_t count : {0u, 1u, 3u})
+        EXPECT_EQ(MeaningOf(RunWith(count, false), request), number);
+    request.arguments.emplace_back("-wait");
+    EXPECT_EQ(MeaningOf(RunWith(3, false), request), number);
+    EXPECT_EQ(MeaningOf(RunWith(1, false, "text"), request),
+              "The launcher refuses; the message says why.");
+    EXPECT_THAT(MeaningOf(RunWith(0xC0000005, false), request), testing::EndsWith("launcher's."));
+}
+
 TEST(Meaning, OfAnEndNamesTheInstaller) {
     WatchedRun run = RunWith(124, true);
     run.endedBy = EndedBy::TimeLimit;
@@ -176,6 +190,21 @@ TEST(HarmlessText, HasNoControlCharactersButTabsAndLineEnds) {
     EXPECT_EQ(Harmless("a\tb\nc \x1B[2J \x7F \r \u009B Gr\u00F6\u00DFe"),
               "a\tb\nc \\x1B[2J \\x7F \\x0D \\x9B Gr\u00F6\u00DFe");
     EXPECT_EQ(OnOneLine("a\nb\r\n"), "a\\x0Ab");
+}
+
+// "setup\u202Efdp.exe" would look like "setupexe.pdf".
+TEST(HarmlessText, HasNoCharactersThatTurnOthersOrCannotBeSeen) {
+    EXPECT_EQ(Harmless("a\u202Eb\u2066c\u061Cd\u200B\u2028\uFEFF"),
+              "a\\u202Eb\\u2066c\\u061Cd\\u200B\\u2028\\uFEFF");
+    // Next to those, joined letters and signs, and bytes that are no text.
+    for (const std::string text :
+         {"\u061B\u200A\u202F\u205F\u2070\uFEFE", "\u0645\u06CC\u200C\u062E",
+          "\U0001F468\u200D\U0001F469", "\xE2\x80", "\x80\x9B", "\xFF\xAE\xAE\xAE"})
+        EXPECT_EQ(Harmless(text), text);
+}
+
+TEST(ControlsShownInText, LeavesOtherCharacters) {
+    EXPECT_EQ(ControlsShown("\tb\r\u009B\u202E\uFEFF", "\t"), "\tb\\x0D\\x9B\u202E\uFEFF");
 }
 
 TEST(Summary, ShowsALargeCodeAsPeopleKnowItToo) {

@@ -134,7 +134,22 @@ TEST_F(WatchTest, GoesOnWithoutRoomForLines) {
     witness_.takes = [this] { return EndWhenSaid() && false; };
     const WatchedRun run = Run("lines 100|" + Said() + "|wait " + event_.Name());
     EXPECT_EQ(run.exitCode, 124u);
-    EXPECT_EQ(run.bytesLeft, 10'000u);
+    EXPECT_EQ(run.bytesLeftOut, 10'000u);
+}
+
+// The part of a line that was taken is in no line either.
+TEST_F(WatchTest, CountsAllThatIsInNoLine) {
+    const std::string note = folder_.Text("note");
+    int ticks = 0;
+    witness_.takes = [&] {
+        if (!stdfs::exists(note) || ++ticks < 5) return true;
+        event_.Set();
+        return false;
+    };
+    const WatchedRun run =
+        Run("print whole|piece half|note " + note + "|wait " + event_.Name() + "|lines 10");
+    EXPECT_EQ(witness_.seen, std::vector<std::string>{"whole"});
+    EXPECT_EQ(run.bytesLeftOut, 1004u);
 }
 
 // Which ends it later, and maybe itself, while its lines are still being taken.
