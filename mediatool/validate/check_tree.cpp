@@ -18,7 +18,6 @@ namespace {
 // The longest user name has 20 characters.
 constexpr char kUsualTemp[] = "C:\\Users\\12345678901234567890\\AppData\\Local\\Temp";
 constexpr std::size_t kUuidLength = 36;
-constexpr std::size_t kFindingsOfOneKind = 5;
 
 // False where batch scripts see UTF-8 on this machine anyway.
 bool IsOutsideOemCodePage(const std::string& name) {
