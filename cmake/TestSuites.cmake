@@ -1,5 +1,6 @@
-# Run by ctest before the tests, with PROGRAM, NAME, LABELS and EMULATOR set: one test for each suite
-# of a GoogleTest program, NAME.SUITE. A process for each single test would cost ten times the time.
+# Run by ctest before the tests, with PROGRAM, NAME, SEEN_UNDER_WINE and EMULATOR set: one test for each
+# suite of a GoogleTest program, NAME.SUITE. A process for each single test would cost ten times the
+# time.
 if(NOT EXISTS ${PROGRAM})
   add_test([[${NAME} is not built]] [[${PROGRAM}]])
   return()
@@ -18,13 +19,25 @@ if(NOT EXISTS ${suites} OR ${PROGRAM} IS_NEWER_THAN ${suites})
   set(command ${EMULATOR} ${PROGRAM})
   list(JOIN command "]] [[" command)
   set(script "")
+  set(unknown ${SEEN_UNDER_WINE})
+  list(FIND SEEN_UNDER_WINE ${NAME} whole)
   foreach(suite IN LISTS names)
     string(REGEX REPLACE "[\n.]" "" suite "${suite}")
+    list(FIND SEEN_UNDER_WINE ${NAME}.${suite} single)
+    list(REMOVE_ITEM unknown ${NAME}.${suite})
+    set(labels "")
+    if(whole GREATER_EQUAL 0 OR single GREATER_EQUAL 0)
+      set(labels seen-under-wine)
+    endif()
     string(APPEND script
       "add_test([[${NAME}.${suite}]] [[${command}]] [[--gtest_filter=${suite}.*]])\n"
       "set_tests_properties([[${NAME}.${suite}]] PROPERTIES TIMEOUT 600\n"
-      "  LABELS \"${LABELS}\" SKIP_RETURN_CODE 77)\n")
+      "  LABELS \"${labels}\" SKIP_RETURN_CODE 77)\n")
   endforeach()
+  list(FILTER unknown INCLUDE REGEX "^${NAME}\\.")
+  if(unknown)
+    message(FATAL_ERROR "There is no suite ${unknown} to be labelled.")
+  endif()
   file(WRITE ${suites} "${script}")
 endif()
 include(${suites})

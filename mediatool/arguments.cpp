@@ -89,9 +89,7 @@ bool IsPath(const CLI::Option& option) {
 void CheckQuotes(const std::string& path) {
     const std::size_t quote = path.find('"');
     if (quote == 0 || quote == std::string::npos) return;
-    throw BadInput("The path " + path.substr(0, quote + 1) +
-                   "... has a quote in it: a backslash before the closing quote, as in \"" +
-                   path.substr(0, quote) + "\\\", does that; leave it out.");
+    throw BadInput("The path " + ExplainQuoteIn(path, quote));
 }
 
 class Check {

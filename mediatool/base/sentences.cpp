@@ -71,6 +71,24 @@ std::string Quoted(const Path& path) {
     return Quoted(path.Text());
 }
 
+// Backslashes are themselves, but in front of a quote each pair of them is one.
+std::string QuotedArgument(const std::string& argument) {
+    std::string text = "\"";
+    std::size_t backslashes = 0;
+    for (const char c : argument) {
+        if (c == '"') text.append(backslashes + 1, '\\');
+        backslashes = c == '\\' ? backslashes + 1 : 0;
+        text += c;
+    }
+    return text.append(backslashes, '\\') + "\"";
+}
+
+std::string ExplainQuoteIn(const std::string& text, std::size_t quote) {
+    return text.substr(0, quote + 1) +
+           "... has a quote in it: a backslash before the closing quote, as in \"" +
+           text.substr(0, quote) + "\\\", does that; leave it out.";
+}
+
 std::string Grouped(std::uint64_t number) {
     std::string digits = std::to_string(number);
     for (std::size_t i = digits.size(); i > 3;) {

@@ -15,6 +15,13 @@ namespace launcher::mediatool {
 std::string Quoted(const std::string& text);
 std::string Quoted(const Path& path);
 
+// In double quotes, so that CommandLineToArgvW reads exactly this again.
+// https://learn.microsoft.com/windows/win32/api/shellapi/nf-shellapi-commandlinetoargvw
+std::string QuotedArgument(const std::string& argument);
+
+// Of a text with a quote at that place, which a backslash in front has made a part of it.
+std::string ExplainQuoteIn(const std::string& text, std::size_t quote);
+
 // "1234567" as "1,234,567"
 std::string Grouped(std::uint64_t number);
 

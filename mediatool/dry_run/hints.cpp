@@ -31,6 +31,16 @@ void AddMistakenOptions(std::vector<std::string>& hints,
                                    ".");
 }
 
+// "C:\a b\" takes what follows into the argument. Other quotes are meant.
+void AddSwallowedArguments(std::vector<std::string>& hints,
+                           const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
+        const std::size_t quote = argument.find('"');
+        if (quote != std::string::npos && argument.find('\\') < quote && argument[quote - 1] != '=')
+            hints.emplace_back("The argument " + ExplainQuoteIn(argument, quote));
+    }
+}
+
 // As Copy would count it.
 std::uint64_t BytesOf(const Path& path) {
     const std::optional<Entry> entry = Look(path);
@@ -99,6 +109,7 @@ std::vector<std::string> HintsOf(const DryRun& run, const LaunchOptions* options
     std::vector<std::string> hints;
     const Path media = Parent(Path(run.launcher));
     if (options != nullptr) AddMistakenOptions(hints, options->installerArgs);
+    AddSwallowedArguments(hints, run.arguments);
     AddRoom(hints, run, media);
     AddTemp(hints, run, media);
     if (NeedsElevation(run))

@@ -26,8 +26,7 @@ std::string Line(const std::string& text) {
 // An argument as it is typed.
 std::string Typed(const std::string& argument) {
     const bool plain = !argument.empty() && argument.find_first_of(" \t\"") == std::string::npos;
-    if (plain) return argument;
-    return "\"" + argument + (argument.ends_with('\\') ? "\\\"" : "\"");
+    return plain ? argument : QuotedArgument(argument);
 }
 
 std::string MachineText(const DryRun& run) {

@@ -9,6 +9,7 @@
 
 #include "fs/encoding.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/long_paths.h"
 #include "mediatool/base/names.h"
 #include "mediatool/validate/checks.h"
 
@@ -123,7 +124,9 @@ class Tree {
         out_.AddFirst({{subject_.view.copies, "path-too-long-in-copy/copied"},
                        {subject_.IsNeverCopied(), "path-too-long-in-copy/never-copied"},
                        {true, "path-too-long-in-copy"}},
-                      Path(path), {std::to_string(length), std::to_string(most)});
+                      Path(path),
+                      {std::to_string(length), std::to_string(most),
+                       AreLongPathsEnabled() ? ", as they are here" : ""});
     }
 
     void CheckLink(const std::string& path, const Entry& entry) {

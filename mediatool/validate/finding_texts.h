@@ -70,7 +70,8 @@ inline constexpr char kNoOuterMarker[] =
 inline constexpr char kNumberOuter[] = "Number the outer volumes from 1 to 99.";
 inline constexpr char kRename[] = "Give it another name.";
 inline constexpr char kTooLong[] =
-    "In a copy, the path would have %1 characters; Windows takes %2 unless long paths are enabled.";
+    "In a copy, the path would have %1 characters; "
+    "Windows takes %2 unless long paths are enabled%3.";
 inline constexpr char kShorten[] = "Shorten the names of the file or of its folders.";
 inline constexpr char kReplaceLink[] = "Put the file or folder itself in its place.";
 

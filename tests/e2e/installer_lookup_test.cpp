@@ -174,7 +174,9 @@ TEST_F(SeparateInstaller, VariableHelpsOutForABadOption) {
     EXPECT_EQ(run.exitCode, 0u);
 }
 
-TEST_F(SeparateInstaller, CancelledDialogEndsTheSearch) {
+class CancelledDialog : public SeparateInstaller {};
+
+TEST_F(CancelledDialog, EndsTheSearch) {
     variables["ZEP_TALVOR_Installer"] = scratch.MakeDir("b");
     const LauncherRun run = Run(MarkedMedia(), {"-installerPath", scratch.MakeDir("a")});
     EXPECT_EQ(run.exitCode, 1u);

@@ -30,11 +30,16 @@ TEST_F(Command, ValidateOfAMediaWithMistakes) {
 }
 
 TEST_F(Command, ValidateThatIsStrict) {
+    const Json notes = Output({"validate", "--strict", media.Text(), "--json"});
+    EXPECT_EQ(notes["clean"], true);
+    EXPECT_GT(notes["notes"], 0);
     media.Write("StartTUI.exe");
     EXPECT_EQ(Output({"validate", media.Text(), "--json"})["clean"], true);
     const Json output = Output({"validate", "--strict", media.Text(), "--json"}, 1);
     EXPECT_EQ(output["clean"], false);
     EXPECT_EQ(output["errors"], 0);
+    EXPECT_THAT(Run({"validate", "--strict", media.Text()}).output,
+                HasSubstr("; not clean, since warnings count (--strict)\n"));
     EXPECT_THAT(Run({"validate", "--help"}).output, testing::HasSubstr("or warning with --strict"));
 }
 

@@ -6,10 +6,12 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "fs/encoding.h"
 #include "mediatool/create/checksum.h"
 #include "mediatool/create/report.h"
 #include "mediatool/media/checksums.h"
 #include "tests/mediatool/creating.h"
+#include "tests/support/links.h"
 
 namespace launcher::test {
 namespace {
@@ -132,6 +134,8 @@ TEST(AmountsText, HasTotalAndRateOnceTheyAreKnown) {
               "Copying: 20 of 50000 files, 45.6 MB of 1.2 GB, 22.8 MB/s");
     EXPECT_EQ(TextOf({"Copying", 0, 1, 0, 999}, 0),
               "Copying: 0 of 1 file, 0 bytes of 999 bytes, 0 bytes/s");
+    EXPECT_EQ(TextOf({"Copying", 1, 2, 1000, 123456789}, 0),
+              "Copying: 1 of 2 files, 1.0 KB of 123 MB, 1.0 MB/s");
 }
 
 TEST_F(Content, ChecksumsAreAListInEachVolume) {
@@ -248,6 +252,23 @@ TEST_F(ChecksumCommandTest, WritesOverAListByForceOnly) {
     force = true;
     EXPECT_EQ(Complaint(), "none");
     EXPECT_THAT(ReadFile(FromUtf8(media.Text("../3/SHA256SUMS"))), testing::HasSubstr("  3.txt\n"));
+}
+
+// Nor the system's own folders at the root of a drive, nor what a run that was killed has left.
+TEST(ChecksumCommand, ListsNothingThatALinkLeadsTo) {
+    SampleMedia media;
+    media.Write("data/a.bin").Write("data/mediatool-unfinished.tmp");
+    media.Write("System Volume Information/b").Write("$recycle.bin/c").Write("data/$RECYCLE.BIN/d");
+    const FolderLink link(FromUtf8(media.Text("link")), FromUtf8(media.Text("data")));
+    const MappedDrive drive(FromUtf8(media.Text()));
+    mediatool::ChecksumRequest request;
+    request.folders = {ToUtf8(drive.Root())};
+    mediatool::WriteChecksums(request);
+    const std::string list = ReadFile(FromUtf8(media.Text("SHA256SUMS")));
+    for (const std::string there : {"data/a.bin", "data/$RECYCLE.BIN/d"})
+        EXPECT_THAT(list, testing::HasSubstr("  " + there + "\n"));
+    for (const std::string left : {"unfinished", "System Volume", "$recycle.bin", "link"})
+        EXPECT_THAT(list, testing::Not(testing::HasSubstr(left)));
 }
 
 TEST_F(ChecksumCommandTest, RefusesAnUnfinishedSet) {

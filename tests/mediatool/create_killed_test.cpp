@@ -84,7 +84,7 @@ class KilledCreate : public Command {
         // A busy machine may let each run end before it is killed: then some more, each at once.
         const int most = Kills() + 20;
         for (int i = 0; i < Kills() || (reported == 0 && i < most); ++i) {
-            std::filesystem::remove_all(scratch.Dir() / "out");
+            RemoveAll(scratch.Dir() / "out");
             for (const auto& [name, content] : before)
                 if (content != "/") scratch.Write("out/" + name, content);
             const DWORD moment = i == 0 || i >= Kills() ? 0 : random() % (whole + 1);

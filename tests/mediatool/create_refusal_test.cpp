@@ -108,17 +108,9 @@ TEST_F(OtherNames, OfOneFolderForTwoVolumes) {
     ExpectRefusal({scratch.Text("one"), scratch.Text("two")}, " are the same folder.");
 }
 
-// Files and folders in the way, below out, of a forced run that would overwrite out\1\a.bin first.
-class Obstacle : public Creating {
+// Files and folders in the way, below out.
+class Obstacle : public Replacing {
   protected:
-    Obstacle() {
-        request.force = true;
-        scratch.Write("one/a.bin", "new");
-        scratch.Write("two/b.bin", "new");
-        scratch.Write("out/1/a.bin", "old");
-        request.from = {scratch.Text("one"), scratch.Text("two")};
-    }
-
     void ExpectComplaint(const std::string& complaint) {
         const Tree before = TreeBelow(scratch.Dir());
         EXPECT_EQ(Complaint(), complaint);

@@ -19,18 +19,13 @@ bool IsCopying(const mediatool::Amounts& amounts) {
 }
 
 // Over an older set of two volumes, the first of which is changed before anything goes wrong.
-class Unfinished : public Creating {
+class Unfinished : public Replacing {
   protected:
     Unfinished() {
-        request.force = true;
-        scratch.Write("out/1/a.bin", "old");
         scratch.Write("out/1/inst/volumes.txt", "2\r\n");
         scratch.Write("out/1/1.txt", "MTBDIR=SET\r\n");
         scratch.Write("out/2/2.txt", "MTBDIR=SET\r\n");
-        scratch.Write("one/a.bin", "new");
-        scratch.Write("two/b.bin", "new");
         scratch.Write("two/c.bin", "new");
-        request.from = {scratch.Text("one"), scratch.Text("two")};
     }
 
     std::string Mark() const { return scratch.Text("out\\1\\mediatool-unfinished.txt"); }
@@ -108,15 +103,23 @@ TEST_F(Unfinished, TheNextRunGoesOn) {
     EXPECT_THAT(IdsOfErrors(), testing::Not(testing::HasSubstr("set-unfinished")));
 }
 
-// A file that a kill left in the middle, and one that is of the same size and another time.
-TEST_F(Unfinished, WhatIsNotTheSameIsCopiedAgain) {
-    scratch.Write("out/1/mediatool-unfinished.txt");
+// FAT keeps times to two seconds. A kill leaves the file that is being written.
+TEST_F(Unfinished, WhatIsNotOfTheSameSizeAndTimeIsCopiedAgain) {
     scratch.Write("out/2/mediatool-unfinished.tmp", "n");
-    const std::string file = scratch.Write("out/1/a.bin", "odd");
+    const std::string file = scratch.Text("out\\1\\a.bin");
     const auto time = stdfs::last_write_time(FromUtf8(scratch.Text("one\\a.bin")));
-    stdfs::last_write_time(FromUtf8(file), time - std::chrono::hours(1));
-    Create(request);
-    EXPECT_EQ(ReadFile(FromUtf8(file)), "new");
+    const auto after = [&](const std::string& content, int seconds) {
+        scratch.Write("out/1/mediatool-unfinished.txt");
+        scratch.Write("out/1/a.bin", content);
+        stdfs::last_write_time(FromUtf8(file), time + std::chrono::seconds(seconds));
+        Create(request);
+        return ReadFile(FromUtf8(file));
+    };
+    EXPECT_EQ(after("odd", 1), "odd");
+    EXPECT_EQ(after("odd", -1), "odd");
+    EXPECT_EQ(after("odd", 4), "new");
+    EXPECT_EQ(after("odd", -4), "new");
+    EXPECT_EQ(after("longer", 0), "new");
     EXPECT_FALSE(IsThere("out\\2\\mediatool-unfinished.tmp"));
 }
 

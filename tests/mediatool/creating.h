@@ -42,4 +42,16 @@ class Creating : public testing::Test {
     CreateRequest request;
 };
 
+// With force, and content of which one file is there already, out\1\a.bin, with an older text.
+class Replacing : public Creating {
+  protected:
+    Replacing() {
+        request.force = true;
+        scratch.Write("out/1/a.bin", "old");
+        scratch.Write("one/a.bin", "new");
+        scratch.Write("two/b.bin", "new");
+        request.from = {scratch.Text("one"), scratch.Text("two")};
+    }
+};
+
 }  // namespace launcher::test

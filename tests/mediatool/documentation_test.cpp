@@ -15,6 +15,7 @@
 
 #include <map>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <string_view>
 
@@ -94,6 +95,12 @@ void MakeMedia(const std::string& name, const stdfs::path& drive) {
         for (const char* folder : {"2", "3"}) {
             stdfs::create_directories(drive / "Set" / folder);
             WriteFile(drive / "Set" / folder / "content.cab", "content");
+        }
+    }
+    if (name == "parts") {
+        for (const char* folder : {"1", "2"}) {
+            stdfs::create_directories(drive / "Parts" / folder);
+            WriteFile(drive / "Parts" / folder / "content.cab", "content");
         }
     }
     if (name == "byte-order mark") {
@@ -210,6 +217,42 @@ INSTANTIATE_TEST_SUITE_P(Pages, Documentation, testing::Values("administrators.m
                              std::string name = page.param;
                              return name.substr(0, name.find('.'));
                          });
+
+std::set<std::string> NumbersIn(const std::string& text) {
+    static const std::regex number("[0-9]+");
+    std::set<std::string> numbers;
+    for (std::sregex_iterator found(text.begin(), text.end(), number), end; found != end; ++found)
+        numbers.insert(found->str());
+    return numbers;
+}
+
+// The exit codes in a column of the page's table: those of the rows with anything in it.
+std::set<std::string> ExitCodesInColumn(std::size_t column) {
+    std::istringstream page(ReadFile(FromUtf8(SOURCE_FOLDER) / "docs" / "administrators.md"));
+    std::set<std::string> codes;
+    bool isInSection = false;
+    for (std::string line; std::getline(page, line);) {
+        if (line.starts_with("## ")) isInSection = line.starts_with("## Exit codes");
+        if (!isInSection || line.find_first_of("0123456789") != 2) continue;
+        std::istringstream row(line);
+        std::vector<std::string> cells;
+        for (std::string cell; std::getline(row, cell, '|');)
+            cells.push_back(cell);
+        if (cells.at(column + 1) != " ") codes.merge(NumbersIn(cells.at(1)));
+    }
+    return codes;
+}
+
+TEST(ExitCodes, OfThePageAreThoseOfTheHelp) {
+    const std::pair<const char*, std::size_t> columns[] = {
+        {"run", 1}, {"dry-run", 2}, {"validate", 3}, {"create", 4}, {"checksum", 4}};
+    for (const auto& [command, column] : columns) {
+        const std::string help = RunMediatool({"help", command}, "C:\\").output;
+        const std::size_t place = help.find("Exit code:");
+        ASSERT_NE(place, std::string::npos) << command;
+        EXPECT_EQ(ExitCodesInColumn(column), NumbersIn(help.substr(place))) << command;
+    }
+}
 
 // The scripts of the page for administrators, each with the stand-in installer, whose exit code is
 // 3010.

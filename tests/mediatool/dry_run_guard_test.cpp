@@ -52,11 +52,16 @@ TEST_F(RehearsalTest, HasNoEffect) {
     std::size_t copies = 0;
     std::size_t failedCopies = 0;
     std::size_t boxes = 0;
+    bool areSomeLeftOut = false;
     for (unsigned seed = kFirstSeed; seed < kFirstSeed + kCases; ++seed) {
         SCOPED_TRACE(seed);
         const TemporaryFolder files;
-        const Case made = MakeCase(seed, files.Dir(), work_.Dir());
-        const DryRun run = Guarded(RequestOf(made, temp_));
+        const std::optional<Case> made = MakeCase(seed, files.Dir(), work_.Dir());
+        if (!made) {
+            areSomeLeftOut = true;
+            continue;
+        }
+        const DryRun run = Guarded(RequestOf(*made, temp_));
         started += run.started;
         copies += run.copy.made;
         failedCopies += run.copy.reason == "The copy fails.";
@@ -68,13 +73,15 @@ TEST_F(RehearsalTest, HasNoEffect) {
     EXPECT_GT(failedCopies, 0u);
     EXPECT_GT(boxes, 0u);
     EXPECT_TRUE(std::filesystem::is_empty(temp_.Dir()));
+    if (areSomeLeftOut) GTEST_SKIP() << kNoNetwork;
 }
 
 // What a process of the launcher remembers of its first answers is forgotten with the rehearsal.
 TEST_F(RehearsalTest, RemembersNothingOfTheOneBefore) {
     const TemporaryFolder files;
-    const Case made = MakeCase(1004, files.Dir(), work_.Dir());
-    DryRunRequest request = RequestOf(made, temp_);
+    const std::optional<Case> made = MakeCase(1004, files.Dir(), work_.Dir());
+    if (!made) GTEST_SKIP() << kNoNetwork;
+    DryRunRequest request = RequestOf(*made, temp_);
     request.arguments = {};
     const auto boxes = [&request](bool isAdministrator, const char* traceSwitch) {
         request.machine.isAdministrator = isAdministrator;

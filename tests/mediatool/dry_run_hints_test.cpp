@@ -44,6 +44,14 @@ TEST_F(HintTest, AnArgumentThatDiffersFromAnOptionInCaseOnly) {
                             "\"--MGT\" goes to the installer; the launcher's option is --mgt."));
 }
 
+TEST_F(HintTest, AnArgumentThatABackslashBeforeAQuoteHasMadeOfTwo) {
+    EXPECT_THAT(Hints(media_, {"C:\\a b\" -wait"}),
+                ElementsAre("The argument C:\\a b\"... has a quote in it: a backslash before the "
+                            "closing quote, as in \"C:\\a b\\\", does that; leave it out."));
+    EXPECT_THAT(Hints(media_, {"C:\\a b\\", "6\" nails", "\"C:\\a b\"", "DIR=\"C:\\a b\""}),
+                IsEmpty());
+}
+
 TEST_F(HintTest, ATempThatRemoveBatCannotName) {
     const Variables temp = {{"TEMP", temp_.Text("Größe")}};
     EXPECT_THAT(Hints(Incomplete(), {}, temp), ElementsAre(StartsWith("remove.bat cannot name ")));

@@ -136,6 +136,17 @@ TEST_F(DryRun, HasNoColoursInAFile) {
     EXPECT_EQ(run.output.find('\x1b'), std::string::npos);
 }
 
+// An older Windows has none, and of a newer one nobody knows.
+TEST_F(DryRun, OfLongPathsSaysBothEndsForANewerWindowsOnly) {
+    const SampleMedia incomplete = Incomplete();
+    const std::string temp = scratch.Text() + "\\" + std::string(240 - scratch.Text().size(), 'x');
+    for (const std::string windows : {"7", "8", "8.1", "10", "11"}) {
+        const Json dry = Dry(incomplete, {"--temp", temp, "--windows", windows});
+        EXPECT_EQ(dry["hints"].size(), windows.starts_with('1') ? 1u : 0u) << windows;
+        EXPECT_EQ(dry["temporaryCopy"]["made"], false) << windows;
+    }
+}
+
 // The verdict and its exit code, which is 0 unless it is asked for.
 TEST_F(DryRun, GivesItsVerdictAsExitCodeWhenAsked) {
     const auto verdict = [this](const std::vector<std::string>& options, unsigned long exitCode) {

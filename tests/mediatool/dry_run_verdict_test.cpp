@@ -115,6 +115,14 @@ TEST_F(VerdictTest, StandsInTheFirstLine) {
     EXPECT_THAT(mediatool::TextOf(run, false), StartsWith(run.summary + "\n"));
 }
 
+// Windows splits what is shown into the arguments that the run had.
+TEST_F(VerdictTest, IsFollowedByTheCommandLineAsItIsTyped) {
+    const DryRun run = Dry(media_, {"-wait", "", "a b\\", "a\"b\\\"", "tail\\"});
+    EXPECT_THAT(mediatool::TextOf(run, false),
+                HasSubstr("\n" + media_.Text("setup.exe") +
+                          R"( -wait "" "a b\\" "a\"b\\\"" tail\)" + "\n"));
+}
+
 TEST_F(VerdictTest, AndAllElseOfAnOrdinaryMediaFitsOnOneScreen) {
     const std::string text = mediatool::TextOf(Dry(media_, {"-wait"}), false);
     EXPECT_LE(std::ranges::count(text, '\n'), 24) << text;

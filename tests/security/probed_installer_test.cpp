@@ -1,6 +1,7 @@
 // What the launcher hands on to the installer's process besides its command line and environment:
 // nothing that a process does not have anyway.
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -24,7 +25,8 @@ namespace stdfs = std::filesystem;
 
 class ProbedInstaller : public LauncherTest {
   protected:
-    // The lines of a report, of an installer that the launcher started.
+    // The lines of a report, of an installer that the launcher started; sorted, since Windows gives
+    // out the values of handles in no order.
     std::vector<std::string> RunFrom(Media media, const std::vector<std::string>& arguments = {}) {
         PutProbe(FromUtf8(media.InstallerText("win_b64")));
         return LinesAfter(StartOf(media, arguments));
@@ -56,6 +58,7 @@ class ProbedInstaller : public LauncherTest {
         std::vector<std::string> lines;
         for (std::string line; std::getline(text, line);)
             lines.push_back(line);
+        std::ranges::sort(lines);
         return lines;
     }
 };

@@ -25,6 +25,14 @@ class Redirection : public AttackedTest {
         for (const auto& program : {media.Launcher(), control})
             WriteFile(program.native() + FromUtf8(extension).native(), content);
     }
+    void AddManifestBesideBoth() {
+        PlantHostileLibraries(media.Root(), {"uxtheme"});
+        AddBesideBoth(".manifest", R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>
+<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">
+  <file name="uxtheme.dll"/>
+</assembly>
+)");
+    }
 
     NativeFirst launcherSettings{ToUtf8(media.Launcher().filename()), UsualNames()};
     NativeFirst controlSettings{ToUtf8(control.filename()), UsualNames()};
@@ -36,15 +44,17 @@ TEST_F(Redirection, FolderForLocalLibrariesIsIgnored) {
     EXPECT_THAT(RunBoxOfLauncher().loaded, IsEmpty());
 }
 
-// The launcher has a manifest inside, which counts instead. A program without one obeys.
+// The launcher has a manifest inside, which counts instead.
 TEST_F(Redirection, ManifestBesideTheLauncherIsIgnored) {
-    PlantHostileLibraries(media.Root(), {"uxtheme"});
-    AddBesideBoth(".manifest", R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>
-<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">
-  <file name="uxtheme.dll"/>
-</assembly>
-)");
+    AddManifestBesideBoth();
     EXPECT_THAT(RunBoxOfLauncher().loaded, IsEmpty());
+}
+
+// A program without one obeys.
+class ObeyedManifest : public Redirection {};
+
+TEST_F(ObeyedManifest, LiesBesideAProgramWithoutOne) {
+    AddManifestBesideBoth();
     EXPECT_THAT(RunBoxOfControl().loaded, Contains("uxtheme"));
 }
 

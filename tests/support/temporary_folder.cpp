@@ -41,14 +41,14 @@ bool IsFolderToEmpty(const stdfs::path& path) {
 
 // Not std::filesystem's own: MinGW's never ends when a file disappears while it is at it, as one
 // does that the last program to use it deletes.
-void RemoveAll(const stdfs::path& path) {
+void RemoveWhatCanBe(const stdfs::path& path) {
     std::error_code ignored;
     std::vector<stdfs::path> entries;
     if (IsFolderToEmpty(path))
         for (const auto& entry : stdfs::directory_iterator(path, ignored))
             entries.push_back(entry.path());
     for (const stdfs::path& entry : entries)
-        RemoveAll(entry);
+        RemoveWhatCanBe(entry);
     stdfs::remove(path, ignored);
 }
 
@@ -56,11 +56,8 @@ void RemoveAll(const stdfs::path& path) {
 
 TemporaryFolder::TemporaryFolder() : dir_(NewFolder()) {}
 
-// A virus scanner may still look at a file that has just been written.
 TemporaryFolder::~TemporaryFolder() {
-    constexpr int kPatience = 20;  // times 100 milliseconds
-    for (int i = 0; RemoveAll(dir_), stdfs::exists(dir_) && i < kPatience; ++i)
-        Sleep(100);
+    RemoveAll(dir_);
 }
 
 std::string TemporaryFolder::Text() const {
@@ -104,6 +101,14 @@ void WriteFile(const stdfs::path& path, std::string_view content) {
     std::ofstream file(path, std::ios::binary);
     file.write(content.data(), static_cast<std::streamsize>(content.size()));
     if (!file.flush()) throw std::runtime_error("cannot write " + ToUtf8(path));
+}
+
+// A virus scanner may still look at a file that has just been written, and Windows may not yet have
+// let go of a program that has just ended.
+void RemoveAll(const stdfs::path& path) {
+    constexpr int kPatience = 20;  // times 100 milliseconds
+    for (int i = 0; RemoveWhatCanBe(path), stdfs::exists(path) && i < kPatience; ++i)
+        Sleep(100);
 }
 
 // A virus scanner may still look at what has just been written, in a folder too.

@@ -46,6 +46,9 @@ std::string ToUtf8(const std::filesystem::path& path);
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, std::string_view content);
 
+// Removes a folder with all it holds, if it is there. Links below it are removed, not followed.
+void RemoveAll(const std::filesystem::path& path);
+
 // Another name for a file or folder, in the place of none.
 void Rename(const std::filesystem::path& from, const std::filesystem::path& to);
 

@@ -127,7 +127,7 @@ LauncherRun RunToEnd(const LauncherStart& start) {
 
 LauncherProcess::LauncherProcess(const LauncherStart& start)
     : start_(start), temp_(start.workFolder / "temp"), job_(NewJob()) {
-    stdfs::remove_all(temp_);
+    RemoveAll(temp_);
     stdfs::create_directories(temp_);
     stdfs::remove(start_.workFolder / "report");
     GetDesktopWindow();  // what Wine starts for the desktop is not to be part of the job

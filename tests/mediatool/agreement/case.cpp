@@ -12,7 +12,12 @@ namespace launcher::test {
 
 namespace stdfs = std::filesystem;
 
-NetworkPlace::NetworkPlace(const std::string& name) : path(NetworkFolder() / name) {}
+NetworkPlace::NetworkPlace(const std::string& name) {
+    const stdfs::path folder = NetworkFolder();
+    std::error_code ignored;
+    if (!stdfs::exists(folder, ignored)) throw NoNetwork();
+    path = folder / name;
+}
 
 NetworkPlace::~NetworkPlace() {
     std::error_code ignored;
@@ -93,8 +98,12 @@ void Maker::MakePlace() {
     }
 }
 
-Case MakeCase(unsigned seed, const stdfs::path& folder, const stdfs::path& work) {
-    return Maker(seed, folder, work).Make();
+std::optional<Case> MakeCase(unsigned seed, const stdfs::path& folder, const stdfs::path& work) {
+    try {
+        return Maker(seed, folder, work).Make();
+    } catch (const NoNetwork&) {
+        return std::nullopt;
+    }
 }
 
 }  // namespace launcher::test

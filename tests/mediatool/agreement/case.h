@@ -26,7 +26,11 @@ struct Case {
 
 // Makes the case's files below `folder`, which is empty, and below `work`, the folder that both
 // programs run in. Ten numbers in a row have one of each purpose: see the floors of the test.
-Case MakeCase(unsigned seed, const std::filesystem::path& folder,
-              const std::filesystem::path& work);
+// Nothing for a case that needs a network path, where there is none: kNoNetwork says why.
+std::optional<Case> MakeCase(unsigned seed, const std::filesystem::path& folder,
+                             const std::filesystem::path& work);
+
+inline constexpr char kNoNetwork[] =
+    "of some cases: this machine does not share its disks with this user";
 
 }  // namespace launcher::test

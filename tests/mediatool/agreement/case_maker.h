@@ -26,7 +26,9 @@ enum class Purpose {
     Count
 };
 
-// A folder on the network, removed at the end.
+struct NoNetwork {};
+
+// A folder on the network, removed at the end. Throws NoNetwork.
 struct NetworkPlace {
     explicit NetworkPlace(const std::string& name);
     NetworkPlace(const NetworkPlace&) = delete;

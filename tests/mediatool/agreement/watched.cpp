@@ -7,6 +7,7 @@
 #include "tests/mediatool/agreement/messages.h"
 #include "tests/mediatool/support/mediatool_run.h"
 #include "tests/support/repeats.h"
+#include "tests/support/wine.h"
 
 namespace launcher::test {
 namespace {

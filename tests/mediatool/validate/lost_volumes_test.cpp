@@ -137,6 +137,12 @@ TEST(EmptyVolumes, MayHaveAListOfChecksums) {
 const Mistake kLost[] = {
     {"volume-misplaced", Level::Error, Layout::Siblings,
      [](Media& m) { m.Rename("../2", "2").Rename("../3", "3"); }, "BelowVolumeOne"},
+    {"volumes-elsewhere", Level::Warning, Layout::Siblings,
+     [](Media& m) {
+         m.Rename("../2", "2").Rename("../3", "3");
+         m.Marker("2/2.txt", "OTHER").Marker("3/3.txt", "OTHER");
+     },
+     "BesideThoseOfAnotherSet"},
     {"volume-misplaced", Level::Error, Layout::Siblings,
      [](Media& m) { m.MakeDir("../Disk").Rename("../2", "../Disk/2").Rename("../3", "../Disk/3"); },
      "InAFolderBeside"},

@@ -2,6 +2,7 @@
 // launcher is started.
 
 #include <filesystem>
+#include <utility>
 
 #include "mediatool/validate/validate.h"
 #include "tests/e2e/support/launcher_test.h"
@@ -49,6 +50,18 @@ class RemediesTest : public LauncherTest {
         EXPECT_EQ(errors.front().action, action);
     }
 
+    // Folders that have the numbers of other volumes, each with its right number.
+    void ExpectToldToRename(const std::vector<std::pair<std::string, std::string>>& folders) const {
+        const std::vector<Finding> errors = Errors();
+        ASSERT_EQ(errors.size(), folders.size());
+        for (std::size_t i = 0; i < folders.size(); ++i) {
+            EXPECT_EQ(errors[i].id, "volume-folder-named-otherwise");
+            EXPECT_EQ(errors[i].file, Set(folders[i].first));
+            EXPECT_EQ(errors[i].action, "Rename the folder to " + folders[i].second +
+                                            ", and leave the marker as it is.");
+        }
+    }
+
     // The launcher finds the volumes, and in each its own content.
     void ExpectWhole() const {
         EXPECT_EQ(Errors().size(), 0u);
@@ -68,14 +81,7 @@ TEST_F(RemediesTest, OfTwoFoldersThatWereSwapped) {
     Move("set/2", "set/x");
     Move("set/3", "set/2");
     Move("set/x", "set/3");
-    const std::vector<Finding> errors = Errors();
-    ASSERT_EQ(errors.size(), 2u);
-    for (const Finding& error : errors)
-        EXPECT_EQ(error.id, "volume-folder-named-otherwise");
-    EXPECT_EQ(errors[0].file, Set("3"));
-    EXPECT_EQ(errors[0].action, "Rename the folder to 2, and leave the marker as it is.");
-    EXPECT_EQ(errors[1].file, Set("2"));
-    EXPECT_EQ(errors[1].action, "Rename the folder to 3, and leave the marker as it is.");
+    ExpectToldToRename({{"3", "2"}, {"2", "3"}});
     Move("set/2", "set/x");
     Move("set/3", "set/2");
     Move("set/x", "set/3");
@@ -145,12 +151,7 @@ TEST_F(RemediesTest, OfAFolderThatHasTheNumberOfAnotherVolume) {
     Move("set/3", "elsewhere");
     Move("set/2", "set/3");
     Move("elsewhere", "set/4");
-    const std::vector<Finding> errors = Errors();
-    ASSERT_EQ(errors.size(), 2u);
-    EXPECT_EQ(errors[0].file, Set("3"));
-    EXPECT_EQ(errors[0].action, "Rename the folder to 2, and leave the marker as it is.");
-    EXPECT_EQ(errors[1].file, Set("4"));
-    EXPECT_EQ(errors[1].action, "Rename the folder to 3, and leave the marker as it is.");
+    ExpectToldToRename({{"3", "2"}, {"4", "3"}});
     Move("set/3", "set/2");
     Move("set/4", "set/3");
     ExpectWhole();

@@ -82,6 +82,27 @@ TEST(TreeMistakes, APathThatGetsTooLongInACopy) {
     EXPECT_FALSE(Has(mediatool::Validate(request), "path-too-long-in-copy"));
 }
 
+// A medium is for other machines as well: what this one takes is said, and changes nothing.
+TEST(TreeMistakes, APathThatGetsTooLongInACopyOnAMachineThatTakesIt) {
+    SampleMedia media;
+    media.Write(LongName(), "x");
+    for (const DWORD enabled : {DWORD{0}, DWORD{1}}) {
+        const Hook<decltype(&RegGetValueW)> registry(
+            "RegGetValueW", [enabled](auto, auto, auto, auto, auto, auto, PVOID value, auto) {
+                *static_cast<DWORD*>(value) = enabled;
+                return LSTATUS{ERROR_SUCCESS};
+            });
+        const Validation validation = media.Validate();
+        ExpectFound(validation, "path-too-long-in-copy", Level::Note);
+        const std::vector<Finding> findings = validation.findings.Sorted();
+        const auto found = std::ranges::find(findings, "path-too-long-in-copy", &Finding::id);
+        EXPECT_EQ(found->what,
+                  std::string("In a copy, the path would have 260 characters; Windows takes 259 "
+                              "unless long paths are enabled") +
+                      (enabled == 1 ? ", as they are here." : "."));
+    }
+}
+
 TEST(TreeMistakes, APathThatGetsTooLongInACopyThatMayBeMade) {
     SampleMedia media(Layout::Siblings);
     media.Write(LongName(), "x");
