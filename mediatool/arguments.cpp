@@ -146,7 +146,9 @@ class Check {
                            " is one argument too many; a path with blanks needs quotes" + hint_ +
                            ".");
         given_.push_back(*room);
-        checked_.push_back(word);
+        // CLI11 takes one in brackets for a list, where there may be several.
+        const bool isList = (*room)->get_allow_extra_args() && word.starts_with('[');
+        checked_.push_back(isList ? ".\\" + word : word);
     }
 
     const CLI::Option* Find(const std::string& name) const {

@@ -53,6 +53,7 @@ struct ValidateCommand {
         watched.content = !noContent;
         if (command->count("--temp") > 0) watched.temp = temp;
         const Validation validation = Validate(watched);
+        line.Clear();
         PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
         return validation.IsClean() ? kSuccess : kFailure;
     }
@@ -101,7 +102,7 @@ struct DryRunCommand {
         if (!bits.empty()) machine.is64Bit = bits == "64";
         if (!administrator.empty()) machine.isAdministrator = administrator == "yes";
         if (command->count("--pick") > 0) machine.picked = pick;
-        if (command->count("--temp") > 0) request.environment.emplace_back("TEMP", CheckedTemp());
+        if (command->count("--temp") > 0) PretendTemp();
         for (const std::string& variable : variables)
             AddAssignment(variable);
         const DryRun run = RunDry(request);
@@ -118,15 +119,11 @@ struct DryRunCommand {
         return verdict == Verdict::Waits ? kWouldWait : kSuccess;
     }
 
-    // An empty one pretends that there is no TEMP; a folder of the current one, or of that of a
-    // drive, is a slip.
-    const std::string& CheckedTemp() const {
-        const Path path(temp);
-        const bool isOfADrive =
-            path.RootEnd() == 1 && path.Text().size() > 2 && path.Text()[2] != '\\';
-        if (!temp.empty() && (isOfADrive || path.RootEnd() == Path::kRelative))
+    // An empty one pretends that there is no TEMP.
+    void PretendTemp() {
+        if (!temp.empty() && !IsFull(Path(temp)))
             throw BadInput("--temp takes a full path, not \"" + temp + "\".");
-        return temp;
+        request.environment.emplace_back("TEMP", temp);
     }
 
     void AddAssignment(const std::string& text) {
@@ -247,8 +244,6 @@ int RunMediatool(const std::vector<std::string>& arguments) {
         return mediatool.Answer(request);
     } catch (const Refused& failure) {
         return mediatool.Complain(failure, kFailure);
-    } catch (const BadInput& failure) {
-        return mediatool.Complain(failure, mediatool.WrongUse());
     } catch (const std::exception& failure) {
         return mediatool.Complain(failure, mediatool.WrongUse());
     }

@@ -73,6 +73,7 @@ int CreateCommand::Run() {
     CreateRequest watched = request_;
     watched.progress = ShownOn(line);
     const Creation creation = Create(watched);
+    line.Clear();
     if (request_.isDry) {
         PrintOut(json_ ? Printed(JsonOfDry(creation, request_)) : TextOfDry(creation));
         return kSuccess;
@@ -99,6 +100,7 @@ int ChecksumCommand::Run() {
     ChecksumRequest watched = request_;
     watched.progress = ShownOn(line);
     const Checksums checksums = WriteChecksums(watched);
+    line.Clear();
     PrintOut(json_ ? Printed(JsonOf(checksums)) : TextOf(checksums));
     return kSuccess;
 }

@@ -92,10 +92,6 @@ std::string Painted(Colour colour, const std::string& text) {
 
 Progress::Progress() : isTerminal_(IsTerminal(STD_ERROR_HANDLE)) {}
 
-Progress::~Progress() {
-    if (visible_) PrintError("\r" + std::string(width_, ' ') + "\r");
-}
-
 void Progress::Show(const std::string& line) {
     if (!isTerminal_) return;
     const unsigned long long now = GetTickCount64();
@@ -105,6 +101,11 @@ void Progress::Show(const std::string& line) {
     visible_ = true;
     width_ = std::max(width_, line.size());
     PrintError("\r" + line + std::string(width_ - line.size(), ' '));
+}
+
+void Progress::Clear() {
+    if (visible_) PrintError("\r" + std::string(width_, ' ') + "\r");
+    visible_ = false;
 }
 
 TellAmounts ShownOn(Progress& line) {

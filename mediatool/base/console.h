@@ -23,9 +23,11 @@ class Progress {
     Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
-    ~Progress();
+    ~Progress() { Clear(); }
 
     void Show(const std::string& line);
+    // Takes it away: what is printed next would go on behind it.
+    void Clear();
 
   private:
     bool isTerminal_;

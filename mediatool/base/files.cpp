@@ -58,6 +58,12 @@ Path FullPath(const std::string& text) {
     return Path(ToNarrow(full.c_str()));
 }
 
+bool IsFull(const Path& path) {
+    const std::string& text = path.Text();
+    const bool hasDrive = path.RootEnd() == 1 && (text.size() == 2 || text[2] == '\\');
+    return hasDrive || path.RootEnd() > 1;
+}
+
 std::wstring Extended(const std::string& path) {
     std::wstring wide = ToWide(path);
     if (wide.starts_with(L"\\\\?\\")) return wide;
@@ -177,11 +183,16 @@ std::optional<FileIdentity> IdentityOf(const std::string& path) {
 
 Path FinalPath(const Path& path) {
     const FileHandle file = OpenToAsk(path.Text());
+    const Path parent = Parent(path);
+    if (!file) return IsEmpty(parent) ? path : Join(FinalPath(parent), FileName(path));
     std::wstring name(32768, L'\0');
-    if (file)
-        name.resize(
-            GetFinalPathNameByHandleW(file.Get(), name.data(), static_cast<DWORD>(name.size()), 0));
-    return file && !name.empty() ? Path(ToNarrow(name.c_str())) : path;
+    name.resize(
+        GetFinalPathNameByHandleW(file.Get(), name.data(), static_cast<DWORD>(name.size()), 0));
+    if (name.starts_with(L"\\\\?\\UNC\\"))
+        name.replace(0, 8, L"\\\\");
+    else if (name.size() > 5 && name[5] == L':')
+        name.erase(0, 4);
+    return name.empty() ? path : Path(ToNarrow(name.c_str()));
 }
 
 std::string ErrorText(std::uint32_t error) {

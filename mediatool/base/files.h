@@ -32,6 +32,9 @@ struct Entry {
 // The absolute, normalised path that `text` means. Empty for the empty text.
 Path FullPath(const std::string& text);
 
+// Whether it begins at the root of a drive or share, and so means the same from everywhere.
+bool IsFull(const Path& path);
+
 // The path that Windows takes at any length: "\\?\" in front.
 std::wstring Extended(const std::string& path);
 
@@ -71,7 +74,7 @@ struct FileIdentity {
 };
 std::optional<FileIdentity> IdentityOf(const std::string& path);
 
-// The path that `path` leads to in the end; itself when that is not there.
+// The path that `path` leads to in the end. Of what is not there, the folders above that are.
 Path FinalPath(const Path& path);
 
 // What the system says of an error, or of its last one, as the end of a sentence, without a full

@@ -1,6 +1,6 @@
 #pragma once
 
-// The owners of this room's resources (fs/owners.h).
+// The owners of this folder's resources (fs/owners.h).
 
 #include <windows.h>
 // windows.h first: its types are used there.
@@ -17,7 +17,8 @@ struct KernelObjectTraits {
     static void Release(Value value) { CloseHandle(value); }
 };
 
-using KernelObject = Owner<KernelObjectTraits>;  // OpenProcess, CreateJobObjectW, CreateEventW
+// OpenProcess, CreateJobObjectW, CreateEventW, CreateFileMappingW
+using KernelObject = Owner<KernelObjectTraits>;
 
 // The functions of bcrypt.dll. It is loaded from the system's folder and not linked, so that a
 // library of its name beside mediatool.exe is never taken for it.

@@ -1,5 +1,7 @@
 #include "mediatool/dry_run/hints.h"
 
+#include <windows.h>
+
 #include <algorithm>
 
 #include "fs/path.h"
@@ -9,6 +11,7 @@
 #include "mediatool/base/sentences.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "mediatool/media/program_file.h"
+#include "platform/owners.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -78,6 +81,24 @@ void AddTemp(std::vector<std::string>& hints, const DryRun& run, const Path& med
             "depends on Windows and is not foreseen.");
 }
 
+// Of an administrator without elevation. Any other user has no higher rights than these.
+bool CanBeElevated() {
+    TokenHandle token;
+    TOKEN_ELEVATION_TYPE type{};
+    DWORD length = 0;
+    return OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Put()) &&
+           GetTokenInformation(token.Get(), TokenElevationType, &type, sizeof type, &length) &&
+           type == TokenElevationTypeLimited;
+}
+
+// What a pretended user could have, nobody knows.
+bool NeedsElevation(const DryRun& run) {
+    if (!run.installer || run.isAdministrator) return false;
+    const AskedRights rights = RightsAskedBy(Path(run.installer->foundAt));
+    return rights == AskedRights::Administrators ||
+           (rights == AskedRights::Highest && !run.machine.isAdministrator && CanBeElevated());
+}
+
 }  // namespace
 
 std::vector<std::string> HintsOf(const DryRun& run, const LaunchOptions* options) {
@@ -87,7 +108,7 @@ std::vector<std::string> HintsOf(const DryRun& run, const LaunchOptions* options
     AddSwallowedArguments(hints, run.arguments);
     AddRoom(hints, run, media);
     AddTemp(hints, run, media);
-    if (run.installer && !run.isAdministrator && AsksForElevation(Path(run.installer->foundAt)))
+    if (NeedsElevation(run))
         hints.emplace_back(
             "The installer's manifest asks for elevation: Windows does not start it for a user "
             "without (code 740).");

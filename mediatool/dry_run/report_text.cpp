@@ -1,3 +1,4 @@
+#include "fs/text.h"
 #include "launcher/base/message.h"
 #include "media/folder_names.h"
 #include "mediatool/base/console.h"
@@ -10,11 +11,16 @@ namespace {
 constexpr std::size_t kMissingShown = 4;  // of the files that were looked for
 
 std::string Heading(const std::string& text) {
-    return Painted(Colour::Bold, text) + "\n";
+    return Painted(Colour::Bold, Harmless(text)) + "\n";
+}
+
+// `text` after the part of the line that is in a colour.
+std::string Line(Colour colour, const std::string& painted, const std::string& text = "") {
+    return "  " + Painted(colour, Harmless(painted)) + Harmless(text) + "\n";
 }
 
 std::string Line(const std::string& text) {
-    return "  " + text + "\n";
+    return Line(Colour::Plain, text);
 }
 
 // An argument as it is typed.
@@ -42,14 +48,14 @@ std::string MachineText(const DryRun& run) {
 
 std::string DoubtText(const DryRun& run) {
     if (run.doubt.empty()) return {};
-    return Line(Painted(Colour::Yellow, run.doubt) + " It may do something else than this:");
+    return Line(Colour::Yellow, run.doubt, " It may do something else than this:");
 }
 
 std::string HintsText(const DryRun& run) {
     if (run.hints.empty()) return {};
     std::string text = Heading("Hints");
     for (const std::string& hint : run.hints)
-        text += Line(Painted(Colour::Yellow, hint));
+        text += Line(Colour::Yellow, hint);
     return text;
 }
 
@@ -75,9 +81,10 @@ std::string LookupsText(const DryRun& run, bool everything) {
     std::size_t missing = 0;
     for (const Lookup& lookup : run.journal.lookups) {
         if (!lookup.found && ++missing > kMissingShown && !everything) continue;
-        text +=
-            Line((lookup.found ? Painted(Colour::Green, "found    ") : "missing  ") + lookup.path +
-                 (!lookup.found && IsMissingInOrder(run, lookup) ? ", as it should be" : ""));
+        const bool isInOrder = !lookup.found && IsMissingInOrder(run, lookup);
+        text += Line(lookup.found ? Colour::Green : Colour::Plain,
+                     lookup.found ? "found    " : "missing  ",
+                     lookup.path + (isInOrder ? ", as it should be" : ""));
     }
     if (missing > kMissingShown && !everything)
         text +=
@@ -95,7 +102,7 @@ std::string InstallerText(const DryRun& run) {
                  (isInMedia ? "on the medium itself" : "by " + installer.foundBy) +
                  (installer.fault.empty() ? ", a " + installer.program + " program" : ""));
     if (!installer.fault.empty())
-        text += Line(Painted(Colour::Red, "Windows cannot start it: " + installer.fault + "."));
+        text += Line(Colour::Red, "Windows cannot start it: " + installer.fault + ".");
     return text;
 }
 
@@ -137,9 +144,10 @@ std::string CopyText(const DryRun& run, bool everything) {
     if (copy.contents.empty()) return text;
     text += Line(Counted(copy.contents.size(), "file") + ", " + Grouped(copy.bytes) +
                  " bytes, to " + run.temp + "\\" + kUuidShown);
-    if (copy.room)
-        text += Line(Grouped(*copy.room) + " bytes are free there" +
-                     (copy.bytes > *copy.room ? Painted(Colour::Red, ": too few") : ""));
+    if (copy.room) {
+        const std::string free = Grouped(*copy.room) + " bytes are free there";
+        text += copy.bytes > *copy.room ? Line(Colour::Red, free + ": too few") : Line(free);
+    }
     for (const auto& [key, file] : copy.contents)
         if (everything) text += Line(file.path);
     return text;
@@ -171,6 +179,7 @@ std::string CommandLineText(const DryRun& run) {
 }
 
 std::string Indented(std::string text, const std::string& indent) {
+    ReplaceAll(text, "\r\n", "\n", 0);
     while (text.ends_with('\n') || text.ends_with('\r'))
         text.pop_back();
     for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1))
@@ -183,7 +192,7 @@ std::string MessagesText(const DryRun& run) {
     if (run.journal.messages.empty() && !run.showsCommandLine) text += Line("none");
     for (const Message& message : run.journal.messages) {
         if (message.box) {
-            text += Line(Painted(Colour::Yellow, message.dialog ? "dialog   " : "box      ") +
+            text += Line(Colour::Yellow, message.dialog ? "dialog   " : "box      ",
                          Indented(message.text, "           "));
             text += Line("         An unattended run waits here for ever.");
         } else {
@@ -210,7 +219,7 @@ std::string TextOf(const DryRun& run, bool everything) {
     std::string typed = run.launcher;
     for (const std::string& argument : run.arguments)
         typed += " " + Typed(argument);
-    std::string text = Painted(ColourOf(run.verdict), run.summary) + "\n";
+    std::string text = Painted(ColourOf(run.verdict), Harmless(run.summary)) + "\n";
     text += Heading(typed) + Line(MachineText(run)) + DoubtText(run);
     text += HintsText(run) + VariablesText(run) + LookupsText(run, everything);
     text += InstallerText(run) + VolumesText(run) + CopyText(run, everything);

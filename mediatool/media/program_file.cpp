@@ -8,8 +8,8 @@
 
 #include "fs/encoding.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/owners.h"
 #include "platform/architecture.h"
-#include "platform/owners.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -82,13 +82,6 @@ std::basic_string_view<Character> FirstResource(const Library& program, const wc
             SizeofResource(program.Get(), found) / sizeof(Character)};
 }
 
-struct SectionTraits {
-    using Value = HANDLE;
-    static Value None() { return nullptr; }
-    static void Release(Value value) { CloseHandle(value); }
-};
-using Section = Owner<SectionTraits>;  // CreateFileMappingW
-
 // A script is started by way of the command processor.
 bool IsScript(const Path& file) {
     const std::string name = InLowerCase(FileName(file));
@@ -151,17 +144,21 @@ std::uint32_t ImageError(const std::wstring& name) {
     if (!program || program->isLibrary || program->isCutOff) return ERROR_BAD_EXE_FORMAT;
     if (!program->Is32Bit() && !(program->Is64Bit() && Is64BitWindows()))
         return ERROR_EXE_MACHINE_TYPE_MISMATCH;
-    const Section image(
+    const KernelObject image(
         CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY | SEC_IMAGE, 0, 0, nullptr));
     return image ? ERROR_SUCCESS : GetLastError();
 }
 
-bool AsksForElevation(const Path& path) {
+AskedRights RightsAskedBy(const Path& path) {
     const Library program = OpenResources(path);
-    if (!program) return false;
+    if (!program) return AskedRights::Users;
     const auto manifest = FirstResource<char>(program, RT_MANIFEST);
-    return manifest.find("\"requireAdministrator\"") != std::string_view::npos ||
-           manifest.find("\"highestAvailable\"") != std::string_view::npos;
+    const auto asksFor = [&manifest](const std::string& level) {
+        return manifest.find("\"" + level + "\"") != std::string_view::npos ||
+               manifest.find("'" + level + "'") != std::string_view::npos;
+    };
+    if (asksFor("requireAdministrator")) return AskedRights::Administrators;
+    return asksFor("highestAvailable") ? AskedRights::Highest : AskedRights::Users;
 }
 
 // Without the system's library for versions: one of its name beside this program would run.

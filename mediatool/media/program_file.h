@@ -31,8 +31,10 @@ std::string ProgramKind(const Path& path);
 // start.
 std::uint32_t ImageError(const std::wstring& name);
 
-// Whether its manifest asks for more rights than a user has who is no elevated administrator.
-bool AsksForElevation(const Path& path);
+// The rights that a program's manifest asks for: those of whoever starts it, as without a manifest;
+// the highest that this user can have; an administrator's.
+enum class AskedRights { Users, Highest, Administrators };
+AskedRights RightsAskedBy(const Path& path);
 
 // The name and the version in a program's resources; empty when it has none.
 struct ProgramVersion {

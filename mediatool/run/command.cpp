@@ -31,8 +31,8 @@ RunCommand::RunCommand(CLI::App& app)
     command->footer(
         "The launcher's own arguments stand after --, as in: mediatool run D:\\ -- -wait\n"
         "Exit code: the launcher's own; else 124 the time limit is over, 125 wrong use or a "
-        "failure "
-        "of mediatool, 126 the launcher cannot be started, 127 there is none, 130 interrupted.");
+        "failure of mediatool, 126 the launcher cannot be started, 127 there is none, 130 "
+        "interrupted.");
 }
 
 int RunCommand::Run(std::vector<std::string> launcherArguments) {

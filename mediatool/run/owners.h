@@ -1,6 +1,6 @@
 #pragma once
 
-// The owners of this room's resources (fs/owners.h).
+// The owners of this folder's resources (fs/owners.h).
 
 #include <windows.h>
 

@@ -91,15 +91,17 @@ class Watch {
 
     // Some at a time: boxes and the time limit cannot wait for megabytes of them.
     void TakeLines() {
-        isBehind_ = witness_.TakesMore();
-        if (!isBehind_) return;
-        for (WatchedStream* const stream : {&output_, &errors_})
+        isBehind_ = false;
+        if (!witness_.TakesMore()) return;
+        for (WatchedStream* const stream : {&output_, &errors_}) {
+            const std::uint64_t before = stream->Taken();
             Add(stream->TakeLines(installerIsThere_));
-        isBehind_ = output_.HasMore() || errors_.HasMore();
+            if (stream->Taken() > before && stream->HasMore()) isBehind_ = true;
+        }
     }
 
     // What was written by now: somebody may go on writing. The one who takes the lines may be slow,
-    // but must not stand still for long.
+    // but must not stand still for long; nor must a file of which a part is locked.
     void TakeWhatIsLeft() {
         run_.launcher = family_.SeenLauncher();
         run_.installer = family_.Installer();
@@ -108,16 +110,17 @@ class Watch {
             return sizes[0] - std::min(sizes[0], output_.Taken()) + sizes[1] -
                    std::min(sizes[1], errors_.Taken());
         };
-        ULONGLONG taken = GetTickCount64();
-        while (bytesLeft() > 0 && GetTickCount64() - taken < kLastLinesTime) {
-            if (witness_.TakesMore())
+        std::uint64_t left = bytesLeft();
+        for (ULONGLONG taken = GetTickCount64();
+             left > 0 && GetTickCount64() - taken < kLastLinesTime;) {
+            TakeLines();
+            if (bytesLeft() < left)
                 taken = GetTickCount64();
             else
                 Sleep(kTick);
-            TakeLines();
+            left = bytesLeft();
         }
-        if (bytesLeft() > 0)
-            run_.bytesLeftOut = bytesLeft() + output_.RestSize() + errors_.RestSize();
+        if (left > 0) run_.bytesLeftOut = left + output_.RestSize() + errors_.RestSize();
         if (run_.bytesLeftOut > 0 || (run_.installer && run_.installer->stillRunning)) return;
         for (WatchedStream* const stream : {&output_, &errors_})
             Add(stream->TakeRest());
@@ -178,7 +181,7 @@ class Watch {
     std::vector<DWORD> reporters_;
     ULONGLONG reportersLookedFor_ = 0;
     bool installerIsThere_ = false;
-    bool isBehind_ = false;      // there is more to take at once
+    bool isBehind_ = false;      // lines were taken, and there are more to take at once
     std::size_t keptBytes_ = 0;  // what the lines so far come to
     WatchedRun run_;
 };

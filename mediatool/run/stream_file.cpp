@@ -12,8 +12,9 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr std::size_t kReadAtOnce = 1 << 16;
+constexpr std::size_t kReadAtOnce = 1 << 14;
 constexpr std::uint64_t kTakeAtOnce = 2 << 20;
+constexpr std::size_t kLinesAtOnce = 10'000;  // and those of the last piece
 constexpr std::size_t kLongestLine = 1 << 20;
 constexpr char kReplacement[] = "\xEF\xBF\xBD";
 
@@ -80,7 +81,8 @@ std::uint64_t StreamFile::Size() const {
 std::vector<std::string> StreamFile::TakeLines() {
     std::vector<std::string> lines;
     std::string piece(kReadAtOnce, '\0');
-    for (auto left = std::min<std::uint64_t>(Size() - taken_, kTakeAtOnce); left > 0;) {
+    auto left = std::min<std::uint64_t>(Size() - taken_, kTakeAtOnce);
+    while (left > 0 && lines.size() < kLinesAtOnce) {
         const auto wanted = static_cast<DWORD>(std::min<std::uint64_t>(left, kReadAtOnce));
         DWORD count = 0;
         if (!::ReadFile(reader_.Get(), piece.data(), wanted, &count, nullptr) || count == 0) break;

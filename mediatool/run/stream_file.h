@@ -26,7 +26,8 @@ class StreamFile {
 
     // The lines completed since the last call, without their ends, in UTF-8: what is none, or is a
     // zero byte, stands as U+FFFD. A line ends with LF or CR LF; with CR alone, after which a
-    // terminal would write over it; and after 1 MB. Takes 2 MB at most.
+    // terminal would write over it; and after 1 MB. Takes 2 MB at most, and of short lines not many
+    // more than ten thousand.
     std::vector<std::string> TakeLines();
     // What is there of a line that nobody will complete.
     std::string TakeRest();

@@ -21,8 +21,8 @@ class WatchedStream {
     HANDLE ForLauncher() const { return file_.Writer(); }
     void CloseOwnEnd() { file_.CloseWriter(); }
 
-    // The lines that are complete, 2 MB at most. `installerIsThere`: it was before what is read
-    // here was written.
+    // The lines that are complete, as many as the file gives at once. `installerIsThere`: it was
+    // before what is read here was written.
     std::vector<SeenLine> TakeLines(bool installerIsThere);
     // The last one, without its end, when nobody is left to complete it.
     std::vector<SeenLine> TakeRest();

@@ -69,11 +69,12 @@ class Mistakes {
 
     void Add(const std::string& name) { names_.push_back(name); }
     void Tell(const Volume& volume, Findings& out) const {
-        const std::size_t told = std::min(names_.size(), kFindingsOfOneKind);
+        // One more is told as well as that there is one more.
+        const bool areAll = names_.size() <= kFindingsOfOneKind + 1;
+        const std::size_t told = areAll ? names_.size() : kFindingsOfOneKind;
         for (std::size_t i = 0; i < told; ++i)
             out.Add(kind_, volume.PathOf(names_[i]));
-        if (names_.size() > told)
-            out.Add(more_, volume.ListPath(), {std::to_string(names_.size() - told)});
+        if (!areAll) out.Add(more_, volume.ListPath(), {std::to_string(names_.size() - told)});
     }
     bool IsEmpty() const { return names_.empty(); }
 
@@ -122,10 +123,13 @@ class Verification {
                 volume.ListPath(), [&text](std::string_view bytes) { text += bytes; }, "read");
         } catch (const Refused&) {
             out_.Add("checksum-list-unreadable", volume.ListPath());
+            return;
         }
         const ChecksumList list = ParseChecksums(text);
-        if (list.badLine > 0)
-            out_.Add("checksum-list-malformed", volume.ListPath(), {std::to_string(list.badLine)});
+        const bool isEmpty = list.files.empty() && !volume.files.empty();
+        out_.AddFirst({{list.badLine > 0, "checksum-list-malformed"},
+                       {isEmpty, "checksum-list-malformed/empty"}},
+                      volume.ListPath(), {std::to_string(list.badLine)});
         volume.list = list.files;
         for (const ChecksumList::File& file : list.files) {
             const auto known = volume.names.find(InLowerCase(file.name));
@@ -140,18 +144,20 @@ class Verification {
         Mistakes differing("checksum-differs", "checksum-differs/more");
         Mistakes missing("checksum-file-missing", "checksum-file-missing/more");
         Mistakes unlisted("checksum-file-unlisted", "checksum-file-unlisted/more");
+        Mistakes unreadable("checksum-file-unreadable", "checksum-file-unreadable/more");
         Names others = volume.names;
         for (const ChecksumList::File& file : volume.list) {
             others.erase(InLowerCase(file.name));
             if (!volume.HasFile(file.name))
                 missing.Add(file.name);
             else if (const auto hash = HashOf(volume.PathOf(file.name)); !hash)
-                out_.Add("checksum-file-unreadable", volume.PathOf(file.name));
+                unreadable.Add(file.name);
             else if (*hash != file.hash)
                 differing.Add(file.name);
         }
         for (const auto& [lower, name] : others)
             unlisted.Add(name);
+        unreadable.Tell(volume, out_);
         if (!(differing.IsEmpty() && missing.IsEmpty()) && IsOfAnother(volume)) return;
         for (const Mistakes* mistakes : {&differing, &missing, &unlisted})
             mistakes->Tell(volume, out_);

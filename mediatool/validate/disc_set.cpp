@@ -19,15 +19,17 @@ constexpr std::size_t kMostNamed = 5;  // of the volumes that are missing
 
 void CompareIdentifiers(const std::string& id, const DiscSet& set, const Path& marker,
                         Findings& out) {
-    // Compared as Windows compares names, which end at a zero byte.
-    const bool hasZero = (id + set.id).find('\0') != std::string::npos;
-    if (!hasZero && Composed(id) == Composed(set.id)) {
+    // Compared as Windows compares names, which end at a zero byte; and bytes that are no UTF-8
+    // would all be the same character.
+    const bool areNames =
+        (id + set.id).find('\0') == std::string::npos && IsUtf8(id) && IsUtf8(set.id);
+    if (areNames && Composed(id) == Composed(set.id)) {
         out.Add("volume-id-letters-differ", marker,
                 {Quoted(SpeltOut(id)), Quoted(SpeltOut(set.id))});
         return;
     }
-    out.AddFirst({{!hasZero && SameName(id, set.id), "volume-id-case-differs"},
-                  {!hasZero && SameName(Trimmed(id), Trimmed(set.id)), "volume-id-blanks-differ"},
+    out.AddFirst({{areNames && SameName(id, set.id), "volume-id-case-differs"},
+                  {areNames && SameName(Trimmed(id), Trimmed(set.id)), "volume-id-blanks-differ"},
                   {true, "volume-id-differs"}},
                  marker, {Quoted(Harmless(id, "")), Quoted(Harmless(set.id, ""))});
 }

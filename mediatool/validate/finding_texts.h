@@ -92,6 +92,8 @@ inline constexpr FindingText kTexts[] = {
      "Nobody can tell whether the volume's files are whole.", kReadable},
     {"checksum-list-malformed", Error, "Line %1 of the list of checksums is none of sha256sum.",
      "What it was to name is not verified.", kWriteList},
+    {"checksum-list-malformed/empty", Error, "The list of checksums is empty.",
+     "What it was to name is not verified.", kWriteList},
     {"checksum-list-wrong-volume", Error,
      "The list of checksums does not fit here, but fits the files in %1.",
      "The lists, or the files, of the two volumes have changed places.",
@@ -120,6 +122,8 @@ inline constexpr FindingText kTexts[] = {
     {"checksum-file-unreadable", Error, "The file cannot be read to its end.",
      "The launcher's copy, and the installer, may take its beginning for the whole file.",
      "Clean the disc, or copy the medium again."},
+    {"checksum-file-unreadable/more", Error, "%1 more files cannot be read to their end.",
+     kMoreOfThem, "Clean the disc, or copy the medium again."},
 
     // The launcher, and what is beside it.
     {"launcher-missing", Error, "The launcher, setup.exe, is missing.", kNoStart,

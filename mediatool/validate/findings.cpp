@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "mediatool/base/files.h"
+#include "mediatool/base/sentences.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -60,9 +61,12 @@ bool Findings::AddFirst(Cases cases, const Path& file, const Values& values) {
 
 std::vector<Finding> Findings::Sorted(Shown shown) const {
     std::vector<Finding> sorted;
-    for (const auto& [text, file, all] : all_) {
-        Values values = all;
-        if (shown == Shown::Shortened) std::ranges::transform(all, values.begin(), Shortened);
+    for (auto [text, file, values] : all_) {
+        if (shown == Shown::Readable) {
+            file = Harmless(file, "");
+            for (std::string& value : values)
+                value = Shortened(Harmless(value, ""));
+        }
         sorted.push_back({text->level, IdentifierOf(*text), file, Filled(text->what, values),
                           Filled(text->why, values), Filled(text->action, values)});
     }

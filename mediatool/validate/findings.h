@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -30,6 +31,9 @@ class FindingKind {
 
     const FindingText* text_;
 };
+
+// A thousand files of one kind of mistake are one mistake: only some are findings of their own.
+inline constexpr std::size_t kFindingsOfOneKind = 5;
 
 // One thing about a medium that its maker should know. Texts are UTF-8 sentences.
 struct Finding {
@@ -65,9 +69,9 @@ class Findings {
     bool AddFirst(Cases cases, const Path& file, const Values& values = {});
 
     // The gravest first; those of one level in the order in which they were found. `Shown` is how
-    // long values are, an identifier of thousands of characters for instance: whole, or for a
-    // reader.
-    enum class Shown { Whole, Shortened };
+    // files and values are, an identifier of thousands of characters for instance: as they are, or
+    // for a reader, who gets no characters that a terminal would obey either.
+    enum class Shown { Whole, Readable };
     std::vector<Finding> Sorted(Shown shown = Shown::Whole) const;
     std::size_t Count(Level level) const;
     std::size_t Size() const { return all_.size(); }

@@ -71,7 +71,7 @@ Json VolumesJson(const LauncherView& view) {
 std::string TextOf(const Validation& validation) {
     std::string text;
     for (const std::string& folder : validation.media)
-        text += Painted(Colour::Bold, folder) + "\n";
+        text += Painted(Colour::Bold, Harmless(folder)) + "\n";
     text += "  " + VolumesText(validation.view) + "; " +
             (validation.view.copies ? "the installer is copied to the temporary folder"
                                     : "the installer runs from the media") +
@@ -81,7 +81,7 @@ std::string TextOf(const Validation& validation) {
                 std::to_string(validation.verified.bytes) + " bytes\n";
     text += "\n";
     bool hadNote = false;
-    for (const Finding& finding : validation.findings.Sorted(Findings::Shown::Shortened)) {
+    for (const Finding& finding : validation.findings.Sorted(Findings::Shown::Readable)) {
         hadNote = finding.level == Level::Note;
         text += hadNote ? NoteText(finding) : TextOf(finding);
     }

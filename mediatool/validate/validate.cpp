@@ -18,12 +18,9 @@ std::vector<FlavourHere> FlavoursOf(const Path& media) {
     return flavours;
 }
 
-// A path that means the same from everywhere.
 std::string CheckedTemp(const std::string& text) {
     const Path path(text);
-    const bool hasDrive =
-        path.RootEnd() == 1 && (path.Text().size() == 2 || path.Text()[2] == '\\');
-    if (!hasDrive && path.RootEnd() < 2)
+    if (!IsFull(path))
         throw BadInput("--temp takes the full path of a folder, such as C:\\Temp, not \"" + text +
                        "\".");
     return path.Text();

@@ -289,6 +289,18 @@ TEST_F(Command, PathsMayBeginWithASlash) {
     EXPECT_THAT(Complaint({"validate", "/json"}), HasSubstr("\\json\""));
 }
 
+TEST_F(Command, PathsMayBeInBrackets) {
+    for (const std::string name : {"Set", "[Set]"})
+        std::filesystem::copy(FromUtf8(media.Text()), scratch.Dir() / name,
+                              std::filesystem::copy_options::recursive);
+    EXPECT_EQ(Output({"checksum", "[Set]", "--json"})["written"],
+              Json::array({scratch.Text("[Set]\\SHA256SUMS")}));
+    EXPECT_EQ(Output({"validate", "[Set]", "--json"})["media"],
+              Json::array({scratch.Text("[Set]")}));
+    EXPECT_EQ(Output({"dry-run", "[Set]", "--json"})["launcher"], scratch.Text("[Set]\\setup.exe"));
+    EXPECT_THAT(Complaint({"validate", "[a,b]"}), HasSubstr("\\[a,b]\" cannot be opened"));
+}
+
 TEST_F(Command, PickThatIsNotNeededIsSaid) {
     const MediatoolRun run = Run({"dry-run", media.Text(), "--pick", scratch.Text()});
     EXPECT_EQ(run.errors,

@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "fs/encoding.h"
+#include "mediatool/commands.h"
+#include "tests/mediatool/support/sample_media.h"
 #include "tests/support/hook.h"
 
 namespace launcher::test {
@@ -100,6 +102,40 @@ TEST_F(TerminalTest, ThatFailsIsNotAskedAgain) {
     });
     PrintOut("text");
     EXPECT_EQ(asked, 1);
+}
+
+// The report would begin behind it.
+TEST(ProgressLine, IsTakenAwayBeforeTheReport) {
+    const SampleMedia media;
+    const TemporaryFolder scratch;
+    const std::vector<std::vector<std::string>> commands = {
+        {"validate", media.Text()},
+        {"create", "--id", "SET", "--layout", "siblings", "--volumes", "1", "--from", media.Text(),
+         "--checksums", scratch.Text("out")},
+        {"checksum", media.Text()}};
+    for (const std::vector<std::string>& command : commands) {
+        std::wstring shown;
+        ULONGLONG now = 0;
+        {
+            const Hook<decltype(&GetConsoleMode)> mode("GetConsoleMode", IsTerminal(true));
+            const Hook<decltype(&SetConsoleMode)> plain("SetConsoleMode",
+                                                        [](auto&&...) { return FALSE; });
+            const Hook<decltype(&GetTickCount64)> clock("GetTickCount64",
+                                                        [&now](auto) { return now += 1000; });
+            const Hook<decltype(&WriteConsoleW)> write(
+                "WriteConsoleW",
+                [&shown](auto, HANDLE, const void* text, DWORD length, DWORD* written, void*) {
+                    shown.append(static_cast<const wchar_t*>(text), *written = length);
+                    return TRUE;
+                });
+            EXPECT_EQ(mediatool::RunMediatool(command), 0);
+        }
+        const std::size_t end = shown.rfind(L'\r');
+        ASSERT_NE(end, std::wstring::npos) << "nothing was shown during " << command.front();
+        const std::size_t start = shown.rfind(L'\r', end - 1) + 1;
+        EXPECT_EQ(shown.substr(start, end - start), std::wstring(end - start, L' '));
+        EXPECT_GT(shown.size(), end + 1) << "the report of " << command.front() << " came before";
+    }
 }
 
 // A file or a pipe, which takes bytes.

@@ -9,6 +9,7 @@
 
 #include "launcher/base/launch_options.h"
 #include "mediatool/base/files.h"
+#include "mediatool/dry_run/report.h"
 #include "tests/mediatool/rehearsing.h"
 #include "tests/support/hook.h"
 #include "tests/support/wine.h"
@@ -68,6 +69,31 @@ TEST_F(HintTest, AnInstallerThatAsksForElevation) {
     EXPECT_THAT(Hints(media_, {}, allowed), IsEmpty());
 }
 
+// Windows starts such an installer for anybody, but for an administrator without elevation.
+TEST_F(HintTest, AnInstallerThatAsksForTheHighestRights) {
+    std::string program = ReadFile(BuiltFile(ELEVATED_PROGRAM));
+    const std::string required = "\"requireAdministrator\"";
+    ASSERT_EQ(program.find(required), program.rfind(required));
+    program.replace(program.find(required), required.size(), "'highestAvailable'    ");
+    SampleMedia media = Startable();
+    media.Write(kInstallerOfMedia, program);
+    const Variables allowed = {{"ZEPAdmInstAllowNotAdminUser", "1"}, {"ZEPProcessNotAdmin", "1"}};
+    for (const auto& [type, isHint] : {std::pair(TokenElevationTypeDefault, false),
+                                       std::pair(TokenElevationTypeLimited, true)}) {
+        const Hook<decltype(&GetTokenInformation)> token(
+            "GetTokenInformation",
+            [type = type](auto real, HANDLE handle, auto kind, LPVOID value, auto... rest) {
+                if (kind != TokenElevationType) return real(handle, kind, value, rest...);
+                *static_cast<TOKEN_ELEVATION_TYPE*>(value) = type;
+                return TRUE;
+            });
+        request_.machine.isAdministrator.reset();
+        EXPECT_EQ(Hints(media, {}, allowed).size(), isHint ? 1u : 0u);
+        request_.machine.isAdministrator = false;
+        EXPECT_THAT(Hints(media, {}, allowed), IsEmpty()) << "of a pretended user";
+    }
+}
+
 TEST_F(HintTest, HowMuchRoomIsMissing) {
     const SampleMedia incomplete = Incomplete();
     const Hook<decltype(&GetDiskFreeSpaceExW)> full(
@@ -96,6 +122,15 @@ TEST_F(HintTest, ATempInTheFolderThatIsCopied) {
         Hints(incomplete, {}, {{"TEMP", incomplete.Text("inst\\win_b64\\code\\bin\\temp")}}),
         ElementsAre(HasSubstr("the copy holds parts of itself")));
     EXPECT_THAT(Hints(incomplete, {}, {{"TEMP", incomplete.Text("inst temp")}}), IsEmpty());
+}
+
+// What the medium holds reaches the messages.
+TEST_F(HintTest, ReportsSendNoCharactersThatATerminalWouldObey) {
+    SampleMedia media = Startable();
+    media.Write("inst/volumes.txt", "2\x1B[2J\r\n");
+    const std::string text = TextOf(Dry(media), true);
+    EXPECT_THAT(text, HasSubstr("2\\x1B[2J"));
+    EXPECT_EQ(text.find('\x1B'), std::string::npos) << text;
 }
 
 class LongPathTest : public HintTest {

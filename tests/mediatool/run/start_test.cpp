@@ -120,6 +120,9 @@ TEST_F(NoStart, WithALogInTheMedia) {
     expectRefusal(hardLink);
     const FolderLink link(scratch.Dir() / "folder", media.Root());
     expectRefusal(scratch.Text("folder\\new.txt"));
+    const FolderLink deeper(scratch.Dir() / "deeper", media.Root() / "inst");
+    expectRefusal(scratch.Text("deeper\\new.txt"));
+    expectRefusal(scratch.Text("deeper\\no folder\\new.txt"));
     const MappedDrive drive("l:", media.Root());
     expectRefusal("L:\\setup.exe");
     expectRefusal("L:\\new.txt");

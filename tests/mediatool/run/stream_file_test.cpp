@@ -79,6 +79,19 @@ TEST_F(StreamFileTest, TakesNoMoreThanTwoMegabytesAtOnce) {
     EXPECT_EQ(file.TakeLines().size(), 1u);
 }
 
+// Two megabytes of them would be two million.
+TEST_F(StreamFileTest, TakesNotManyEmptyLinesAtOnce) {
+    StreamFile file;
+    WriteTo(file.Writer(), std::string(100'000, '\n'));
+    std::size_t lines = file.TakeLines().size();
+    EXPECT_GE(lines, 10'000u);
+    EXPECT_LT(lines, 30'000u);
+    EXPECT_EQ(file.Taken(), lines);
+    while (file.Taken() < file.Size())
+        lines += file.TakeLines().size();
+    EXPECT_EQ(lines, 100'000u);
+}
+
 TEST_F(StreamFileTest, GivesLinesLongerThanItsPieces) {
     StreamFile file;
     const std::string line(200'000, 'x');

@@ -152,6 +152,41 @@ TEST_F(WatchTest, CountsAllThatIsInNoLine) {
     EXPECT_EQ(run.bytesLeftOut, 1004u);
 }
 
+// The installer may have locked a part of the file. Time passes here when the watching sleeps: what
+// goes on without a rest would find its file unlocked after a while.
+TEST_F(WatchTest, RestsWhileLinesCannotBeRead) {
+    int looks = 0;
+    int reads = 0;
+    ULONGLONG slept = 0;
+    std::vector<DWORD> waits;
+    witness_.takes = [&] {
+        if (stdfs::exists(folder_.Dir() / "said") && ++looks > 5) request_.timeLimit = 0;
+        return true;
+    };
+    const std::string acts = "lines 100|" + Said() + "|wait " + event_.Name();
+    WatchedRun run;
+    {
+        const test::Hook<decltype(&::ReadFile)> locked("ReadFile", [&](auto real, auto... given) {
+            if (++reads > 100'000) return real(given...);
+            SetLastError(ERROR_LOCK_VIOLATION);
+            return FALSE;
+        });
+        const test::Hook<decltype(&WaitForMultipleObjects)> wait(
+            "WaitForMultipleObjects",
+            [&](auto real, DWORD count, auto handles, BOOL all, DWORD time) {
+                waits.push_back(time);
+                return real(count, handles, all, time);
+            });
+        const test::Hook<decltype(&GetTickCount64)> clock(
+            "GetTickCount64", [&](auto real) { return real() + slept; });
+        const test::Hook<decltype(&Sleep)> sleep("Sleep", [&](auto, DWORD time) { slept += time; });
+        run = Run(acts);
+    }
+    EXPECT_THAT(waits, testing::Each(testing::Gt(0u)));
+    EXPECT_EQ(run.exitCode, 124u);
+    EXPECT_EQ(run.bytesLeftOut, 10'000u);
+}
+
 // Which ends it later, and maybe itself, while its lines are still being taken.
 TEST_F(WatchTest, TakesNoHalfLineOfAnInstallerThatGoesOn) {
     witness_.takes = [this] {

@@ -122,6 +122,33 @@ TEST_F(ListedSet, TellsOfThousandsInAFewLines) {
     EXPECT_EQ(validation.findings.Sorted()[5].file, media.Text("SHA256SUMS"));
 }
 
+// As long as "1 more" would be.
+TEST_F(ListedSet, TellsTheLastOneToo) {
+    for (int i = 0; i < 6; ++i)
+        media.Write("data/" + std::to_string(i) + ".bin", "x");
+    const std::string found = Found();
+    EXPECT_EQ(std::ranges::count(found, '\n'), 6) << found;
+    EXPECT_THAT(found, testing::EndsWith(Warning("checksum-file-unlisted", "data\\5.bin")));
+}
+
+TEST_F(ListedSet, TellsOfThousandsThatCannotBeReadInAFewLines) {
+    for (int i = 0; i < 8; ++i)
+        media.Write("data/" + std::to_string(i) + ".bin", std::string(1000, 'x'));
+    WriteLists();
+    const Hook<decltype(&::ReadFile)> broken("ReadFile",
+                                             [](auto real, HANDLE file, auto... rest) -> BOOL {
+                                                 LARGE_INTEGER length{};
+                                                 GetFileSizeEx(file, &length);
+                                                 if (length.QuadPart != 1000)
+                                                     return real(file, rest...);
+                                                 SetLastError(ERROR_CRC);
+                                                 return FALSE;
+                                             });
+    const std::string found = Found();
+    EXPECT_EQ(std::ranges::count(found, '\n'), 6) << found;
+    EXPECT_EQ(validation.findings.Sorted()[5].what, "3 more files cannot be read to their end.");
+}
+
 TEST_F(ListedSet, HasAFileThatStopsInTheMiddle) {
     media.Write("../2/data/b.bin", std::string(1000, 'x'));
     WriteLists();
@@ -141,6 +168,34 @@ TEST_F(ListedSet, HasAListThatCannotBeRead) {
     const FileHandle lock(CreateFileW(ToWide(media.Text("../2/SHA256SUMS")).c_str(), GENERIC_READ,
                                       0, nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_EQ(Found(), Error("checksum-list-unreadable", "..\\2\\SHA256SUMS"));
+}
+
+// What was read of it is no list.
+TEST_F(ListedSet, HasAListThatBreaksOff) {
+    media.Write("../2/data/another.bin", "x");  // no other list has this length
+    WriteLists();
+    const auto size = std::filesystem::file_size(FromUtf8(media.Text("../2/SHA256SUMS")));
+    int reads = 0;
+    const Hook<decltype(&::ReadFile)> broken(
+        "ReadFile", [&](auto real, HANDLE file, LPVOID data, DWORD wanted, auto... rest) -> BOOL {
+            LARGE_INTEGER length{};
+            GetFileSizeEx(file, &length);
+            if (static_cast<std::uintmax_t>(length.QuadPart) != size)
+                return real(file, data, wanted, rest...);
+            if (++reads == 1) return real(file, data, 100, rest...);
+            SetLastError(ERROR_CRC);
+            return FALSE;
+        });
+    EXPECT_EQ(Found(), Error("checksum-list-unreadable", "..\\2\\SHA256SUMS"));
+    EXPECT_EQ(reads, 2);
+}
+
+TEST_F(ListedSet, HasAListThatIsEmpty) {
+    for (const char* const text : {"", "\r\n\n", "\xEF\xBB\xBF"}) {
+        media.Write("../2/SHA256SUMS", text);
+        EXPECT_EQ(Found(), Error("checksum-list-malformed", "..\\2\\SHA256SUMS"));
+        EXPECT_EQ(WhatOfTheFirst(), "The list of checksums is empty.");
+    }
 }
 
 TEST_F(ListedSet, HasAListThatIsNone) {

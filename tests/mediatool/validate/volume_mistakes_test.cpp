@@ -1,5 +1,6 @@
 // Every kind of mistake in the volumes of a split medium and their markers.
 
+#include "mediatool/validate/report.h"
 #include "tests/mediatool/validate/mistake_row.h"
 
 namespace launcher::test {
@@ -67,6 +68,20 @@ const Mistake kTextMistakes[] = {
              m.Marker(name, "S\xC3\x89T");
          m.Marker(kTwo, "SE\xCC\x81T");
      }},
+    {"volume-id-differs", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         for (const char* name : {"1.txt", "../3/3.txt"})
+             m.Marker(name, "M\xC4RZ");
+         m.Marker(kTwo, "M\xD6RZ");
+     },
+     "InALetterThatIsNotUtf8", "volume-id-not-utf8"},
+    {"volume-id-differs", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         for (const char* name : {"1.txt", "../3/3.txt"})
+             m.Marker(name, "M\xC4RZ");
+         m.Marker(kTwo, "M\xD6rz");
+     },
+     "InALetterThatIsNotUtf8AndInCapitals", "volume-id-not-utf8"},
     {"volume-id-too-long", Level::Error, Layout::Siblings,
      [](Media& m) {
          for (const char* name : {"1.txt", kTwo, "../3/3.txt"})
@@ -238,9 +253,26 @@ TEST(Identifiers, AreShortenedForReadersOnly) {
     const mediatool::Findings findings = media.Validate().findings;
     EXPECT_EQ(findings.Sorted().front().what,
               "The identifier is \"" + std::string(3000, 'x') + "\"; volume 1 has \"SET\".");
-    EXPECT_EQ(findings.Sorted(mediatool::Findings::Shown::Shortened).front().what,
+    EXPECT_EQ(findings.Sorted(mediatool::Findings::Shown::Readable).front().what,
               "The identifier is \"" + std::string(79, 'x') +
                   "... (3002 characters); volume 1 has \"SET\".");
+}
+
+// A program gets them as they are.
+TEST(Reports, SendNoCharactersThatATerminalWouldObey) {
+    SampleMedia media(Layout::Siblings);
+    media.Marker("1.txt", "S\x1B[2JT").Remove(kTwo).Marker("../3/3.txt", "S\x1B[2JT");
+    media.Write("inst/x\u202Egpj.exe", "");
+    const Validation validation = media.Validate();
+    const std::string text = TextOf(validation);
+    EXPECT_THAT(text, testing::HasSubstr("MTBDIR=S\\x1B[2JT"));
+    EXPECT_EQ(text.find('\x1B'), std::string::npos) << text;
+    EXPECT_THAT(text, testing::HasSubstr("x\\u202Egpj.exe is empty."));
+    EXPECT_THAT(text, testing::HasSubstr("\\inst\\x\\u202Egpj.exe\n"));
+    std::string whole;
+    for (const Finding& finding : validation.findings.Sorted())
+        whole += finding.action;
+    EXPECT_THAT(whole, testing::HasSubstr("MTBDIR=S\x1B[2JT"));
 }
 
 TEST(StrayMarkers, AreToldTogetherWithTheMissingVolumes) {
