@@ -48,9 +48,6 @@ struct Finding {
 // The values %1, %2 ... of a finding's texts.
 using Values = std::vector<std::string>;
 
-// A whole tree of the same mistake is one mistake, not a thousand.
-inline constexpr std::size_t kFindingsOfOneKind = 5;
-
 // A kind of finding, where it `holds`.
 struct Case {
     bool holds;
