@@ -20,8 +20,11 @@ bool IsReservedName(const std::string& name) {
     while (base.ends_with(' '))
         base.pop_back();
     if (base == "con" || base == "prn" || base == "aux" || base == "nul") return true;
-    const bool port = base.size() == 4 && (base.starts_with("com") || base.starts_with("lpt"));
-    return port && base[3] >= '1' && base[3] <= '9';
+    if (!base.starts_with("com") && !base.starts_with("lpt")) return false;
+    // Superscripts are digits here.
+    const std::string port = base.substr(3);
+    if (port == "\xC2\xB9" || port == "\xC2\xB2" || port == "\xC2\xB3") return true;
+    return port.size() == 1 && port[0] >= '1' && port[0] <= '9';
 }
 
 bool EndsInDotOrBlank(const std::string& name) {

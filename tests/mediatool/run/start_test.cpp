@@ -97,8 +97,9 @@ TEST_F(NoStart, AfterBadInput) {
 
 TEST_F(NoStart, WithALogThatIsADevice) {
     const std::string media = StandInAsLauncher().Text();
-    for (const std::string& log : {std::string("CON"), std::string("com1"), std::string("LPT1.txt"),
-                                   scratch.Text("aux"), std::string("\\\\.\\pipe\\log")})
+    for (const std::string& log :
+         {std::string("CON"), std::string("com1"), std::string("LPT1.txt"),
+          std::string("com\xC2\xB9"), scratch.Text("aux"), std::string("\\\\.\\pipe\\log")})
         ExpectRefusal({"run", media, "--log", log},
                       "The log \"" + log + "\" is a device, not a file.");
 }
