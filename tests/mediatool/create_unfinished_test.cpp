@@ -211,6 +211,29 @@ TEST_F(FailingCall, ForTheBytesOfACopy) {
     ExpectTakenBack(complaint, "one\\a.bin", "copied");
 }
 
+TEST_F(FailingCall, ForTheTextOfTheMark) {
+    std::string complaint;
+    {
+        const Hook<decltype(&::WriteFile)> full("WriteFile", FailsWith(ERROR_DISK_FULL, FALSE));
+        complaint = Complaint();
+    }
+    ExpectTakenBack(complaint, "out\\1\\mediatool-unfinished.txt", "written");
+}
+
+TEST_F(FailingCall, ForTheMark) {
+    std::string complaint;
+    {
+        const Hook<decltype(&CreateFileW)> refused(
+            "CreateFileW", [](auto real, LPCWSTR name, auto... rest) -> HANDLE {
+                if (!std::wstring(name).ends_with(L"-unfinished.txt")) return real(name, rest...);
+                SetLastError(ERROR_WRITE_PROTECT);
+                return INVALID_HANDLE_VALUE;
+            });
+        complaint = Complaint();
+    }
+    ExpectTakenBack(complaint, "out\\1\\mediatool-unfinished.txt", "written");
+}
+
 TEST_F(FailingCall, ForTheNewFile) {
     std::string complaint;
     {
