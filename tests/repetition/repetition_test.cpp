@@ -102,7 +102,7 @@ TEST(Repeat, NoticesHandlesThatStayOpen) {
 }
 
 TEST(Repeat, NoticesMemoryThatStaysAllocated) {
-    EXPECT_NONFATAL_FAILURE(Repeat([] { HeapAlloc(GetProcessHeap(), 0, 1); }),
+    EXPECT_NONFATAL_FAILURE(Repeat([] { HeapAlloc(GetProcessHeap(), 0, 1000); }),
                             "memory was left allocated");
 }
 
