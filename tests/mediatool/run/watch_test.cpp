@@ -20,6 +20,7 @@ namespace stdfs = std::filesystem;
 using testing::HasSubstr;
 
 struct TestWitness : Witness {
+    void Started(const RunRequest&) override {}
     void Saw(const std::vector<SeenLine>& lines) override {
         for (const SeenLine& line : lines)
             seen.push_back(line.text);
