@@ -222,6 +222,21 @@ TEST_F(WatchTest, StartsNothingThatIsSuspended) {
     EXPECT_EQ(flags & CREATE_SUSPENDED, 0u);
 }
 
+TEST_F(WatchTest, StartsNothingAfterAnInterruption) {
+    PHANDLER_ROUTINE pressCtrlC = nullptr;
+    const test::Hook<decltype(&SetConsoleCtrlHandler)> console(
+        "SetConsoleCtrlHandler", [&pressCtrlC](auto, PHANDLER_ROUTINE handler, BOOL) {
+            pressCtrlC = handler;
+            return TRUE;
+        });
+    const Interruption interruption;
+    pressCtrlC(CTRL_C_EVENT);
+    const WatchedRun run = RunWatched(request_, interruption, witness_);
+    EXPECT_EQ(run.exitCode, 130u);
+    EXPECT_EQ(run.endedBy, EndedBy::Interrupt);
+    EXPECT_FALSE(run.launcher);
+}
+
 class ProgramCheck : public test::IsolatedTest, public testing::WithParamInterface<DWORD> {};
 
 // It may be there all the same.
