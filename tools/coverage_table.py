@@ -1,15 +1,25 @@
 #!/usr/bin/env python3
 """Prints a table by folder of gcovr's JSON report, and each line and branch without a hit.
 
-    coverage_table.py REPORT LINES BRANCHES
+    coverage_table.py REPORT
 
-The exit code is 1 when less than LINES or BRANCHES, in percent, of a program were reached.
+The exit code is 1 when less of a program was reached than LEAST asks for.
+
+Of an expression of several lines, gcov counts those as never reached for which the compiler made
+nothing but what an exception would need. Such a line counts as reached when another one of its
+expression was.
 """
 
 import collections
 import json
+import re
 import sys
 from pathlib import Path
+
+
+# Lines and branches, in percent. mediatool puts its texts together from temporaries, whose clean-up
+# is counted as branches too: a third of those not reached are on lines without any condition.
+LEAST = {"all of the launcher": (100, 90), "all of mediatool": (100, 85)}
 
 
 def percent(hit, total):
@@ -24,6 +34,29 @@ def program_of(file):
     return "all of mediatool" if "mediatool" in Path(file).parts else "all of the launcher"
 
 
+CHOICE = re.compile(r"\?|&&|\|\||^:|:$")
+GOES_ON = re.compile(r"([,(+]|[=(] ?\{|\[.*\]\(.*\) \{)$")
+
+
+def without_comment(line):
+    return line.split(" //")[0].strip()
+
+
+def is_reached(number, source, counts):
+    """Whether the line was, or another one of an expression without a choice at this place."""
+    def reached_from(line, step):
+        while True:
+            upper = without_comment(source[min(line, line + step) - 1])
+            if not GOES_ON.search(upper) or CHOICE.search(upper):
+                return False
+            line += step
+            if counts.get(line, 0) > 0:
+                return True
+
+    return counts[number] > 0 or not CHOICE.search(without_comment(source[number - 1])) and (
+        reached_from(number, -1) or reached_from(number, 1))
+
+
 def main():
     report = json.loads(Path(sys.argv[1]).read_text())
     rows = collections.defaultdict(lambda: [0, 0, 0, 0])
@@ -32,19 +65,20 @@ def main():
     for file in sorted(report["files"], key=lambda f: f["file"]):
         folder = str(Path(file["file"]).parent)
         source = Path(file["file"]).read_text().splitlines()
-        for line in file["lines"]:
-            if line.get("gcovr/noncode"):
-                continue
+        lines = [line for line in file["lines"] if not line.get("gcovr/noncode")]
+        counts = {line["line_number"]: line["count"] for line in lines}
+        for line in lines:
+            reached = is_reached(line["line_number"], source, counts)
             branches = [b["count"] for b in line["branches"]]
             never = branches.count(0)
             for row in (rows[folder], totals[program_of(file["file"])]):
-                row[0] += line["count"] > 0
+                row[0] += reached
                 row[1] += 1
                 row[2] += len(branches) - never
                 row[3] += len(branches)
             place = f"{file['file']}:{line['line_number']}"
             code = source[line["line_number"] - 1].strip()
-            if line["count"] == 0:
+            if not reached:
                 missing.append(f"{place}: line: {code}")
             elif never:
                 missing.append(f"{place}: {never} of {len(branches)} branches: {code}")
@@ -58,8 +92,8 @@ def main():
 
     failed = not totals
     for program, row in sorted(totals.items()):
-        for what, reached, least in (("lines", percent(*row[:2]), float(sys.argv[2])),
-                                     ("branches", percent(*row[2:]), float(sys.argv[3]))):
+        for what, reached, least in zip(("lines", "branches"),
+                                        (percent(*row[:2]), percent(*row[2:])), LEAST[program]):
             if reached < least:
                 print(f"Too little: {reached:.2f} % of the {what}, {program}; {least:g} % is asked.")
                 failed = True

@@ -1,5 +1,9 @@
 #include "mediatool/create/new_file.h"
 
+#include <cstddef>
+#include <cstring>
+#include <vector>
+
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
@@ -8,8 +12,8 @@
 namespace launcher::mediatool {
 namespace {
 
-// A virus scanner that looks at a new file keeps it from being renamed or deleted for a moment.
-// Tries until nobody holds it, two seconds at most; the last reason is in GetLastError().
+// A virus scanner that looks at a file keeps it from being replaced or deleted for a moment. Tries
+// until nobody holds it, two seconds at most; the last reason is in GetLastError().
 template <class Attempt>
 bool WithPatience(const Attempt& attempt) {
     constexpr int kAttempts = 20;
@@ -21,6 +25,20 @@ bool WithPatience(const Attempt& attempt) {
         Sleep(kBetween);
     }
     return true;
+}
+
+// Gives an open file another name, which is free or may be replaced. `name` is a whole path.
+// https://learn.microsoft.com/windows/win32/api/winbase/ns-winbase-file_rename_info
+bool Rename(HANDLE file, const std::wstring& name, bool mayReplace) {
+    const std::size_t bytes = name.size() * sizeof(wchar_t);
+    std::vector<char> memory(sizeof(FILE_RENAME_INFO) + bytes);
+    FILE_RENAME_INFO info{};
+    info.ReplaceIfExists = mayReplace;
+    info.FileNameLength = static_cast<DWORD>(bytes);
+    std::memcpy(memory.data(), &info, sizeof info);
+    std::memcpy(memory.data() + offsetof(FILE_RENAME_INFO, FileName), name.data(), bytes);
+    return SetFileInformationByHandle(file, FileRenameInfo, memory.data(),
+                                      static_cast<DWORD>(memory.size())) != FALSE;
 }
 
 FILETIME FileTime(std::uint64_t units) {
@@ -54,8 +72,8 @@ NewFile::~NewFile() {
 }
 
 FileHandle NewFile::Open(DWORD attributes) const {
-    return FileHandle(CreateFileW(Extended(temporary_.Text()).c_str(), GENERIC_WRITE, 0, nullptr,
-                                  CREATE_NEW, attributes, nullptr));
+    return FileHandle(CreateFileW(Extended(temporary_.Text()).c_str(), GENERIC_WRITE | DELETE, 0,
+                                  nullptr, CREATE_NEW, attributes, nullptr));
 }
 
 void NewFile::Add(std::string_view bytes) {
@@ -72,14 +90,12 @@ void NewFile::SetModified(std::uint64_t time) {
         RefuseFor(blamed_, what_);
 }
 
+// While the file is still open, for this process alone: a virus scanner sees it afterwards only.
 // Nothing waits for the disk here: what Windows has taken survives the end of this process, and to
 // wait once for each of 50,000 files would take longer than to copy them.
 void NewFile::GiveName(bool mayReplace) {
-    file_.Reset();
-    const std::wstring from = Extended(temporary_.Text());
-    const std::wstring to = Extended(path_.Text());
-    const DWORD flags = mayReplace ? MOVEFILE_REPLACE_EXISTING : 0;
-    isWhole_ = WithPatience([&] { return MoveFileExW(from.c_str(), to.c_str(), flags) != FALSE; });
+    const std::wstring name = Extended(path_.Text());
+    isWhole_ = WithPatience([&] { return Rename(file_.Get(), name, mayReplace); });
     if (isWhole_) return;
     if (!mayReplace && GetLastError() == ERROR_ALREADY_EXISTS)
         throw Refused(Quoted(path_) +

@@ -261,17 +261,19 @@ TEST_F(FailingCall, ForATimeThatTheDiskCannotKeepIsPassedOver) {
 }
 
 TEST_F(FailingCall, ForTheNameOfACopy) {
-    const auto complaint = ComplaintWithout<decltype(&MoveFileExW)>("MoveFileExW");
+    const auto complaint =
+        ComplaintWithout<decltype(&SetFileInformationByHandle)>("SetFileInformationByHandle");
     ExpectTakenBack(complaint, "one\\a.bin", "copied");
 }
 
 TEST_F(FailingCall, ForTheNameOfAMarker) {
     request.from.clear();
-    const auto complaint = ComplaintWithout<decltype(&MoveFileExW)>("MoveFileExW");
+    const auto complaint =
+        ComplaintWithout<decltype(&SetFileInformationByHandle)>("SetFileInformationByHandle");
     ExpectTakenBack(complaint, "out\\1\\inst\\volumes.txt", "written");
 }
 
-// A virus scanner holds a new file for a moment.
+// A virus scanner holds a file for a moment.
 TEST_F(FailingCall, ForAMomentIsTriedAgain) {
     const auto failsAtFirst = [](DWORD error, int& calls) {
         return [error, &calls](auto real, auto... arguments) {
@@ -280,10 +282,10 @@ TEST_F(FailingCall, ForAMomentIsTriedAgain) {
             return FALSE;
         };
     };
-    int moves = 0;
+    int renames = 0;
     int removals = 0;
-    const Hook<decltype(&MoveFileExW)> move("MoveFileExW",
-                                            failsAtFirst(ERROR_ACCESS_DENIED, moves));
+    const Hook<decltype(&SetFileInformationByHandle)> rename(
+        "SetFileInformationByHandle", failsAtFirst(ERROR_ACCESS_DENIED, renames));
     const Hook<decltype(&DeleteFileW)> remove("DeleteFileW",
                                               failsAtFirst(ERROR_SHARING_VIOLATION, removals));
     EXPECT_EQ(Complaint(), "none");

@@ -3,8 +3,8 @@
 namespace launcher::test {
 
 // Wine now and then cannot create a process, error 1359, whoever asks, where tools/wine-run.sh
-// cannot prevent it. What met it is worth another try: this is the only place that says how often,
-// and whose lines are counted afterwards.
+// cannot prevent it; and Ctrl+C may break a process for good. What met either is worth another try:
+// this is the only place that says how often, and whose lines are counted afterwards.
 class Repeats {
   public:
     // Whether to try again what `stumbled`. Says so, and why, on the output of the test.

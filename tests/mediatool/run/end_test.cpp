@@ -166,12 +166,8 @@ class CtrlC : public End, public testing::WithParamInterface<int> {};
 TEST_P(CtrlC, EndsTheRunInEveryPhase) {
     variables["ZEP_TraceMsgBox"] = "1";
     const Media media = EmptyMedia().AddMarker(UsualOs());
-    const MediatoolProcess process = Started(media, {"-wait"}, {"--end-installer"});
-    Sleep(static_cast<DWORD>(GetParam()));
-    if (!process.Interrupt()) {
-        EXPECT_TRUE(process.EndsWithin(10000)) << "Ctrl+C was not sent";
-    }
-    const MediatoolRun run = process.Finish();
+    const MediatoolRun run =
+        Interrupted(media, {"-wait"}, {"--end-installer"}, static_cast<DWORD>(GetParam()));
     EXPECT_THAT(run.exitCode, testing::AnyOf(130u, 1u, InterruptedBeforeItBegan()));
     EXPECT_EQ(Running(), 0u);
 }

@@ -49,14 +49,10 @@ class MixedRuns : public RunTest {
         Words arguments;
         if (Below(4) > 0) arguments = {"-wait"};
         if (Below(8) == 0) arguments.emplace_back("-env");
-        const MediatoolProcess process =
-            Started(media, arguments, {"--time-limit", "5s", "--end-installer", "--json"});
+        const Words options = {"--time-limit", "5s", "--end-installer", "--json"};
         const bool interrupts = Below(4) == 0;
-        if (interrupts) {
-            Sleep(Below(3000));
-            process.Interrupt();
-        }
-        const MediatoolRun run = process.Finish();
+        const MediatoolRun run = interrupts ? Interrupted(media, arguments, options, Below(3000))
+                                            : Started(media, arguments, options).Finish();
         ++ends_[run.exitCode];
         // Without -wait the installer goes on: it is let go.
         event_.Set();

@@ -39,6 +39,9 @@ class RunTest : public LauncherTest {
         return MediatoolProcess(LineOf(media, launcherArguments, options), scratch.Dir(),
                                 Variables());
     }
+    // One that Ctrl+C meets after these milliseconds, unless it has ended by then.
+    MediatoolRun Interrupted(const Media& media, const Words& launcherArguments,
+                             const Words& options, DWORD milliseconds) const;
     // The texts that people read.
     MediatoolRun Told(const Media& media, const Words& launcherArguments,
                       const Words& options = {}) const;
@@ -48,13 +51,11 @@ class RunTest : public LauncherTest {
     // One whose setup.exe is no launcher but the stand-in installer.
     Media StandInAsLauncher() const;
 
+    bool IsBrokenByCtrlC(const MediatoolProcess& process) const;
     Words LineOf(const Media& media, const Words& launcherArguments, Words options) const;
     std::map<std::string, std::string> Variables() const;
 
     std::filesystem::path temp;  // of mediatool and all it starts
 };
-
-// A run that was repeated because a process could not be created for a reason of Wine's.
-bool IsWorthRepeating(const MediatoolRun& run);
 
 }  // namespace launcher::test
