@@ -31,7 +31,7 @@ void WarnOfRemovableMedia(const LaunchOptions& options) {
 }  // namespace
 
 bool IsVolumeCountAskedFor() {
-    return !GetEnvVar("ZEPAdmODTMultiVolumes").empty();
+    return !GetEnvVar(kVolumesQuery).empty();
 }
 
 int RunLauncher(LaunchOptions& options) {

@@ -4,7 +4,10 @@ namespace launcher {
 
 class LaunchOptions;
 
-// True while "ZEPAdmODTMultiVolumes" asks only for the number of volumes.
+// The variable that asks only for the number of volumes.
+inline constexpr char kVolumesQuery[] = "ZEPAdmODTMultiVolumes";
+
+// True while it does.
 bool IsVolumeCountAskedFor();
 
 // The whole run after the command line is read: checks the machine, finds the installer and the

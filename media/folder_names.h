@@ -15,6 +15,9 @@ inline constexpr char kBinFolder[] = "bin";        // in "code"; holds the insta
 // In "inst" of volume 1: the number of volumes of a split medium.
 inline constexpr char kCountFile[] = "volumes.txt";
 
+// What follows a volume's number in the name of its marker, "7.txt", at the volume's root.
+inline constexpr char kVolumeMarkerSuffix[] = ".txt";
+
 inline constexpr char kLauncherName[] = "setup.exe";
 
 // The installer's part of a medium: what is copied of its root, in this order. All are required.

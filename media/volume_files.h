@@ -18,8 +18,7 @@ inline Path CountFileIn(const Path& volumeOne) {
     return Join(volumeOne, {kInstFolder, kCountFile});
 }
 
-// "7.txt", at the root of volume 7.
-inline constexpr char kVolumeMarkerSuffix[] = ".txt";
+// "7.txt".
 inline std::string MarkerName(VolumeNumber number) {
     return std::to_string(number) + kVolumeMarkerSuffix;
 }

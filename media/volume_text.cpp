@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "media/folder_names.h"
 #include "media/input_stream.h"
 
 namespace launcher {
@@ -27,8 +28,10 @@ int ToIntOr(const std::string& text, int fallback) {
 }
 
 int OuterMarkerNumber(const std::string& name) {
-    const bool named = (name.size() == 5 || name.size() == 6) && name.ends_with(".txt");
-    return named ? ToIntOr(name.substr(0, name.size() - 4), -1) : -1;
+    constexpr std::size_t kSuffix = sizeof kVolumeMarkerSuffix - 1;
+    const bool fits = name.size() == 1 + kSuffix || name.size() == 2 + kSuffix;
+    if (!fits || !name.ends_with(kVolumeMarkerSuffix)) return -1;
+    return ToIntOr(name.substr(0, name.size() - kSuffix), -1);
 }
 
 std::string FindMtbDir(InputStream& input) {

@@ -10,8 +10,9 @@ class InputStream;
 // The text of the small files that tie the volumes of a split medium together: plain 8-bit text,
 // lines ended by LF or CR LF.
 
-// Reads one line, without its LF and without one CR before it. The stream is in the failed state
-// when there was no line.
+// Reads one line, without its LF and without one CR before it. A zero byte is a character like any
+// other; it ends the text only where Windows gets it. The stream is in the failed state when there
+// was no line.
 InputStream& ReadTextLine(InputStream& input, std::string& line);
 
 // The decimal number at the start of `text`: blanks and a sign may come before it and anything

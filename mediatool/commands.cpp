@@ -27,7 +27,7 @@ struct ValidateCommand {
         : command(app.add_subcommand("validate", "Look for mistakes on a medium.")) {
         command
             ->add_option("media", request.folders,
-                         "The media's folder; or the folders of its volumes.")
+                         "The medium's folder; or the folders of its volumes.")
             ->required();
         command
             ->add_option("--temp", temp,
@@ -68,7 +68,7 @@ struct ValidateCommand {
 struct DryRunCommand {
     explicit DryRunCommand(CLI::App& app)
         : command(app.add_subcommand("dry-run", "Rehearse a run of a medium's launcher.")) {
-        command->add_option("media", request.media, "The media's folder.")->required();
+        command->add_option("media", request.media, "The medium's folder.")->required();
         command->add_option("--windows", windows, "The pretended Windows: 7, 8, 8.1, 10 or 11.")
             ->check(OneOf({"7", "8", "8.1", "10", "11"}));
         command->add_option("--bits", bits, "Its bits: 32 or 64.")->check(OneOf({"32", "64"}));

@@ -86,7 +86,7 @@ ChecksumCommand::ChecksumCommand(CLI::App& app)
     : command(app.add_subcommand("checksum", "Write the checksums of a medium's files.")) {
     command
         ->add_option("media", request_.folders,
-                     "The media's folder; or the folders of its volumes.")
+                     "The medium's folder; or the folders of its volumes.")
         ->required();
     command->add_flag("--force", request_.force, "Write over lists that are there.");
     command->add_flag("--json", json_, "Print JSON.");

@@ -1,5 +1,7 @@
 #include "launcher/base/launch_options.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "fs/encoding.h"
@@ -31,69 +33,69 @@ class Arguments {
     int next_ = 1;
 };
 
-// "NAME=VALUE"; without "=", or with nothing before it, the whole text is the name and the value is
-// "1".
-void ApplyAssignment(const std::string& assignment) {
-    const std::size_t equals = assignment.find('=');
-    if (equals == std::string::npos || equals == 0)
-        SetEnvVar(assignment, "1");
-    else
-        SetEnvVar(assignment.substr(0, equals), assignment.substr(equals + 1));
+void ApplyAssignment(LaunchOptions&, const std::string& text) {
+    const Assignment assignment = ParseAssignment(text);
+    SetEnvVar(assignment.name, assignment.value);
 }
 
-void ParseSoftMgtAction(LaunchOptions& options, const std::string& action, bool readOnly) {
-    options.softMgtAction = action;
-    if (readOnly) options.softMgtReadOnly = true;
-}
-
-void ParsePipeServer(LaunchOptions& options) {
+void ApplyPipeServer(LaunchOptions& options, const std::string&) {
     options.skipTemporaryCopy = true;
     options.interactiveSession = false;
     options.wait = true;
     options.installerExeName = kPipeServerName;
 }
 
-void ParseOdt(LaunchOptions& options) {
+void ApplyOdt(LaunchOptions& options, const std::string&) {
     options.wait = true;
     options.installerExeName = kOdtName;
     options.mediaDir = Path(GetEnvVar("CurrentMediaDir"));
 }
 
-void ParseMaintenance(LaunchOptions& options, const std::string& argument, bool uninstall) {
+void ApplyMaintenance(LaunchOptions& options, const char* option, bool uninstall) {
     options.skipTemporaryCopy = true;
     options.uninstall = uninstall;
-    options.installerArgs.push_back(argument);
+    options.installerArgs.emplace_back(option);
 }
+
+void ApplyReadOnlyAction(LaunchOptions& options, const char* action) {
+    options.softMgtAction = action;
+    options.softMgtReadOnly = true;
+}
+
+using Text = std::string;
+
+constexpr Option kOptions[] = {
+    {"-wait", false, [](LaunchOptions& options, const Text&) { options.wait = true; }},
+    {"-UI", false, [](LaunchOptions& options, const Text&) { options.useGui = true; }},
+    {kEnvOption, true, ApplyAssignment},
+    {"-installerPath", true,
+     [](LaunchOptions& options, const Text& value) { options.installerPath = value; }},
+    {"-SoftMgt", false, [](LaunchOptions& options, const Text&) { options.softMgt = true; }},
+    {"-List", false,
+     [](LaunchOptions& options, const Text&) { ApplyReadOnlyAction(options, "List"); }},
+    // "Check1" is the installer's own word for it.
+    {"-Check", false,
+     [](LaunchOptions& options, const Text&) { ApplyReadOnlyAction(options, "Check1"); }},
+    {"-Commit", false,
+     [](LaunchOptions& options, const Text&) { options.softMgtAction = "Commit"; }},
+    {"-Rollback", false,
+     [](LaunchOptions& options, const Text&) { options.softMgtAction = "Rollback"; }},
+    {"--pipeserver", false, ApplyPipeServer},
+    {"--odt", false, ApplyOdt},
+    {"--mgt", false,
+     [](LaunchOptions& options, const Text&) {
+         ApplyMaintenance(options, "--mgt", /*uninstall=*/false);
+     }},
+    {"--uninst", false,
+     [](LaunchOptions& options, const Text&) {
+         ApplyMaintenance(options, "--uninst", /*uninstall=*/true);
+     }},
+};
 
 void ParseArgument(LaunchOptions& options, Arguments& arguments) {
     const std::string argument = arguments.Take();
-    if (argument == "-wait")
-        options.wait = true;
-    else if (argument == "-UI")
-        options.useGui = true;
-    else if (argument == "-env")
-        ApplyAssignment(arguments.TakeValue(options, argument));
-    else if (argument == "-installerPath")
-        options.installerPath = arguments.TakeValue(options, argument);
-    else if (argument == "-SoftMgt")
-        options.softMgt = true;
-    else if (argument == "-List")
-        ParseSoftMgtAction(options, "List", /*readOnly=*/true);
-    // "Check1" is the installer's own word for it.
-    else if (argument == "-Check")
-        ParseSoftMgtAction(options, "Check1", /*readOnly=*/true);
-    else if (argument == "-Commit")
-        ParseSoftMgtAction(options, "Commit", /*readOnly=*/false);
-    else if (argument == "-Rollback")
-        ParseSoftMgtAction(options, "Rollback", /*readOnly=*/false);
-    else if (argument == "--pipeserver")
-        ParsePipeServer(options);
-    else if (argument == "--odt")
-        ParseOdt(options);
-    else if (argument == "--mgt")
-        ParseMaintenance(options, argument, /*uninstall=*/false);
-    else if (argument == "--uninst")
-        ParseMaintenance(options, argument, /*uninstall=*/true);
+    if (const Option* const option = FindOption(argument))
+        option->apply(options, option->takesValue ? arguments.TakeValue(options, argument) : "");
     else
         options.installerArgs.push_back(argument);
 }
@@ -111,6 +113,21 @@ void ValidateSoftMgt(const LaunchOptions& options) {
 }
 
 }  // namespace
+
+std::span<const Option> AllOptions() {
+    return kOptions;
+}
+
+const Option* FindOption(const std::string& argument) {
+    const auto* const found = std::ranges::find(kOptions, argument, &Option::name);
+    return found != std::end(kOptions) ? found : nullptr;
+}
+
+Assignment ParseAssignment(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0) return {text, "1"};
+    return {text.substr(0, equals), text.substr(equals + 1)};
+}
 
 LaunchOptions::LaunchOptions(int argc, const wchar_t* const* argv, std::string exeName,
                              bool useGuiDefault, bool waitDefault)

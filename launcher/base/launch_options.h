@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -64,5 +65,27 @@ class LaunchOptions {
     std::string installerFoundAt;  // `installerExePath` before it moves onto the copy
     CopySkipped copySkipped = CopySkipped::No;
 };
+
+// An option of the command line; in other letters it is none.
+struct Option {
+    const char* name;
+    bool takesValue;  // the next argument
+    void (*apply)(LaunchOptions& options, const std::string& value);
+};
+
+inline constexpr char kEnvOption[] = "-env";
+
+std::span<const Option> AllOptions();
+
+// Null for every other argument: that one goes to the installer.
+const Option* FindOption(const std::string& argument);
+
+// The value of "-env": "NAME=VALUE"; without "=", or with nothing before it, the whole text is the
+// name and the value is "1".
+struct Assignment {
+    std::string name;
+    std::string value;
+};
+Assignment ParseAssignment(const std::string& text);
 
 }  // namespace launcher

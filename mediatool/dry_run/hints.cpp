@@ -16,19 +16,15 @@
 namespace launcher::mediatool {
 namespace {
 
-constexpr const char* kOptions[] = {"-wait", "-UI",    "-env",    "-installerPath", "-SoftMgt",
-                                    "-List", "-Check", "-Commit", "-Rollback",      "--pipeserver",
-                                    "--odt", "--mgt",  "--uninst"};
-
 // An option in other letters is none, and goes to the installer.
 void AddMistakenOptions(std::vector<std::string>& hints,
                         const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments)
-        for (const std::string option : kOptions)
-            if (argument != option && SameName(argument, option))
+        for (const Option& option : AllOptions())
+            if (argument != option.name && SameName(argument, option.name))
                 hints.emplace_back(Quoted(argument) +
-                                   " goes to the installer; the launcher's option is " + option +
-                                   ".");
+                                   " goes to the installer; the launcher's option is " +
+                                   option.name + ".");
 }
 
 // "C:\a b\" takes what follows into the argument. Other quotes are meant.

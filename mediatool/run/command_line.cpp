@@ -1,6 +1,8 @@
 #include "mediatool/run/command_line.h"
 
 #include "fs/environment.h"
+#include "launcher/base/launch_options.h"
+#include "launcher/driver.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
 
@@ -13,26 +15,37 @@ std::string CommandLineOf(const std::string& program, const std::vector<std::str
     return line;
 }
 
-bool WaitsForInstaller(const std::vector<std::string>& arguments) {
+namespace {
+
+// The options among the arguments, with their values, in their order. The last may lack its value:
+// that the launcher refuses.
+template <class Visit>
+void ForEachOption(const std::vector<std::string>& arguments, const Visit& visit) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        if (argument == "-wait" || argument == "--pipeserver" || argument == "--odt") return true;
-        if (argument == "-env" || argument == "-installerPath") ++i;  // the next is its value
+        const Option* const option = FindOption(arguments[i]);
+        if (option == nullptr) continue;
+        if (option->takesValue && ++i == arguments.size()) return;
+        visit(*option, option->takesValue ? arguments[i] : "");
     }
-    return false;
+}
+
+}  // namespace
+
+bool WaitsForInstaller(const std::vector<std::string>& arguments) {
+    LaunchOptions options(0, nullptr, kInstallerName, false, false);
+    ForEachOption(arguments, [&options](const Option& option, const std::string& value) {
+        if (!option.takesValue) option.apply(options, value);
+    });
+    return options.wait;
 }
 
 bool AsksForVolumes(const std::vector<std::string>& arguments) {
-    constexpr char kQuery[] = "ZEPAdmODTMultiVolumes";
-    bool asks = !GetEnvVar(kQuery).empty();
-    for (std::size_t i = 0; i + 1 < arguments.size(); ++i) {
-        if (arguments[i] != "-env" && arguments[i] != "-installerPath") continue;
-        const std::string& value = arguments[i + 1];
-        const std::size_t equals = value.find('=');
-        if (arguments[i] == "-env" && SameName(value.substr(0, equals), kQuery))
-            asks = equals == std::string::npos || equals + 1 < value.size();
-        ++i;
-    }
+    bool asks = !GetEnvVar(kVolumesQuery).empty();
+    ForEachOption(arguments, [&asks](const Option& option, const std::string& value) {
+        if (option.name != std::string(kEnvOption)) return;
+        const Assignment assignment = ParseAssignment(value);
+        if (SameName(assignment.name, kVolumesQuery)) asks = !assignment.value.empty();
+    });
     return asks;
 }
 

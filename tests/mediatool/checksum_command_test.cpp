@@ -6,6 +6,7 @@
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
+#include "mediatool/base/files.h"
 #include "mediatool/create/checksum.h"
 #include "tests/mediatool/creating.h"
 #include "tests/support/hook.h"
@@ -85,6 +86,20 @@ TEST(ChecksumCommand, ListsNothingThatALinkLeadsTo) {
         EXPECT_THAT(list, testing::HasSubstr("  " + there + "\n"));
     for (const std::string left : {"unfinished", "System Volume", "$recycle.bin", "link"})
         EXPECT_THAT(list, testing::Not(testing::HasSubstr(left)));
+}
+
+TEST_F(ChecksumCommandTest, WritesNoListThatLacksAFolder) {
+    media.Write("../2/data/part.bin", "part");
+    const Hook<decltype(&FindFirstFileW)> denied(
+        "FindFirstFileW", [](auto real, LPCWSTR pattern, auto data) -> HANDLE {
+            if (!std::wstring(pattern).ends_with(L"\\2\\data\\*")) return real(pattern, data);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        });
+    EXPECT_EQ(Complaint(), "\"" + media.Text("../2/data") + "\" cannot be listed: " +
+                               mediatool::ErrorText(ERROR_ACCESS_DENIED) + ".");
+    for (const char* list : {"SHA256SUMS", "../2/SHA256SUMS", "../3/SHA256SUMS"})
+        EXPECT_FALSE(stdfs::exists(FromUtf8(media.Text(list)))) << list;
 }
 
 TEST_F(ChecksumCommandTest, RefusesAnUnfinishedSet) {

@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 
 #include "fs/encoding.h"
+#include "fs/owners.h"
+#include "mediatool/base/files.h"
 #include "mediatool/create/report.h"
 #include "mediatool/media/checksums.h"
 #include "tests/mediatool/creating.h"
@@ -63,6 +65,28 @@ TEST_F(Content, ACountFileWithoutACountIsReplacedByForceOnly) {
     scratch.Write("one/inst/volumes.txt", " \r\n");
     request.force = false;
     EXPECT_EQ(Complaint(), "none") << "there is nothing to lose";
+}
+
+TEST_F(Content, ATextOfMoreThan64KiBIsNoCountFile) {
+    constexpr std::size_t kLongest = 65536;
+    const std::string file =
+        scratch.Write("one/inst/volumes.txt", "3\n" + std::string(kLongest - 1, 'x'));
+    EXPECT_EQ(Complaint(),
+              "wrong use: \"" + file + "\" is too long for a text of one or a few lines.");
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+    scratch.Write("one/inst/volumes.txt", "3\n" + std::string(kLongest - 2, 'x'));
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_EQ(Written("out\\1\\inst\\volumes.txt"), "2\n" + std::string(kLongest - 2, 'x'));
+}
+
+TEST_F(Content, ACountFileThatIsInUseIsNotPassedOver) {
+    const std::string file = scratch.Write("one/inst/volumes.txt", "3\n");
+    const FileHandle user(CreateFileW(ToWide(file).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(user);
+    EXPECT_EQ(Complaint(), "refused: \"" + file + "\" cannot be read: " +
+                               mediatool::ErrorText(ERROR_SHARING_VIOLATION) + ".");
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
 }
 
 // To the launcher a carriage return alone is no line end: all of it is the identifier.

@@ -176,6 +176,11 @@ TEST_F(Creating, SaysWhatMakesNoSense) {
     request.outerId = "SET";
     EXPECT_EQ(Complaint(), "wrong use: --outer-id has to differ from --id.");
     request.outerId = {};
+    for (const int first : {0, 100}) {
+        request.firstOuter = first;
+        EXPECT_EQ(Complaint(), "wrong use: --first-outer takes a number from 1 to 99.");
+    }
+    request.firstOuter = 1;
     for (const char* inner : {"a*b", "..", "a\\..\\b", "\\a", "C:\\a", "nul", "a."}) {
         request.inner = inner;
         EXPECT_EQ(Complaint(),
@@ -199,6 +204,15 @@ TEST_F(Creating, SaysWhereItCannotWrite) {
     request.out = "";
     EXPECT_EQ(Complaint(), "wrong use: \"\" is no folder.");
     EXPECT_THAT(TreeBelow(scratch.Dir()), testing::ElementsAre(testing::Key("file")));
+}
+
+// As a run of mediatool checksum leaves it, which sets no mark.
+TEST_F(Creating, ClearsAwayTheFileOfARunThatWasKilled) {
+    const std::string left = scratch.Write("out/2/mediatool-unfinished.tmp", "half a list");
+    SetFileAttributesW(ToWide(left).c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(Complaint(), "none");
+    EXPECT_FALSE(stdfs::exists(FromUtf8(left)));
+    EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\2.txt"))), "MTBDIR=SET\r\n");
 }
 
 // A set without content: what is found wrong with it is that the content is missing.

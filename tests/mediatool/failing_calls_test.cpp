@@ -54,6 +54,79 @@ TEST_F(UnmadeFolder, IsWhatIsToldWhenOthersCannotBeTakenBack) {
     EXPECT_TRUE(mediatool::IsFolder(Path(scratch.Text("out\\1"))));
 }
 
+// A folder that cannot be listed while the object lives.
+class Unlisted {
+  public:
+    explicit Unlisted(const std::string& folder) : pattern_(ToWide(folder + "\\*")) {}
+
+    std::string Complaint() const {
+        return "cannot be listed: " + mediatool::ErrorText(ERROR_ACCESS_DENIED) + ".";
+    }
+
+    bool isSo = true;
+
+  private:
+    std::wstring pattern_;
+    const Hook<decltype(&FindFirstFileW)> find_{
+        "FindFirstFileW", [this](auto real, LPCWSTR pattern, auto data) -> HANDLE {
+            if (!isSo || !std::wstring(pattern).ends_with(pattern_)) return real(pattern, data);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        }};
+};
+
+// With content in a folder of each volume.
+class UnlistedFolder : public Creating {
+  protected:
+    UnlistedFolder() {
+        scratch.Write("one/data/a.bin", "1");
+        scratch.Write("two/data/b.bin", "2");
+        request.from = {scratch.Text("one"), scratch.Text("two")};
+        request.checksums = true;
+        before = TreeBelow(scratch.Dir());
+    }
+
+    Tree before;
+};
+
+TEST_F(UnlistedFolder, OfTheContentIsRefused) {
+    std::string complaint;
+    {
+        const Unlisted folder(scratch.Text("two\\data"));
+        complaint = Complaint();
+        EXPECT_EQ(complaint,
+                  "wrong use: \"" + scratch.Text("two\\data") + "\" " + folder.Complaint());
+    }
+    EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+}
+
+// It was written a moment ago.
+TEST_F(UnlistedFolder, OfTheNewSetHasAllTakenBack) {
+    {
+        Unlisted folder(scratch.Text("out\\2\\data"));
+        folder.isSo = false;
+        request.progress = [&folder](const mediatool::Amounts& amounts) {
+            folder.isSo = amounts.files == 2 && std::string(amounts.what) == "Copying";
+        };
+        EXPECT_EQ(Complaint(),
+                  "refused: \"" + scratch.Text("out\\2\\data") + "\" " + folder.Complaint());
+    }
+    EXPECT_EQ(TreeBelow(scratch.Dir()), before);
+}
+
+TEST(UnlistedFolders, OfAMediumAreNotValidated) {
+    const SampleMedia media;
+    const Unlisted folder(media.Text());
+    mediatool::ValidateRequest request;
+    request.folders = {media.Text()};
+    try {
+        mediatool::Validate(request);
+        FAIL() << "it was";
+    } catch (const BadInput& failure) {
+        EXPECT_EQ(failure.what(), "\"" + media.Text() + "\" " + folder.Complaint());
+    }
+}
+
 // The folder of a drive that was pulled out: what is said of its root is said all the same.
 TEST(FailingCalls, OfTheCurrentFolderLeaveItWhereItWas) {
     SampleMedia media;

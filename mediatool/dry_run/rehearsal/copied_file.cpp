@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "fs/encoding.h"
-#include "fs/open_file.h"
 #include "mediatool/base/files.h"
 #include "mediatool/dry_run/rehearsal/pretended_copy.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
@@ -13,18 +12,12 @@
 namespace launcher {
 namespace {
 
-// Nothing is written in the place of a folder, nor into a folder that is not there or under a name
-// that cannot be, where a look at the file fails for the same reason.
+// Nothing is written in the place of a folder. The folder that the file is to be in is part of the
+// copy by now, and its name is one of the source's.
 DWORD ErrorOfOpening(const std::wstring& name) {
-    const std::string text = ToNarrow(name.c_str());
     if (mediatool::IsTooLong(name.size(), mediatool::kLongestPath)) return ERROR_PATH_NOT_FOUND;
-    const Path path(text);
-    const mediatool::PretendedCopy& copy = mediatool::CopyBelow(path);
-    if (copy.HasFolder(path)) return ERROR_ACCESS_DENIED;
-    if (copy.HasFolder(Parent(path))) return ERROR_SUCCESS;
-    const bool isThere = static_cast<bool>(OpenForAttributes(name));
-    const DWORD error = GetLastError();
-    return isThere || error == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : error;
+    const Path path(ToNarrow(name.c_str()));
+    return mediatool::CopyBelow(path).HasFolder(path) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
 }  // namespace

@@ -111,8 +111,7 @@ Verdict Judge(const std::wstring& name) {
     if (IsTooLong(name.size(), kLongestPath)) return {false, ERROR_PATH_NOT_FOUND};
     // The reason is that of an attempt to open it: a folder cannot be.
     const FileHandle file = OpenSharedFile(name, GENERIC_READ, OPEN_EXISTING);
-    if (!file) return {false, GetLastError()};
-    return {false, ERROR_FILE_NOT_FOUND};
+    return {false, file ? DWORD{ERROR_FILE_NOT_FOUND} : GetLastError()};
 }
 
 // What `line` is to the process whose program is its beginning up to `end`.

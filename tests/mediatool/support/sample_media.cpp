@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 #include "mediatool/media/markers.h"
 #include "tests/support/wine.h"
@@ -30,6 +31,31 @@ std::string ProgramBytes(std::uint16_t machine, bool isLibrary) {
 
 const std::string& LauncherBytes() {
     static const std::string bytes = ReadFile(BuiltFile(SETUP_PROGRAM));
+    return bytes;
+}
+
+std::string LauncherWithoutSymbols() {
+    std::string bytes = LauncherBytes();
+    IMAGE_DOS_HEADER dos{};
+    std::memcpy(&dos, bytes.data(), sizeof dos);
+    char* const header = bytes.data() + dos.e_lfanew + sizeof(DWORD);
+    IMAGE_FILE_HEADER file{};
+    std::memcpy(&file, header, sizeof file);
+    const DWORD symbols = std::exchange(file.PointerToSymbolTable, 0);
+    file.NumberOfSymbols = 0;
+    std::memcpy(header, &file, sizeof file);
+    if (symbols != 0) bytes.resize(symbols);
+    return bytes;
+}
+
+std::string OtherLauncherBytes() {
+    std::string bytes = LauncherBytes();
+    const std::wstring_view name = L"ProductVersion";
+    const std::string nameBytes(reinterpret_cast<const char*>(name.data()),
+                                name.size() * sizeof(wchar_t));
+    const std::size_t version =
+        bytes.find_first_not_of('\0', bytes.find(nameBytes) + nameBytes.size());
+    bytes.at(version) = kOtherVersion.front();
     return bytes;
 }
 

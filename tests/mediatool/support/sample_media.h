@@ -22,6 +22,13 @@ std::string ProgramBytes(std::uint16_t machine, bool isLibrary = false);
 // The launcher of this build.
 const std::string& LauncherBytes();
 
+// The same without symbols, which that of a debug build has behind all else.
+std::string LauncherWithoutSymbols();
+
+// The same as one of another version.
+std::string OtherLauncherBytes();
+inline const std::string kOtherVersion = "9" + std::string(LAUNCHER_VERSION).substr(1);
+
 // A medium without mistakes, in a temporary folder, and what tests do to it. File names are
 // relative to the folder of volume 1 and may lead out of it.
 class SampleMedia {

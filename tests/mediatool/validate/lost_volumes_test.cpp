@@ -1,5 +1,5 @@
-// Volumes that are given as drives or folders of their own, volumes without content, and those that
-// are found where the launcher does not look.
+// Volumes that are given as drives or folders of their own, volumes without content, those that are
+// found where the launcher does not look, and those that are missing.
 
 #include "tests/mediatool/validate/mistake_row.h"
 #include "tests/support/links.h"
@@ -193,6 +193,74 @@ TEST(DamagedCounts, AreNotFollowedToTheEnd) {
     media.Write("inst/volumes.txt", "2147483647\r\n").Rename("../3", "../Disk");
     EXPECT_EQ(Changes(media.Validate(), Layout::Siblings),
               "count-file-absurd volume-folder-named-otherwise volume-missing");
+}
+
+std::vector<Finding> Missing(const Validation& validation, const std::string& id) {
+    std::vector<Finding> findings = validation.findings.Sorted();
+    std::erase_if(findings, [&id](const Finding& finding) { return finding.id != id; });
+    return findings;
+}
+
+struct Absence {
+    Layout layout;
+    const char* count;
+    const char* id;
+    const char* what;
+};
+void PrintTo(const Absence& row, std::ostream* stream) {
+    *stream << row.id << " of " << row.count;
+}
+
+class MissingVolumes : public testing::TestWithParam<Absence> {};
+
+// Of the three volumes that are counted in the sample, all are there.
+TEST_P(MissingVolumes, AreCountedInOneFinding) {
+    SampleMedia media(GetParam().layout);
+    media.Write("inst/volumes.txt", std::string(GetParam().count) + "\r\n");
+    const Validation validation = media.Validate();
+    const std::vector<Finding> missing = Missing(validation, GetParam().id);
+    ASSERT_EQ(missing.size(), 1u) << Ids(validation);
+    EXPECT_EQ(missing.front().what, GetParam().what);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Layouts, MissingVolumes,
+    testing::Values(Absence{Layout::Siblings, "4", "volume-missing", "Volume 4 is missing."},
+                    Absence{Layout::Siblings, "6", "volume-missing",
+                            "3 volumes are missing: 4, 5 and 6."},
+                    Absence{Layout::Siblings, "1000", "volume-missing",
+                            "997 volumes are missing: 4, 5, 6, 7, 8 and so on."},
+                    Absence{Layout::OneFolder, "2147483647", "volume-missing",
+                            "2147483644 volumes are missing: 4, 5, 6, 7, 8 and so on."},
+                    Absence{Layout::Outer, "5", "outer-volume-missing",
+                            "2 outer volumes are missing: 10 and 11."},
+                    Absence{Layout::Outer, "2147483647", "outer-volume-missing",
+                            "2147483644 outer volumes are missing: 10, 11, 12, 13, 14 and so on."}),
+    [](const auto& row) {
+        return mediatool::LayoutName(row.param.layout).substr(0, 3) + row.param.count;
+    });
+
+// What is there beyond the last that is looked at one by one.
+TEST(MissingVolumesOfMany, AreNotThoseThatAreThere) {
+    SampleMedia media(Layout::Siblings);
+    media.Write("inst/volumes.txt", "1000\r\n").Marker("../999/999.txt");
+    EXPECT_EQ(Missing(media.Validate(), "volume-missing").front().what,
+              "996 volumes are missing: 4, 5, 6, 7, 8 and so on.");
+}
+
+// Then the marker may be one that only looks like that of an outer volume.
+TEST(MissingVolumes, OfAllOuterOnesMayBeNoneAtAll) {
+    constexpr char kId[] = "outer-volume-missing";
+    SampleMedia media(Layout::Outer);
+    media.Remove("../../../8");
+    EXPECT_EQ(Missing(media.Validate(), kId).front().action,
+              "Put it into the folder 8 beside outer volume 7.");
+    media.Remove("../../../9");
+    const Finding missing = Missing(media.Validate(), kId).front();
+    EXPECT_EQ(missing.what, "2 outer volumes are missing: 8 and 9.");
+    EXPECT_EQ(missing.action,
+              "Put each into a folder named by its number beside outer volume 7; or delete 7.txt, "
+              "if the disc set is in no outer volume.");
 }
 
 }  // namespace

@@ -258,6 +258,18 @@ TEST(Identifiers, AreShortenedForReadersOnly) {
                   "... (3002 characters); volume 1 has \"SET\".");
 }
 
+// The quotation mark and 78 letters are 79 bytes; the next letter would end at the 81st.
+TEST(Identifiers, AreNotShortenedWithinALetter) {
+    SampleMedia media(Layout::Siblings);
+    std::string id(78, 'x');
+    for (int i = 0; i < 100; ++i)
+        id += "\xC3\xA4";
+    const mediatool::Findings findings = media.Marker(kTwo, id).Validate().findings;
+    EXPECT_EQ(findings.Sorted(mediatool::Findings::Shown::Readable).front().what,
+              "The identifier is \"" + std::string(78, 'x') +
+                  "... (180 characters); volume 1 has \"SET\".");
+}
+
 // A program gets them as they are.
 TEST(Reports, SendNoCharactersThatATerminalWouldObey) {
     SampleMedia media(Layout::Siblings);
@@ -282,59 +294,6 @@ TEST(StrayMarkers, AreToldTogetherWithTheMissingVolumes) {
     EXPECT_TRUE(Finds(validation, "volumes-elsewhere"));
     EXPECT_FALSE(Has(validation, "volume-marker-no-id")) << Ids(validation);
     EXPECT_EQ(validation.findings.Sorted().front().action, "Delete or rename it.");
-}
-
-std::vector<Finding> Missing(const Validation& validation, const std::string& id) {
-    std::vector<Finding> findings = validation.findings.Sorted();
-    std::erase_if(findings, [&id](const Finding& finding) { return finding.id != id; });
-    return findings;
-}
-
-struct Absence {
-    Layout layout;
-    const char* count;
-    const char* id;
-    const char* what;
-};
-void PrintTo(const Absence& row, std::ostream* stream) {
-    *stream << row.id << " of " << row.count;
-}
-
-class MissingVolumes : public testing::TestWithParam<Absence> {};
-
-// Of the three volumes that are counted in the sample, all are there.
-TEST_P(MissingVolumes, AreCountedInOneFinding) {
-    SampleMedia media(GetParam().layout);
-    media.Write("inst/volumes.txt", std::string(GetParam().count) + "\r\n");
-    const Validation validation = media.Validate();
-    const std::vector<Finding> missing = Missing(validation, GetParam().id);
-    ASSERT_EQ(missing.size(), 1u) << Ids(validation);
-    EXPECT_EQ(missing.front().what, GetParam().what);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Layouts, MissingVolumes,
-    testing::Values(Absence{Layout::Siblings, "4", "volume-missing", "Volume 4 is missing."},
-                    Absence{Layout::Siblings, "6", "volume-missing",
-                            "3 volumes are missing: 4, 5 and 6."},
-                    Absence{Layout::Siblings, "1000", "volume-missing",
-                            "997 volumes are missing: 4, 5, 6, 7, 8 and so on."},
-                    Absence{Layout::OneFolder, "2147483647", "volume-missing",
-                            "2147483644 volumes are missing: 4, 5, 6, 7, 8 and so on."},
-                    Absence{Layout::Outer, "5", "outer-volume-missing",
-                            "2 outer volumes are missing: 10 and 11."},
-                    Absence{Layout::Outer, "2147483647", "outer-volume-missing",
-                            "2147483644 outer volumes are missing: 10, 11, 12, 13, 14 and so on."}),
-    [](const auto& row) {
-        return mediatool::LayoutName(row.param.layout).substr(0, 3) + row.param.count;
-    });
-
-// What is there beyond the last that is looked at one by one.
-TEST(MissingVolumesOfMany, AreNotThoseThatAreThere) {
-    SampleMedia media(Layout::Siblings);
-    media.Write("inst/volumes.txt", "1000\r\n").Marker("../999/999.txt");
-    EXPECT_EQ(Missing(media.Validate(), "volume-missing").front().what,
-              "996 volumes are missing: 4, 5, 6, 7, 8 and so on.");
 }
 
 TEST(GivenFolders, VolumeOneIsTheOneWithTheLauncher) {
