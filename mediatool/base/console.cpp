@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <iterator>
 #include <string_view>
 
 #include "fs/encoding.h"
@@ -55,25 +55,10 @@ bool ShowsColours() {
            SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
-const char* Code(Colour colour) {
-    switch (colour) {
-        case Colour::Bold:
-            return "\x1b[1m";
-        case Colour::Dim:
-            return "\x1b[2m";
-        case Colour::Red:
-            return "\x1b[1;31m";
-        case Colour::Yellow:
-            return "\x1b[33m";
-        case Colour::Green:
-            return "\x1b[32m";
-        case Colour::Cyan:
-            return "\x1b[36m";
-        case Colour::Plain:
-            break;
-    }
-    return "";
-}
+// In the order of the enumeration: plain, bold, dim, red, yellow, green, cyan.
+constexpr const char* kCodes[] = {"",         "\x1b[1m",  "\x1b[2m", "\x1b[1;31m",
+                                  "\x1b[33m", "\x1b[32m", "\x1b[36m"};
+static_assert(std::size(kCodes) == static_cast<std::size_t>(Colour::Cyan) + 1);
 
 }  // namespace
 
@@ -87,7 +72,8 @@ void PrintError(const std::string& text) {
 
 std::string Painted(Colour colour, const std::string& text) {
     static const bool coloured = ShowsColours();
-    return coloured && colour != Colour::Plain ? Code(colour) + text + "\x1b[0m" : text;
+    if (!coloured || colour == Colour::Plain) return text;
+    return kCodes[static_cast<std::size_t>(colour)] + text + "\x1b[0m";
 }
 
 Progress::Progress() : isTerminal_(IsTerminal(STD_ERROR_HANDLE)) {}

@@ -54,7 +54,6 @@ struct Sha256::State {
 Sha256::Sha256() : state_(std::make_unique<State>()) {
     Check(TheCryptography().createHash(Provider(), state_->hash.Put(), nullptr, 0, nullptr, 0, 0));
 }
-Sha256::Sha256(Sha256&&) noexcept = default;
 Sha256::~Sha256() = default;
 
 void Sha256::Add(std::string_view bytes) {

@@ -12,7 +12,8 @@ namespace launcher::mediatool {
 class Sha256 {
   public:
     Sha256();
-    Sha256(Sha256&&) noexcept;
+    Sha256(const Sha256&) = delete;
+    Sha256& operator=(const Sha256&) = delete;
     ~Sha256();
 
     void Add(std::string_view bytes);

@@ -14,13 +14,11 @@ namespace {
 Path CheckedFolder(const std::string& text) {
     Path folder = FullPath(text);
     if (IsEmpty(folder)) throw BadInput("\"" + text + "\" is no folder.");
-    const std::optional<Entry> entry = Look(folder);
-    if (!entry) {
+    if (!Look(folder)) {
         const std::string reason = LastErrorText();
         throw BadInput(Quoted(folder) + " cannot be opened: " + reason + ".");
     }
-    if (!entry->isFolder)
-        throw BadInput(Quoted(folder) + " is a file, not the folder of a medium.");
+    CheckIsNoFile(folder);
     if (!List(folder)) {
         const std::string reason = LastErrorText();
         throw BadInput(Quoted(folder) + " cannot be listed: " + reason + ".");
@@ -75,6 +73,10 @@ MediaSet Open(const std::vector<std::string>& folders, bool needsLauncher) {
 }
 
 }  // namespace
+
+void CheckIsNoFile(const Path& folder) {
+    if (IsFile(folder)) throw BadInput(Quoted(folder) + " is a file, not the folder of a medium.");
+}
 
 MediaSet OpenMediaSet(const std::vector<std::string>& folders) {
     return Open(folders, true);

@@ -18,6 +18,9 @@ struct MediaSet {
     std::vector<Path> given;  // all, absolute, in the order given
 };
 
+// Throws BadInput when what was given for the folder of a medium is a file.
+void CheckIsNoFile(const Path& folder);
+
 // Finds volume 1 among `folders`: the folder with the launcher. Throws BadInput when one of them
 // is not there, is no folder, cannot be listed or is given twice, and when none has a launcher.
 MediaSet OpenMediaSet(const std::vector<std::string>& folders);

@@ -44,11 +44,10 @@ int RunCommand::Run(std::vector<std::string> launcherArguments) {
     Reporter reporter(IsNoLog(log_) ? "" : log_, json_);
     reporter.Begin(commandLine);
     try {  // the log must end with the reason too, of a share that cannot be reached for instance
-        if (!IsFolder(FullPath(media_)))
-            throw BadInput("There is no folder " + Quoted(media_) + ".");
+        const Path folder = FullPath(media_);
+        CheckIsNoFile(folder);
+        if (!IsFolder(folder)) throw BadInput("There is no folder " + Quoted(media_) + ".");
         CheckProgram(request.launcher);
-        if (!WaitsForInstaller(request.arguments))
-            reporter.Say("Without -wait, only the launcher is waited for, not the installer.");
         const WatchedRun run = RunWatched(request, interruption, reporter);
         reporter.Conclude(run, request);
         return static_cast<int>(run.exitCode);

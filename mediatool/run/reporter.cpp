@@ -9,6 +9,7 @@
 #include "fs/text.h"
 #include "mediatool/base/json.h"
 #include "mediatool/base/sentences.h"
+#include "mediatool/run/command_line.h"
 #include "mediatool/run/report.h"
 
 namespace launcher::mediatool {
@@ -71,6 +72,11 @@ void Reporter::ConcludeWith(const std::string& sentence, int exitCode) {
     Say(sentence);
     if (json_) screen_.Out(Printed(FailureJson("run", exitCode, sentence)));
     FinishLog();
+}
+
+void Reporter::Started(const RunRequest& request) {
+    if (!WaitsForInstaller(request.arguments))
+        Say("Without -wait, only the launcher is waited for, not the installer.");
 }
 
 void Reporter::Saw(const std::vector<SeenLine>& lines) {

@@ -28,6 +28,7 @@ class Reporter final : public Witness {
     // The end of a run that has no more to tell than a sentence.
     void ConcludeWith(const std::string& sentence, int exitCode);
 
+    void Started(const RunRequest& request) override;
     void Saw(const std::vector<SeenLine>& lines) override;
     void Saw(const AnsweredBox& box) override;
     void TimePassed(std::uint64_t milliseconds) override;

@@ -59,6 +59,7 @@ class Watch {
     }
 
     void Follow() {
+        witness_.Started(request_);
         bool ended = false;
         while (!ended) {
             ended = WaitsForATick();

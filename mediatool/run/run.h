@@ -67,6 +67,7 @@ struct WatchedRun {
 class Witness {
   public:
     virtual ~Witness() = default;
+    virtual void Started(const RunRequest& request) = 0;  // first
     virtual void Saw(const std::vector<SeenLine>& lines) = 0;
     virtual void Saw(const AnsweredBox& box) = 0;
     virtual void TimePassed(std::uint64_t milliseconds) = 0;

@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -25,6 +26,7 @@ using mediatool::Painted;
 using mediatool::PrintOut;
 using testing::Each;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::Le;
 
 // What a stream says when it is asked for the mode that only terminals have.
@@ -173,18 +175,30 @@ TEST_F(StreamTest, ThatFailsIsNotAskedAgain) {
     EXPECT_EQ(asked, 1);
 }
 
-// Ends the process with 1 when a text is painted on a terminal that does this with colours.
-void EndWithColours(BOOL understands) {
+// A text in each colour, on a terminal that does this with colours.
+std::string InAllColours(BOOL understands) {
     SetEnvironmentVariableW(L"NO_COLOR", nullptr);
     const Hook<decltype(&GetConsoleMode)> mode("GetConsoleMode", IsTerminal(true));
     const Hook<decltype(&SetConsoleMode)> colours("SetConsoleMode",
                                                   [=](auto&&...) { return understands; });
-    std::exit(Painted(Colour::Red, "text") == "text" ? 0 : 1);
+    return Painted(Colour::Plain, "plain ") + Painted(Colour::Bold, "bold") +
+           Painted(Colour::Dim, "dim") + Painted(Colour::Red, "red") +
+           Painted(Colour::Yellow, "yellow") + Painted(Colour::Green, "green") +
+           Painted(Colour::Cyan, "cyan");
+}
+
+// A process finds out once whether there are colours.
+void EndWithColours(BOOL understands) {
+    std::fputs(InAllColours(understands).c_str(), stderr);
+    std::exit(0);
 }
 
 TEST(ColoursDeathTest, AreForTerminalsThatUnderstandThem) {
-    EXPECT_EXIT(EndWithColours(TRUE), testing::ExitedWithCode(1), "");
-    EXPECT_EXIT(EndWithColours(FALSE), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(EndWithColours(TRUE), testing::ExitedWithCode(0),
+                HasSubstr("plain \x1b[1mbold\x1b[0m\x1b[2mdim\x1b[0m\x1b[1;31mred\x1b[0m"
+                          "\x1b[33myellow\x1b[0m\x1b[32mgreen\x1b[0m\x1b[36mcyan\x1b[0m"));
+    EXPECT_EXIT(EndWithColours(FALSE), testing::ExitedWithCode(0),
+                HasSubstr("plain bolddimredyellowgreencyan"));
 }
 
 }  // namespace

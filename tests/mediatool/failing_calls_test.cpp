@@ -174,6 +174,27 @@ TEST(Listing, OfAnEmptyDriveIsEmpty) {
     EXPECT_TRUE(entries->empty());
 }
 
+// The same disc: nothing of the file is not an empty file.
+TEST(ReadingTheStart, OfWhatCannotBeReadGivesNothing) {
+    const TemporaryFolder scratch;
+    scratch.Write("a.bin", "text");
+    const Path file(scratch.Text("a.bin"));
+    ASSERT_EQ(mediatool::ReadStart(file, 4), "text");
+    const Hook<decltype(&::ReadFile)> read("ReadFile", FailsWith(ERROR_CRC, FALSE));
+    EXPECT_FALSE(mediatool::ReadStart(file, 4));
+}
+
+// As Windows names it in full, behind a prefix of its own.
+TEST(FinalPath, OfAShareIsTheOneThatPeopleWrite) {
+    const TemporaryFolder scratch;
+    const Hook<decltype(&GetFinalPathNameByHandleW)> name(
+        "GetFinalPathNameByHandleW", [](auto, HANDLE, LPWSTR path, DWORD size, DWORD) -> DWORD {
+            const std::wstring full = L"\\\\?\\UNC\\server\\share\\x";
+            return static_cast<DWORD>(full.copy(path, size));
+        });
+    EXPECT_EQ(mediatool::FinalPath(Path(scratch.Text())).Text(), "\\\\server\\share\\x");
+}
+
 // A box of Windows would wait for a disc where nobody is. What is started must not inherit that.
 TEST(DriveWithoutADisc, IsAskedForInNoBox) {
     const DWORD mode = GetThreadErrorMode();

@@ -184,6 +184,7 @@ class OldSystem : public IsolatedTest {
         request.launcher = ToUtf8(media.Launcher());
         request.arguments = {"-wait"};
         struct : mediatool::Witness {
+            void Started(const mediatool::RunRequest&) override {}
             void Saw(const std::vector<mediatool::SeenLine>&) override {}
             void Saw(const mediatool::AnsweredBox&) override {}
             void TimePassed(std::uint64_t) override {}

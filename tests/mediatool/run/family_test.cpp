@@ -136,6 +136,31 @@ TEST_F(FamilyTest, BoundOneEndsWithOrphansToo) {
     EXPECT_TRUE(test::RunningBelow(folder_.Dir()).empty());
 }
 
+// Windows takes its time to end a process.
+TEST_F(FamilyTest, IsWaitedForToTheEndOfTheLast) {
+    Family family = Start("wait EVENT", true);
+    int looks = 0;
+    int rests = 0;
+    {
+        const test::Hook<decltype(&QueryInformationJobObject)> job(
+            "QueryInformationJobObject",
+            [&looks](auto real, HANDLE of, auto kind, void* information, auto... rest) {
+                const BOOL told = real(of, kind, information, rest...);
+                static_cast<JOBOBJECT_BASIC_ACCOUNTING_INFORMATION*>(information)->ActiveProcesses =
+                    ++looks <= 3 ? 1 : 0;
+                return told;
+            });
+        const test::Hook<decltype(&Sleep)> sleep("Sleep", [&rests](auto real, DWORD time) {
+            ++rests;
+            real(time);
+        });
+        family.EndAll(124);
+    }
+    EXPECT_GE(looks, 4);
+    EXPECT_GE(rests, 3);
+    EXPECT_TRUE(test::RunningBelow(folder_.Dir()).empty());
+}
+
 TEST_F(FamilyTest, StartsNothingThatIsNoProgram) {
     folder_.Write("acting.exe", "text");
     try {

@@ -85,6 +85,8 @@ TEST_F(NoStart, AfterBadInput) {
     const std::string media = StandInAsLauncher().Text();
     ExpectRefusal({"run"}, "media is required");
     ExpectRefusal({"run", "no such folder"}, "There is no folder \"no such folder\".");
+    ExpectRefusal({"run", media + "\\setup.exe"},
+                  "\"" + media + "\\setup.exe\" is a file, not the folder of a medium.");
     ExpectRefusal({"run", media, "-wait"}, "(the launcher's own arguments go after --)");
     ExpectRefusal({"run", media, "--no-such-option"}, "--no-such-option");
     ExpectRefusal({"run", media, "--time-limit", "soon"}, "--time-limit takes a time such as 90m");
@@ -159,7 +161,8 @@ TEST_F(NoStart, OfALauncherThatIsNotThere) {
 TEST_F(NoStart, OfALauncherThatIsNoProgram) {
     const Media media = EmptyMedia();
     WriteFile(media.Root() / "setup.exe", "text");
-    const MediatoolRun run = Told(media, {"-wait"});
+    // Nor is anything said of how it would be watched.
+    const MediatoolRun run = Told(media, {});
     ExpectComplaint(run, 126, " (error 193).");
     EXPECT_THAT(run.errors, Not(HasSubstr("%")));  // the place of the name in the system's text
     stdfs::remove(media.Root() / "setup.exe");

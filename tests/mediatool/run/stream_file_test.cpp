@@ -6,6 +6,7 @@
 
 #include "fs/environment.h"
 #include "mediatool/run/streams.h"
+#include "tests/support/hook.h"
 #include "tests/support/isolated_test.h"
 #include "tests/support/temporary_folder.h"
 
@@ -137,6 +138,20 @@ TEST_F(StreamFileTest, IsMadeForAUserWhoseFolderLeadsNowhere) {
     StreamFile file;
     WriteTo(file.Writer(), "one\n");
     EXPECT_THAT(file.TakeLines(), ElementsAre("one"));
+}
+
+TEST_F(StreamFileTest, IsRefusedWhereThereIsNoFolderAtAll) {
+    std::string complaint;
+    {
+        const test::Hook<decltype(&CreateFileW)> hook(
+            "CreateFileW", test::FailsWith(ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE));
+        try {
+            const StreamFile file;
+        } catch (const std::runtime_error& failure) {
+            complaint = failure.what();
+        }
+    }
+    EXPECT_EQ(complaint, "There is no temporary folder to follow the launcher's output in.");
 }
 
 class Attribution : public StreamFileTest {

@@ -179,6 +179,14 @@ TEST(Meaning, OfAnEndOfAllSaysWhoWasEnded) {
               "be ended.");
 }
 
+TEST(JsonOfARun, SaysWhyMediatoolFailed) {
+    WatchedRun run = RunWith(125, false);
+    run.endedBy = EndedBy::Failure;
+    run.failure = "no more memory";
+    EXPECT_EQ(JsonOf(run)["endedBy"], "failure");
+    EXPECT_EQ(JsonOf(run)["error"], "no more memory");
+}
+
 TEST(JsonText, IsAscii) {
     const std::string text = "Gr\u00F6\u00DFe \x7F";
     const std::string printed = Printed(Json{{"text", text}});

@@ -20,6 +20,7 @@ namespace stdfs = std::filesystem;
 using testing::HasSubstr;
 
 struct TestWitness : Witness {
+    void Started(const RunRequest&) override {}
     void Saw(const std::vector<SeenLine>& lines) override {
         for (const SeenLine& line : lines)
             seen.push_back(line.text);
@@ -219,6 +220,21 @@ TEST_F(WatchTest, StartsNothingThatIsSuspended) {
         Run("exit 0");
     }
     EXPECT_EQ(flags & CREATE_SUSPENDED, 0u);
+}
+
+TEST_F(WatchTest, StartsNothingAfterAnInterruption) {
+    PHANDLER_ROUTINE pressCtrlC = nullptr;
+    const test::Hook<decltype(&SetConsoleCtrlHandler)> console(
+        "SetConsoleCtrlHandler", [&pressCtrlC](auto, PHANDLER_ROUTINE handler, BOOL) {
+            pressCtrlC = handler;
+            return TRUE;
+        });
+    const Interruption interruption;
+    pressCtrlC(CTRL_C_EVENT);
+    const WatchedRun run = RunWatched(request_, interruption, witness_);
+    EXPECT_EQ(run.exitCode, 130u);
+    EXPECT_EQ(run.endedBy, EndedBy::Interrupt);
+    EXPECT_FALSE(run.launcher);
 }
 
 class ProgramCheck : public test::IsolatedTest, public testing::WithParamInterface<DWORD> {};

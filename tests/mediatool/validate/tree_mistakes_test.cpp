@@ -53,6 +53,15 @@ TEST(TreeMistakes, AReservedName) {
     EXPECT_FALSE(Has(media.Validate(), "name-reserved"));
 }
 
+// Windows does not count the blanks.
+TEST(TreeMistakes, AReservedNameWithBlanksBehindIt) {
+    SampleMedia media;
+    const std::string file = media.Text("inst") + "\\con .txt";
+    ASSERT_TRUE(WriteRaw(file));
+    ExpectFound(media.Validate(), "name-reserved", Level::Error);
+    RemoveRaw(file);
+}
+
 TEST(TreeMistakes, ANameThatEndsInADot) {
     SampleMedia media;
     const std::string file = media.Text("inst") + "\\readme.";

@@ -1,0 +1,58 @@
+// The log of a run, in this process.
+
+#include "mediatool/run/run_log.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "mediatool/base/failures.h"
+#include "mediatool/run/owners.h"
+#include "tests/support/hook.h"
+#include "tests/support/temporary_folder.h"
+
+namespace launcher::mediatool {
+namespace {
+
+std::string ComplaintOfBeginning(const std::string& path) {
+    RunLog log(path);
+    try {
+        log.Begin("setup.exe");
+    } catch (const BadInput& failure) {
+        return failure.what();
+    }
+    return "none";
+}
+
+TEST(RunLogTest, IsRefusedOnADiskThatDoesNotAnswer) {
+    const test::TemporaryFolder folder;
+    const std::string path = folder.Text("log.txt");
+    const KernelObject answers(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const KernelObject answered(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    std::string complaint;
+    {
+        const test::Hook<decltype(&::WriteFile)> disk("WriteFile", [&](auto real, auto... given) {
+            WaitForSingleObject(answers.Get(), 30000);
+            const BOOL written = real(given...);
+            SetEvent(answered.Get());
+            return written;
+        });
+        DWORD patience = 0;
+        const test::Hook<decltype(&SleepConditionVariableSRW)> wait(
+            "SleepConditionVariableSRW",
+            [&](auto real, auto* changed, auto* lock, DWORD time, ULONG flags) {
+                if (time == INFINITE) return real(changed, lock, time, flags);
+                patience = time;
+                return real(changed, lock, 100, flags);
+            });
+        complaint = ComplaintOfBeginning(path);
+        // The thread that was given up, before the hooks go.
+        SetEvent(answers.Get());
+        WaitForSingleObject(answered.Get(), 30000);
+        Sleep(100);
+        EXPECT_EQ(patience, 10'000u);
+    }
+    EXPECT_EQ(complaint, "The log \"" + path + "\" cannot be written: its disk does not answer.");
+}
+
+}  // namespace
+}  // namespace launcher::mediatool
