@@ -17,7 +17,7 @@
 namespace launcher::mediatool {
 RunCommand::RunCommand(CLI::App& app)
     : command(app.add_subcommand("run", "Run a medium's launcher unattended.")) {
-    command->add_option("media", media_, "The media's folder.")->required();
+    command->add_option("media", media_, "The medium's folder.")->required();
     command
         ->add_option("--time-limit", timeLimit_,
                      "End the launcher after this time: a number of seconds, or with m, h or d "
