@@ -163,6 +163,10 @@ MappedDrive::MappedDrive(const std::string& drive, const stdfs::path& folder)
 
 MappedDrive::~MappedDrive() {
     RemoveDrive(letter_);
+    // Wine looks at its drives once a second, and knows them by the numbers of their folders, which
+    // others may get after them.
+    constexpr DWORD kUntilItLooks = 1100;  // milliseconds
+    if (IsWine()) Sleep(kUntilItLooks);
 }
 
 SmallDisk::SmallDisk(const stdfs::path& folder) : folder_(folder), below_(folder / "below") {
