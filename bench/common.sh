@@ -4,6 +4,7 @@
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=$(realpath -m "${BUILD:-$root/build/bench}")
 programs=$build/bench
+mediatool=$build/mediatool/mediatool/mediatool.exe
 disk=$build/data
 
 prefix=$build/wine-prefix
@@ -46,6 +47,7 @@ need_programs() {
     for program in copy_bench start_bench start_minimal start_child; do
         [ -e "$programs/$program.exe" ] || fail 1 "$program is not built: run bench/run.sh"
     done
+    [ -e "$mediatool" ] || fail 1 "mediatool is not built: run bench/run.sh"
     command -v strace >/dev/null || fail 1 "strace is missing: apt-get install strace"
 }
 

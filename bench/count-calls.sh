@@ -1,5 +1,6 @@
 #!/bin/sh
-# Counts the system calls that each way to copy a tree takes per file, and per folder.
+# Counts the system calls that each way to copy a tree takes per file, and per folder, mediatool's
+# create among them.
 #
 #   count-calls.sh            after run.sh has built the programs
 #
@@ -21,8 +22,14 @@ make() {
 # count PEER FILES FOLDERS
 count() {
     rm -rf "$trees/copy"
-    calls_of 0 "$programs/copy_bench.exe" copy "$1" \
-        "$(windows "$trees/$2-$3")" "$(windows "$trees/copy")"
+    source=$(windows "$trees/$2-$3")
+    copy=$(windows "$trees/copy")
+    if [ "$1" = create ]; then
+        calls_of 0 "$mediatool" create --id SET --layout siblings --volumes 1 --from "$source" "$copy"
+        rm "$trees/copy/1/1.txt" "$trees/copy/1/inst/volumes.txt"
+    else
+        calls_of 0 "$programs/copy_bench.exe" copy "$1" "$source" "$copy"
+    fi
     copied=$(find "$trees/copy" -type f | wc -l)
     [ "$copied" = "$2" ] || { echo "$1 copied $copied of $2 files" >&2; exit 1; }
 }
@@ -32,7 +39,7 @@ make 300 300
 make 3300 330
 
 counts=
-for peer in launcher runtime readfile copyfile filesystem xcopy; do
+for peer in launcher runtime readfile copyfile filesystem xcopy create; do
     small=$(count $peer 300 30)
     folders=$(count $peer 300 300)
     large=$(count $peer 3300 330)

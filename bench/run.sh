@@ -63,7 +63,7 @@ size_of() { printf '  %-28s %9d bytes\n' "$1" "$(stat -c %s "$2")"; }
 echo "Sizes"
 size_of "setup.exe, 64-bit" "$build/launcher/setup.exe"
 size_of "setup.exe, 32-bit" "$build/launcher32/launcher/setup.exe"
-size_of mediatool.exe "$build/mediatool/mediatool/mediatool.exe"
+size_of mediatool.exe "$mediatool"
 size_of "the icon in setup.exe" "$root/launcher/resources/setup.ico"
 
 copy_bench() { run "$programs/copy_bench.exe" "$@"; }

@@ -1,6 +1,7 @@
 #!/bin/sh
-# What a medium that answers late costs, a disc or a share behind a slow line: a start from it, and
-# copies from it. A file system by FUSE stands in for the medium and counts what it is asked for.
+# What a medium that answers late costs, a disc or a share behind a slow line: a start from it, copies
+# from it, and mediatool's copy of it with and without checksums. A file system by FUSE stands in for
+# the medium and counts what it is asked for.
 #
 #   slow-medium.sh [MILLISECONDS]     after run.sh has built the programs; without a number each
 #                                     answer takes 20
@@ -65,5 +66,21 @@ compare() {
 }
 echo "One file of 32 MiB from there (ratio: to the launcher's Copy)"
 compare 1 1 33554432 33554432
+
+# milliseconds OPTION...: what mediatool's create takes, median of 5
+milliseconds() {
+    for _ in 1 2 3 4 5; do
+        start=$(date +%s%N)
+        run "$mediatool" create --id SET --layout siblings --volumes 1 "$@" \
+            --from "$(windows "$medium/source")" "$(windows "$ram/set")" >/dev/null
+        echo $((($(date +%s%N) - start) / 1000000))
+        rm -rf "$ram/set"
+    done | median
+}
+run "$programs/copy_bench.exe" make "$(windows "$folder/source")" 1 1 33554432 33554432
+echo "One file of 32 MiB from there, mediatool create"
+printf '  %-24s %6d ms\n' plain "$(milliseconds)" --checksums "$(milliseconds --checksums)"
+rm -rf "$folder/source"
+
 echo "60 files of 4 to 20 KiB in 6 folders from there"
 compare 60 6 4096 20480
