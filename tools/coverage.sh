@@ -9,7 +9,8 @@
 # Fails when a test fails, or when less was reached than tools/coverage_table.py asks for.
 #
 # Branches that only an exception from a call would take are left out. A process that ends by abort
-# or a crash loses its counts. The tests of the launcher's bytes are left out: nobody ships these.
+# or a crash loses its counts. The tests of the launcher's bytes are left out, unless there is another
+# -E: nobody ships these.
 set -eu
 cd "$(dirname "$0")/.."
 build=$PWD/build/coverage

@@ -35,7 +35,8 @@ def program_of(file):
 
 
 CHOICE = re.compile(r"\?|&&|\|\||^:|:$")
-GOES_ON = re.compile(r"([,(+]|[=(] ?\{|\[.*\]\(.*\) \{)$")
+GOES_ON = re.compile(r"([,(+]|[=(] ?\{)$")
+LAMBDA = re.compile(r"\[.*\]\(.*\) \{$")  # what runs its body has run the line before it
 
 
 def without_comment(line):
@@ -47,7 +48,8 @@ def is_reached(number, source, counts):
     def reached_from(line, step):
         while True:
             upper = without_comment(source[min(line, line + step) - 1])
-            if not GOES_ON.search(upper) or CHOICE.search(upper):
+            goes_on = GOES_ON.search(upper) or step == 1 and LAMBDA.search(upper)
+            if not goes_on or CHOICE.search(upper):
                 return False
             line += step
             if counts.get(line, 0) > 0:

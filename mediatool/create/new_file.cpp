@@ -90,7 +90,7 @@ void NewFile::SetModified(std::uint64_t time) {
         RefuseFor(blamed_, what_);
 }
 
-// While the file is still open, for this process alone: a virus scanner sees it afterwards only.
+// While the file is still open, for this process alone: nobody else can hold it.
 // Nothing waits for the disk here: what Windows has taken survives the end of this process, and to
 // wait once for each of 50,000 files would take longer than to copy them.
 void NewFile::GiveName(bool mayReplace) {
