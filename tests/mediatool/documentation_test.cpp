@@ -272,8 +272,10 @@ void RunScripts(const std::string& kind, const std::string& fileName,
             script += line + "\r\n";
         folder.Write(fileName, script);
         stdfs::copy_file(BuiltFile(MEDIATOOL_PROGRAM), folder.Dir() / "mediatool.exe");
+        // As long as mediatool needs to see it, whose text says so else.
         const MediatoolRun run =
-            RunCommandLine(commandLine, L"M:\\", {{"STANDIN_EXIT", "3010"}, {"TEMP", "M:\\"}});
+            RunCommandLine(commandLine, L"M:\\",
+                           {{"STANDIN_LASTS", "1000"}, {"STANDIN_EXIT", "3010"}, {"TEMP", "M:\\"}});
         EXPECT_TRUE(Fits(blocks[i + 1].lines, 0, Lines(run.output), 0))
             << "line " << block.line << " prints:\n"
             << run.output << "errors: " << run.errors;

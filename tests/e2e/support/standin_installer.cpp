@@ -1,7 +1,7 @@
 // A stand-in for the installer of a medium, and for any other program that a test wants to see
 // started. It writes what it was handed to the file named by STANDIN_REPORT, waits for the event
-// named by STANDIN_WAIT, when there is one, and exits with the code in STANDIN_EXIT (decimal or
-// 0x hexadecimal; 0 without one).
+// named by STANDIN_WAIT, when there is one, stays for the milliseconds in STANDIN_LASTS, and exits
+// with the code in STANDIN_EXIT (decimal or 0x hexadecimal; 0 without one).
 //
 // The report is UTF-8: pairs of a kind and a text, each ended by a zero byte, which no text of a
 // process holds.
@@ -122,5 +122,6 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     AddEnvironment(report);
     if (const std::wstring path = Variable(L"STANDIN_REPORT"); !path.empty()) Save(report, path);
     WaitForEvent(Variable(L"STANDIN_WAIT"));
+    Sleep(std::wcstoul(Variable(L"STANDIN_LASTS").c_str(), nullptr, 10));
     return static_cast<int>(std::wcstoul(Variable(L"STANDIN_EXIT").c_str(), nullptr, 0));
 }
