@@ -12,7 +12,7 @@ namespace {
 // True when this user may start the installer; otherwise reports why not.
 bool PassesAdministratorGate(const LaunchOptions& options) {
     if (options.softMgtReadOnly || IsAdministrator()) return true;
-    if (GetEnvVar("ZEPAdmInstAllowNotAdminUser").empty()) {
+    if (GetEnvVar(kAllowNotAdministratorVar).empty()) {
         ReportMessage(options,
                       "The installer must be run from an elevated Command Prompt ('Run as "
                       "administrator')",

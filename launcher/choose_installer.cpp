@@ -52,7 +52,7 @@ bool UsesCurrentMedia(const LaunchOptions& options) {
         Trace(options, "No installer in the current media.");
         return false;
     }
-    if (GetEnvVar("ZEP_UseExternalInstaller").empty()) {
+    if (GetEnvVar(kIgnoreCurrentMediaVar).empty()) {
         Trace(options, "Installer found in current media: \"" + exe + "\".");
         return true;
     }
@@ -84,7 +84,7 @@ bool LocateByOption(LaunchOptions& options) {
 }
 
 bool LocateByVariable(LaunchOptions& options) {
-    const std::string folder = GetEnvVar("ZEP_TALVOR_Installer");
+    const std::string folder = GetEnvVar(kInstallerFolderVar);
     if (!folder.empty())
         Trace(options, "Environment variable ZEP_TALVOR_Installer is defined and its value is \"" +
                            folder + "\".");

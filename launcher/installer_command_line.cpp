@@ -9,8 +9,6 @@
 namespace launcher {
 namespace {
 
-constexpr char kDebugVar[] = "DEBUGCMD_INSTALLK7";
-
 std::string Quoted(const std::string& text) {
     return "\"" + text + "\"";
 }

@@ -55,7 +55,7 @@ std::string NewTemporaryFolderName() {
 }
 
 bool IsCopyForbidden() {
-    return !GetEnvVar("ZEPAdmInstDontCopyInstaller").empty();
+    return !GetEnvVar(kDontCopyVar).empty();
 }
 
 void CopyInstallerToTemporaryFolder(LaunchOptions& options, const std::string& temporaryDir) {

@@ -6,11 +6,14 @@ namespace launcher {
 
 class LaunchOptions;
 
+// While it is set, nothing is copied.
+inline constexpr char kDontCopyVar[] = "ZEPAdmInstDontCopyInstaller";
+
 // The name of a new private folder below the user's temporary folder, "TEMP" + "\" + a UUID + "\".
 // Nothing is created.
 std::string NewTemporaryFolderName();
 
-// True while "ZEPAdmInstDontCopyInstaller" is set.
+// True while kDontCopyVar is set.
 bool IsCopyForbidden();
 
 // Copies the installer's part of the media into `temporaryDir`, so that the media may be removed

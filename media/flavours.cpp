@@ -36,8 +36,7 @@ std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName
 }
 
 std::vector<Flavour> MediaFlavours(const LaunchOptions& options) {
-    return FlavoursIn(options.mediaDir, options.installerExeName,
-                      GetEnvVar("ZEPAdmInstODTinstallOSpath"));
+    return FlavoursIn(options.mediaDir, options.installerExeName, GetEnvVar(kFlavourMarkerVar));
 }
 
 }  // namespace launcher

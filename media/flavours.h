@@ -12,6 +12,9 @@ class LaunchOptions;
 // A marker's name is that of the per-OS folder, and this.
 inline constexpr char kFlavourMarkerExtension[] = ".installos";
 
+// A file to take for every flavour's marker.
+inline constexpr char kFlavourMarkerVar[] = "ZEPAdmInstODTinstallOSpath";
+
 // One operating-system flavour of a medium: a per-OS folder below "inst" with the installer for it,
 // and a flavour marker, whose existence says that the media, or the separate installer media it
 // needs, is made for that flavour.
@@ -32,8 +35,7 @@ constexpr bool Suits(const Flavour& flavour, bool is64BitWindows) {
 std::vector<Flavour> FlavoursIn(const Path& mediaDir, const std::string& exeName,
                                 const std::string& givenMarker = {});
 
-// Those of this run: while "ZEPAdmInstODTinstallOSpath" is set, its value, as it is given, is the
-// marker.
+// Those of this run: while kFlavourMarkerVar is set, its value, as it is given, is the marker.
 std::vector<Flavour> MediaFlavours(const LaunchOptions& options);
 
 }  // namespace launcher

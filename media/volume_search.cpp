@@ -144,7 +144,7 @@ std::optional<OuterSet> FindOuterSet(const SplitMedia& media) {
 // volume 1 was found and the next layout must be tried.
 bool Settles(Pass pass, VolumeLayout layout, const SplitMedia& media, FoundVolumes& found) {
     found.folders = std::move(pass.folders);
-    if (pass.found == media.count && !pass.mismatch) {
+    if (pass.found == media.count) {  // none is of another medium: those are not counted
         found.layout = layout;
         return true;
     }
@@ -172,9 +172,7 @@ void SearchLayouts(const SplitMedia& media, FoundVolumes& found) {
 
 CopySkipped WhyNotSearched(const LaunchOptions& options) {
     if (options.softMgt) return CopySkipped::BySoftMgt;
-    // The misspelt name is part of the interface.
-    if (!GetEnvVar("ZEP_Online_Installation_Caf_Repositiory").empty())
-        return CopySkipped::ByRepository;
+    if (!GetEnvVar(kRepositoryVar).empty()) return CopySkipped::ByRepository;
     return CopySkipped::No;
 }
 

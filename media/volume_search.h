@@ -13,6 +13,9 @@ namespace launcher {
 enum class CopySkipped : int;
 class LaunchOptions;
 
+// While it is set, volumes are not searched for. The misspelt name is part of the interface.
+inline constexpr char kRepositoryVar[] = "ZEP_Online_Installation_Caf_Repositiory";
+
 // How the volumes of a medium lie.
 enum class VolumeLayout {
     NotSplit,    // in one piece, or not to be checked

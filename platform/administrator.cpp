@@ -60,7 +60,7 @@ bool IsProcessElevated() {
 }  // namespace
 
 bool IsAdministratorHidden() {
-    return !GetEnvVar("ZEPProcessNotAdmin").empty();
+    return !GetEnvVar(kNotAdministratorVar).empty();
 }
 
 bool DetectAdministrator() {

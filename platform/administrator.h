@@ -2,9 +2,12 @@
 
 namespace launcher {
 
+// While it is set, nobody is an administrator.
+inline constexpr char kNotAdministratorVar[] = "ZEPProcessNotAdmin";
+
 // True when this process runs with administrator rights: its user is a member of the
 // Administrators group and, since Windows Vista, its token is elevated. Always false while
-// "ZEPProcessNotAdmin" is set. Computed on the first call and kept; if that call throws, the next
+// kNotAdministratorVar is set. Computed on the first call and kept; if that call throws, the next
 // one tries again. Throws as DetectAdministrator.
 bool IsAdministrator();
 
@@ -14,7 +17,7 @@ bool IsAdministrator();
 // https://learn.microsoft.com/windows/win32/api/securitybaseapi/nf-securitybaseapi-checktokenmembership
 bool DetectAdministrator();
 
-// True while "ZEPProcessNotAdmin" is set.
+// True while kNotAdministratorVar is set.
 bool IsAdministratorHidden();
 
 }  // namespace launcher

@@ -48,7 +48,7 @@ void ApplyPipeServer(LaunchOptions& options, const std::string&) {
 void ApplyOdt(LaunchOptions& options, const std::string&) {
     options.wait = true;
     options.installerExeName = kOdtName;
-    options.mediaDir = Path(GetEnvVar("CurrentMediaDir"));
+    options.mediaDir = Path(GetEnvVar(kCurrentMediaVar));
 }
 
 void ApplyMaintenance(LaunchOptions& options, const char* option, bool uninstall) {

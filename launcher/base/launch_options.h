@@ -13,6 +13,9 @@ inline constexpr char kInstallerName[] = "ZEPInsAppliGUI.exe";
 inline constexpr char kPipeServerName[] = "ZEPInsPipeServer.exe";
 inline constexpr char kOdtName[] = "ZEPInsAppliODT.exe";
 
+// The media folder for "--odt".
+inline constexpr char kCurrentMediaVar[] = "CurrentMediaDir";
+
 // The lookup that found the installer.
 enum class InstallerOrigin { None, CurrentMedia, Option, Variable, Dialog };
 
@@ -20,7 +23,7 @@ enum class InstallerOrigin { None, CurrentMedia, Option, Variable, Dialog };
 enum class CopySkipped : int {
     No,            // it did not; an option may have
     BySoftMgt,     // "-SoftMgt": nothing is searched for
-    ByRepository,  // nor is it with "ZEP_Online_Installation_Caf_Repositiory"
+    ByRepository,  // nor is it with kRepositoryVar
     NotSplit,
     Complete,  // all volumes were found
 };

@@ -23,7 +23,7 @@ void ReportMessage(const LaunchOptions& options, const std::string& text, Severi
 }
 
 bool IsTraceSwitchOn() {
-    return GetEnvVar("ZEP_TraceMsgBox").size() == 1;
+    return GetEnvVar(kTraceBoxVar).size() == 1;
 }
 
 void TraceMessage(const LaunchOptions& options, const std::string& text, Severity severity) {

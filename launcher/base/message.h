@@ -8,6 +8,9 @@ namespace launcher {
 
 class LaunchOptions;
 
+// While it is exactly one character long, progress messages are shown in boxes.
+inline constexpr char kTraceBoxVar[] = "ZEP_TraceMsgBox";
+
 // The three levels of a message; any other value is printed without a severity word.
 enum class Severity : std::uint32_t { Plain = 0, Info = 1, Warning = 2, Error = 3 };
 
@@ -19,11 +22,11 @@ enum class Severity : std::uint32_t { Plain = 0, Info = 1, Warning = 2, Error = 
 void ReportMessage(const LaunchOptions& options, const std::string& text, Severity severity,
                    bool noBox);
 
-// Shows a progress message: on a console stream only, or, when "ZEP_TraceMsgBox" was exactly one
-// character long at the first call, in a message box only.
+// Shows a progress message: on a console stream only, or, when IsTraceSwitchOn() at the first call,
+// in a message box only.
 void TraceMessage(const LaunchOptions& options, const std::string& text, Severity severity);
 
-// True while "ZEP_TraceMsgBox" is exactly one character long.
+// True while kTraceBoxVar says so.
 bool IsTraceSwitchOn();
 
 // Reports a fatal problem (severity Error, in a box while `useGui` is set) and ends the process

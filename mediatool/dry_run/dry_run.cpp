@@ -14,6 +14,7 @@
 #include "fs/text.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
+#include "launcher/choose_installer.h"
 #include "launcher/driver.h"
 #include "launcher/installer_command_line.h"
 #include "launcher/temporary_copy.h"
@@ -76,7 +77,7 @@ std::string OriginName(InstallerOrigin origin) {
         case InstallerOrigin::Option:
             return "-installerPath";
         case InstallerOrigin::Variable:
-            return "ZEP_TALVOR_Installer";
+            return kInstallerFolderVar;
         case InstallerOrigin::Dialog:
             return "folder-dialog";
         case InstallerOrigin::CurrentMedia:
@@ -152,7 +153,8 @@ std::string MeaningOf(const DryRun& run) {
     if (run.exitCodeIsInstallers) return "The installer's own, for which the launcher waits.";
     if (run.started) return "The installer was started; the launcher does not wait for it.";
     if (run.countsVolumes)
-        return "The number of volumes, which ZEPAdmODTMultiVolumes asks for; nothing is started.";
+        return std::string("The number of volumes, which ") + kVolumesQuery +
+               " asks for; nothing is started.";
     if (run.journal.crashed) return "The launcher crashes.";
     return "The launcher refuses; the message says why.";
 }

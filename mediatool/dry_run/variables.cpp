@@ -1,25 +1,35 @@
 #include "mediatool/dry_run/variables.h"
 
 #include "fs/environment.h"
+#include "installer/launch.h"
+#include "launcher/base/launch_options.h"
+#include "launcher/base/message.h"
+#include "launcher/choose_installer.h"
+#include "launcher/driver.h"
+#include "launcher/installer_command_line.h"
+#include "launcher/temporary_copy.h"
+#include "media/flavours.h"
+#include "media/volume_search.h"
+#include "platform/administrator.h"
 
 namespace launcher::mediatool {
 
 // In the order and the words of the README's table.
 const std::vector<ReadVariable> kReadVariables = {
-    {"ZEP_TALVOR_Installer",
+    {kInstallerFolderVar,
      "the folder of a medium in which to look for the installer, after -installerPath"},
-    {"ZEP_UseExternalInstaller", "ignore the installer on the current medium"},
-    {"ZEPAdmInstODTinstallOSpath", "one file to check instead of all three flavour markers"},
-    {"ZEPAdmODTMultiVolumes", "start nothing; the exit code is the number of volumes"},
-    {"ZEPAdmInstDontCopyInstaller", "never copy the installer to a temporary folder"},
+    {kIgnoreCurrentMediaVar, "ignore the installer on the current medium"},
+    {kFlavourMarkerVar, "one file to check instead of all three flavour markers"},
+    {kVolumesQuery, "start nothing; the exit code is the number of volumes"},
+    {kDontCopyVar, "never copy the installer to a temporary folder"},
     {"TEMP", "where the temporary folder is created"},
-    {"ZEPAdmInstAllowNotAdminUser", "start the installer for a user who is not an administrator"},
-    {"ZEPProcessNotAdmin", "behave as for a user who is not an administrator"},
-    {"ZEP_Online_Installation_Caf_Repositiory", "do not look for the volumes of a split disc set"},
-    {"CurrentMediaDir", "the medium for --odt"},
-    {"DEBUGCMD_INSTALLK7",
+    {kAllowNotAdministratorVar, "start the installer for a user who is not an administrator"},
+    {kNotAdministratorVar, "behave as for a user who is not an administrator"},
+    {kRepositoryVar, "do not look for the volumes of a split disc set"},
+    {kCurrentMediaVar, "the medium for --odt"},
+    {kDebugVar,
      "a program to put in front of the installer's command line; 1 shows the line in a console"},
-    {"ZEP_TraceMsgBox", "any single character: show trace messages in boxes"},
+    {kTraceBoxVar, "any single character: show trace messages in boxes"},
 };
 
 std::vector<SetVariable> SetVariables() {

@@ -3,9 +3,13 @@
 #include <algorithm>
 
 #include "launcher/base/message.h"
+#include "launcher/driver.h"
+#include "launcher/installer_command_line.h"
+#include "media/flavours.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "mediatool/media/remedies.h"
+#include "platform/administrator.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -21,9 +25,9 @@ struct Culprit {
     const char* variable;
 };
 constexpr Culprit kCulprits[] = {
-    {"The installer must be run from an elevated Command Prompt", "ZEPProcessNotAdmin"},
-    {"This media is not for Windows operating system.", "ZEPAdmInstODTinstallOSpath"},
-    {"Setup failed to create process", "DEBUGCMD_INSTALLK7"}};
+    {"The installer must be run from an elevated Command Prompt", kNotAdministratorVar},
+    {"This media is not for Windows operating system.", kFlavourMarkerVar},
+    {"Setup failed to create process", kDebugVar}};
 
 // Before the run, or by its command line.
 bool IsSet(const DryRun& run, const std::string& name) {
@@ -80,15 +84,15 @@ Reason ReasonOf(const DryRun& run, const std::string& text) {
 
 // The first message in a box that says why the run waits or is refused.
 Reason ReasonOf(const DryRun& run) {
-    if (run.countsVolumes) return LeftoverVariable("ZEPAdmODTMultiVolumes");
+    if (run.countsVolumes) return LeftoverVariable(kVolumesQuery);
     const bool refused = !run.started;
     for (const Message& message : run.journal.messages)
         if (message.box && !message.dialog && (message.severity == Severity::Error || !refused) &&
             KnownMessage(message.text))
             return ReasonOf(run, message.text);
     if (refused) return ReasonOf(run, run.journal.messages.back().text);
-    if (run.showsCommandLine) return LeftoverVariable("DEBUGCMD_INSTALLK7");
-    if (run.tracesInBoxes) return LeftoverVariable("ZEP_TraceMsgBox");
+    if (run.showsCommandLine) return LeftoverVariable(kDebugVar);
+    if (run.tracesInBoxes) return LeftoverVariable(kTraceBoxVar);
     return {"the installer is on a medium of its own",
             "give its folder with -installerPath FOLDER"};
 }

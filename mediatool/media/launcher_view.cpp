@@ -87,7 +87,7 @@ std::string LayoutName(Layout layout) {
 }
 
 LauncherView ViewOf(const Path& media) {
-    SetEnvVar("ZEP_Online_Installation_Caf_Repositiory", "");  // would switch the search off
+    SetEnvVar(kRepositoryVar, "");  // would switch the search off
     LaunchOptions options(0, nullptr, kInstallerName, false, false);
     options.mediaDir = media;
     LauncherView view;

@@ -4,6 +4,7 @@
 
 #include "fs/environment.h"
 #include "fs/text.h"
+#include "launcher/driver.h"
 #include "mediatool/base/console.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/media/remedies.h"
@@ -138,7 +139,8 @@ std::string MeaningOf(const WatchedRun& run, const RunRequest& request) {
     if (run.exitCode == 1 && !run.boxes.empty())
         return "The launcher refuses; the message says why.";
     if (!run.installer && run.exitCode <= INT32_MAX && AsksForVolumes(request.arguments))
-        return "The number of volumes, which ZEPAdmODTMultiVolumes asks for; nothing was started.";
+        return std::string("The number of volumes, which ") + kVolumesQuery +
+               " asks for; nothing was started.";
     if (run.exitCode == 0 && !waits)
         return "The launcher has started the installer, and does not wait for it.";
     if (waits) return "The installer's own, which ended before it was seen, or the launcher's.";

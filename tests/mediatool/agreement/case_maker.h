@@ -91,6 +91,7 @@ class Maker {
     std::string TempThatWindowsChanges();
     void MakeCopyFail();
     void MakeStartFail();
+    std::string TempThatFillsPaths();
     void MakeCopy();
     void FindOtherMedia();
     void PickInDialog();

@@ -1,5 +1,7 @@
 #include "tests/mediatool/agreement/case_maker.h"
 
+#include <algorithm>
+
 #include "mediatool/media/markers.h"
 #include "tests/support/links.h"
 #include "tests/support/wine.h"
@@ -81,17 +83,40 @@ void Maker::MakeStartFail() {
     if (Chance(40)) LoseVolumes();
 }
 
+// So long that the longest path of the copy just fits, without long paths.
+std::string Maker::TempThatFillsPaths() {
+    constexpr std::size_t kLongestName = 259;
+    constexpr std::size_t kLongestFolderName = 247;
+    constexpr std::size_t kPrivateFolder = 38;  // a UUID between two backslashes
+    std::size_t room = kLongestFolderName;
+    for (const stdfs::path& root : {media_, external_}) {
+        if (!stdfs::exists(root)) continue;
+        for (const auto& entry : stdfs::recursive_directory_iterator(
+                 root, stdfs::directory_options::follow_directory_symlink)) {
+            const std::size_t length = entry.path().lexically_relative(root).native().size();
+            room =
+                std::min(room, (entry.is_directory() ? kLongestFolderName : kLongestName) - length);
+        }
+    }
+    const std::size_t used = folder_.native().size() + 1 + kPrivateFolder;
+    return ToUtf8(folder_) + "\\" + std::string(room - used, 'x');
+}
+
 void Maker::MakeCopy() {
     LoseVolumes();
-    const unsigned temp = Below(4);
-    if (temp == 0) case_.variables["TEMP"] = "relative temp";
-    if (temp == 1) case_.variables["TEMP"] = ToUtf8(folder_ / "other temp") + "\\";
-    if (temp == 2) case_.variables["TEMP"] = ToUtf8(folder_ / "other temp") + "\\.";
     if (Chance(30)) {
         stdfs::create_directories(folder_ / "target" / "x");
         Put(folder_ / "target" / "x" / "c.bin", "linked");
         Hold<FolderLink>(media_ / "inst" / "common" / "link", folder_ / "target");
         Note("a link in inst");
+    }
+    const unsigned temp = Below(5);
+    if (temp == 0) case_.variables["TEMP"] = "relative temp";
+    if (temp == 1) case_.variables["TEMP"] = ToUtf8(folder_ / "other temp") + "\\";
+    if (temp == 2) case_.variables["TEMP"] = ToUtf8(folder_ / "other temp") + "\\.";
+    if (temp == 3) {
+        Note("TEMP that fills the paths");
+        case_.variables["TEMP"] = TempThatFillsPaths();
     }
 }
 
