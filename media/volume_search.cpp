@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "fs/directory_enumerator.h"
-#include "fs/environment.h"
 #include "fs/file_type.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
@@ -108,35 +107,33 @@ Pass OuterPass(const SplitMedia& media, const OuterSet& set) {
     return pass;
 }
 
-// The first marker of the nearest ancestor that holds one.
-std::optional<OuterMarker> FindOuterMarker(const Path& mediaDir) {
+// By the first marker of the nearest ancestor that holds one.
+std::optional<OuterSet> NearestOuterSet(const Path& mediaDir) {
     for (Path folder = Parent(mediaDir); !IsEmpty(folder); folder = Parent(folder)) {
         // A name of two quotes is nothing to a listing, which reads it again: it holds no marker.
         if (IsEmpty(Path(folder.Text()))) continue;
         const auto files = DirectoryEnumerator::Open(folder.Text(), DirectoryEnumerator::kFiles);
-        for (; !files->AtEnd(); files->Next()) {
-            const int number = OuterMarkerNumber(files->Name());
-            if (number > 0) return OuterMarker{number, files->Name(), folder};
-        }
+        for (; !files->AtEnd(); files->Next())
+            if (OuterMarkerNumber(files->Name()) > 0)
+                return OuterSetOf(mediaDir, folder, files->Name());
     }
     return std::nullopt;
 }
 
 std::optional<OuterSet> FindOuterSet(const SplitMedia& media) {
     const LaunchOptions& options = media.options;
-    const std::optional<OuterMarker> marker = FindOuterMarker(options.mediaDir);
-    if (!marker) return std::nullopt;
-    OuterSet set = OuterSetOf(options.mediaDir, *marker);
-    if (set.id.empty()) {
-        TraceWarning(options, "Cannot open " + marker->fileName + " in " + marker->folder.Text());
+    std::optional<OuterSet> set = NearestOuterSet(options.mediaDir);
+    if (!set) return std::nullopt;
+    if (set->id.empty()) {
+        TraceWarning(options, "Cannot open " + set->marker + " in " + set->folder.Text());
         Trace(options, "Please make sure you copied and/or extracted everything properly.");
         return std::nullopt;
     }
-    media.tell(kMtbDirVar, set.id);
-    Trace(options, "AM volume " + Decimal(set.first) + " found in: " + set.folder.Text());
-    media.tell(kFirstOuterVolumeVar, Decimal(set.first));
-    media.tell(kFirstOuterPathVar, set.folder.Text());
-    media.tell(kOuterRelativePathVar, set.relativePath.Text());
+    media.tell(kMtbDirVar, set->id);
+    Trace(options, "AM volume " + Decimal(set->first) + " found in: " + set->folder.Text());
+    media.tell(kFirstOuterVolumeVar, Decimal(set->first));
+    media.tell(kFirstOuterPathVar, set->folder.Text());
+    media.tell(kOuterRelativePathVar, set->relativePath.Text());
     return set;
 }
 
@@ -170,17 +167,11 @@ void SearchLayouts(const SplitMedia& media, FoundVolumes& found) {
     if (found.outer) Settles(OuterPass(media, *found.outer), VolumeLayout::Outer, media, found);
 }
 
-CopySkipped WhyNotSearched(const LaunchOptions& options) {
-    if (options.softMgt) return CopySkipped::BySoftMgt;
-    if (!GetEnvVar(kRepositoryVar).empty()) return CopySkipped::ByRepository;
-    return CopySkipped::No;
-}
-
 }  // namespace
 
-OuterSet OuterSetOf(const Path& mediaDir, const OuterMarker& marker) {
-    return {marker.number, ReadMtbDir(marker.File().Text()), marker.folder,
-            RelativePath(Parent(mediaDir), marker.folder)};
+OuterSet OuterSetOf(const Path& mediaDir, const Path& folder, const std::string& marker) {
+    return {OuterMarkerNumber(marker), marker, ReadMtbDir(Join(folder, marker).Text()), folder,
+            RelativePath(Parent(mediaDir), folder)};
 }
 
 Path OuterVolumeFolder(const OuterSet& set, VolumeNumber outer) {
@@ -192,11 +183,10 @@ Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume) {
                 {set.relativePath.Text(), Decimal(volume)});
 }
 
-FoundVolumes FindVolumes(const LaunchOptions& options, TellVariable tell) {
+FoundVolumes FindVolumes(const LaunchOptions& options, bool mayLook, TellVariable tell) {
     FoundVolumes found;
     const std::string countFile = CountFileIn(options.mediaDir).Text();
-    found.notSearched = WhyNotSearched(options);
-    const bool isSearched = PathExists(countFile) && found.notSearched == CopySkipped::No;
+    const bool isSearched = PathExists(countFile) && mayLook;
     if (isSearched) found.count = ReadVolumeCount(countFile);
     if (!isSearched || (found.count && found.count->count < 2)) {
         found.layout = VolumeLayout::NotSplit;

@@ -10,11 +10,7 @@
 
 namespace launcher {
 
-enum class CopySkipped : int;
 class LaunchOptions;
-
-// While it is set, volumes are not searched for. The misspelt name is part of the interface.
-inline constexpr char kRepositoryVar[] = "ZEP_Online_Installation_Caf_Repositiory";
 
 // How the volumes of a medium lie.
 enum class VolumeLayout {
@@ -25,26 +21,19 @@ enum class VolumeLayout {
     Incomplete,  // not found: some are missing or foreign, or nobody can tell how many there are
 };
 
-// The marker of an outer volume, in an ancestor of volume 1's folder.
-struct OuterMarker {
-    VolumeNumber number;
-    std::string fileName;
-    Path folder;
-
-    Path File() const { return Join(folder, fileName); }
-};
-
 // The outer set that a medium is nested in ("AM" in messages and variables).
 struct OuterSet {
     VolumeNumber first;  // the outer volume that holds volume 1
-    std::string id;
-    Path folder;        // of that outer volume
-    Path relativePath;  // from there to the parent of volume 1's folder
+    std::string marker;  // the file name of its marker
+    std::string id;      // empty when the marker has none
+    Path folder;         // of that outer volume
+    Path relativePath;   // from there to the parent of volume 1's folder
+
+    Path MarkerFile() const { return Join(folder, marker); }
 };
 
-// The set that the outer volume with this marker belongs to; its `id` is empty when the marker has
-// none.
-OuterSet OuterSetOf(const Path& mediaDir, const OuterMarker& marker);
+// The set of the outer volume in `folder`, an ancestor of volume 1's, that has this marker.
+OuterSet OuterSetOf(const Path& mediaDir, const Path& folder, const std::string& marker);
 
 // Where the search expects an outer volume, and in one of them the volume `volume` of the media.
 Path OuterVolumeFolder(const OuterSet& set, VolumeNumber outer);
@@ -52,7 +41,6 @@ Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume);
 
 // What a search for the volumes of a medium found, as far as it came.
 struct FoundVolumes {
-    CopySkipped notSearched{};  // what forbids the search, when something does
     VolumeLayout layout = VolumeLayout::Incomplete;
     std::optional<VolumeCount> count;  // nothing when "volumes.txt" was not read
     std::string id;                    // of a split medium, from the marker of volume 1
@@ -73,7 +61,8 @@ using TellVariable = void (*)(const std::string& name, const std::string& value)
 
 // Searches for the volumes of the media in `mediaDir`, the folder of volume 1. What it finds, and
 // what is wrong, is traced, and `tell` gets each variable as soon as it is known, between these
-// messages; nothing else is changed. Throws nothing.
-FoundVolumes FindVolumes(const LaunchOptions& options, TellVariable tell);
+// messages; nothing else is changed. Unless it `mayLook`, the medium counts as one in one piece.
+// Throws nothing.
+FoundVolumes FindVolumes(const LaunchOptions& options, bool mayLook, TellVariable tell);
 
 }  // namespace launcher

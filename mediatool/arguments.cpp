@@ -23,15 +23,6 @@ bool IsHelpCommand(const std::string& word) {
     return word == "help" || word == "/help";
 }
 
-// "a, b and c", with these between them.
-std::string Listed(const std::vector<std::string>& names, const std::string& comma,
-                   const std::string& last) {
-    std::string list;
-    for (std::size_t i = 0; i < names.size(); ++i)
-        list += (i == 0 ? "" : i + 1 < names.size() ? comma : last) + names[i];
-    return list;
-}
-
 // How many characters have to be put in, left out or replaced, or to change places with their
 // neighbours, to come from one to the other.
 std::size_t Distance(const std::string& from, const std::string& to) {

@@ -14,10 +14,9 @@
 #include "mediatool/base/sentences.h"
 #include "mediatool/create_command.h"
 #include "mediatool/dry_run/dry_run.h"
-#include "mediatool/dry_run/report.h"
 #include "mediatool/run/command.h"
 #include "mediatool/validate/findings.h"
-#include "mediatool/validate/report.h"
+#include "mediatool/validate/validate.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -45,14 +44,13 @@ struct ValidateCommand {
 
     int Run() {
         Progress line;
-        ValidateRequest watched = request;
-        watched.progress = [&line](std::size_t count) {
+        request.progress = [&line](std::size_t count) {
             line.Show("Entries looked at: " + std::to_string(count));
         };
-        watched.verifying = ShownOn(line);
-        watched.content = !noContent;
-        if (command->count("--temp") > 0) watched.temp = temp;
-        const Validation validation = Validate(watched);
+        request.verifying = ShownOn(line);
+        request.content = !noContent;
+        if (command->count("--temp") > 0) request.temp = temp;
+        const Validation validation = Validate(request);
         line.Clear();
         PrintOut(json ? Printed(JsonOf(validation)) : TextOf(validation));
         return validation.IsClean() ? kSuccess : kFailure;

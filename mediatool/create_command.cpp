@@ -9,7 +9,7 @@
 #include "mediatool/base/failures.h"
 #include "mediatool/base/json.h"
 #include "mediatool/commands.h"
-#include "mediatool/create/report.h"
+#include "mediatool/create/create.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -37,7 +37,7 @@ CreateCommand::CreateCommand(CLI::App& app)
         ->check(OneOf({"one-folder", "siblings", "outer"}));
     command->add_option("--volumes", volumes_, "How many volumes: 1 to 99.")->required();
     MayBeGivenAgain(command->add_option(
-                        "--from", from_,
+                        "--from", request_.from,
                         "A folder with the content of a volume, once for each, volume 1 first."))
         ->type_name("FOLDER");
     ofOuter_ = {
@@ -60,7 +60,6 @@ CreateCommand::CreateCommand(CLI::App& app)
 }
 
 int CreateCommand::Run() {
-    request_.from = from_;
     request_.layout = kLayouts.at(layout_);
     request_.volumes = NumberGiven("--volumes", volumes_);
     for (const CLI::Option* option : ofOuter_)
@@ -70,9 +69,8 @@ int CreateCommand::Run() {
     if (ofOuter_.front()->count() > 0 && request_.outerId.empty())
         throw BadInput("--outer-id is empty.");
     Progress line;
-    CreateRequest watched = request_;
-    watched.progress = ShownOn(line);
-    const Creation creation = Create(watched);
+    request_.progress = ShownOn(line);
+    const Creation creation = Create(request_);
     line.Clear();
     if (request_.isDry) {
         PrintOut(json_ ? Printed(JsonOfDry(creation, request_)) : TextOfDry(creation));
@@ -97,9 +95,8 @@ ChecksumCommand::ChecksumCommand(CLI::App& app)
 
 int ChecksumCommand::Run() {
     Progress line;
-    ChecksumRequest watched = request_;
-    watched.progress = ShownOn(line);
-    const Checksums checksums = WriteChecksums(watched);
+    request_.progress = ShownOn(line);
+    const Checksums checksums = WriteChecksums(request_);
     line.Clear();
     PrintOut(json_ ? Printed(JsonOf(checksums)) : TextOf(checksums));
     return kSuccess;

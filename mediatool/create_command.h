@@ -26,7 +26,6 @@ class CreateCommand {
     std::string volumes_;
     std::string firstOuter_;
     std::vector<const CLI::Option*> ofOuter_;  // the options of that layout
-    std::vector<std::string> from_;
     bool json_ = false;
 };
 

@@ -4,31 +4,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 
 #include "fs/encoding.h"
 #include "fs/text.h"
 #include "launcher/base/message.h"
 
 namespace launcher {
-namespace {
-
-constexpr char kBlankPrefix[] = "       ";
-
-std::string Prefix(Severity severity) {
-    switch (severity) {
-        case Severity::Info:
-            return " INFO: ";
-        case Severity::Warning:
-            return " WARN: ";
-        case Severity::Error:
-            return "ERROR: ";
-        case Severity::Plain:
-            break;
-    }
-    return kBlankPrefix;
-}
-
-}  // namespace
 
 void ShowBox(const std::string& text, Severity) {
     // Deliberate: the error icon whatever the severity.
@@ -36,8 +18,9 @@ void ShowBox(const std::string& text, Severity) {
 }
 
 void WriteConsoleLine(const std::string& text, Severity severity, bool toErrors) {
-    std::string line = Prefix(severity) + text;
-    ReplaceAll(line, "\n", std::string("\n") + kBlankPrefix, 0);
+    const auto level = static_cast<std::size_t>(severity);
+    std::string line = kLinePrefixes[level < std::size(kLinePrefixes) ? level : 0] + text;
+    ReplaceAll(line, "\n", std::string("\n") + kLinePrefixes[0], 0);
     std::FILE* const stream = toErrors ? stderr : stdout;
     std::fwrite(line.data(), 1, line.size(), stream);
     std::fputc('\n', stream);

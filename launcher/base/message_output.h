@@ -14,6 +14,10 @@ enum class Severity : std::uint32_t;
 // https://learn.microsoft.com/windows/win32/api/winuser/nf-winuser-messageboxw
 void ShowBox(const std::string& text, Severity severity);
 
+// What a line on the console begins with, by its severity; further lines of a text begin as a plain
+// one does.
+inline constexpr const char* kLinePrefixes[] = {"       ", " INFO: ", " WARN: ", "ERROR: "};
+
 // `text` (UTF-8) as a line on the standard error stream or the standard output, flushed: the
 // severity in front, further lines of the text indented to stand under its first.
 void WriteConsoleLine(const std::string& text, Severity severity, bool toErrors);

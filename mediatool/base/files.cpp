@@ -8,7 +8,7 @@
 
 #include "fs/encoding.h"
 #include "fs/exceptions.h"
-#include "fs/owners.h"
+#include "fs/open_file.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/sentences.h"
 
@@ -29,16 +29,16 @@ Entry EntryFrom(std::string name, const Data& data) {
     return entry;
 }
 
-bool IsDotEntry(const Entry& entry) {
-    return entry.name == "." || entry.name == "..";
-}
-
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
 // A file or folder, links followed, to be asked about and not read.
 FileHandle OpenToAsk(const std::string& path) {
-    return FileHandle(CreateFileW(Extended(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
-                                  FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    return OpenForAttributes(Extended(path));
+}
+
+// A file, also while others are about to delete it.
+FileHandle OpenToRead(const std::string& path, DWORD flags = FILE_ATTRIBUTE_NORMAL) {
+    return FileHandle(CreateFileW(Extended(path).c_str(), GENERIC_READ,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, flags, nullptr));
 }
 
 }  // namespace
@@ -108,7 +108,7 @@ std::optional<std::vector<Entry>> List(const Path& folder) {
     if (!search) return std::nullopt;
     do {
         Entry entry = EntryFrom(ToNarrow(data.cFileName), data);
-        if (!IsDotEntry(entry)) entries.push_back(std::move(entry));
+        if (entry.name != "." && entry.name != "..") entries.push_back(std::move(entry));
     } while (FindNextFileW(search.Get(), &data));
     const DWORD end = GetLastError();
     search = FindHandle();
@@ -123,8 +123,7 @@ std::vector<Entry> EntriesOf(const Path& folder) {
 }
 
 std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
-    const FileHandle file(CreateFileW(Extended(path.Text()).c_str(), GENERIC_READ, kShareAll,
-                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const FileHandle file = OpenToRead(path.Text());
     if (!file) return std::nullopt;
     std::string bytes(limit, '\0');
     DWORD count = 0;
@@ -137,9 +136,7 @@ std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
 void ReadWhole(const Path& file, const std::function<void(std::string_view)>& take,
                const std::string& what) {
     constexpr DWORD kPiece = 256 * 1024;  // bytes
-    const FileHandle handle(CreateFileW(Extended(file.Text()).c_str(), GENERIC_READ, kShareAll,
-                                        nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
-                                        nullptr));
+    const FileHandle handle = OpenToRead(file.Text(), FILE_FLAG_SEQUENTIAL_SCAN);
     if (!handle) RefuseFor(file, what);
     const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
     for (DWORD count = 0;;) {
@@ -150,9 +147,7 @@ void ReadWhole(const Path& file, const std::function<void(std::string_view)>& ta
 }
 
 bool CanBeRead(const std::string& path) {
-    const FileHandle file(CreateFileW(Extended(path).c_str(), GENERIC_READ, kShareAll, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    return static_cast<bool>(file);
+    return static_cast<bool>(OpenToRead(path));
 }
 
 // A new file takes the place of another by a rename, which fails while anybody has the other open.
@@ -206,13 +201,26 @@ std::string LastErrorText() {
     return ErrorText(GetLastError());
 }
 
-void RefuseFor(const Path& path, const std::string& what) {
+std::string WhyNot(const Path& path, const std::string& what) {
     const std::string reason = LastErrorText();
-    throw Refused(Quoted(path) + " cannot be " + what + ": " + reason + ".");
+    return Quoted(path) + " cannot be " + what + ": " + reason + ".";
+}
+
+void RefuseFor(const Path& path, const std::string& what) {
+    throw Refused(WhyNot(path, what));
 }
 
 std::size_t WideLength(const std::string& text) {
     return ToWide(text).size();
+}
+
+bool AreLongPathsEnabled() {
+    DWORD enabled = 0;
+    DWORD size = sizeof enabled;
+    return RegGetValueW(HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control\\FileSystem",
+                        L"LongPathsEnabled", RRF_RT_REG_DWORD, nullptr, &enabled,
+                        &size) == ERROR_SUCCESS &&
+           enabled == 1;
 }
 
 bool SameName(const std::string& left, const std::string& right) {

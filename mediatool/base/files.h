@@ -82,7 +82,8 @@ Path FinalPath(const Path& path);
 std::string ErrorText(std::uint32_t error);
 std::string LastErrorText();
 
-// Throws Refused for the system's last error: "PATH cannot be WHAT: the error."
+// For the system's last error: "PATH cannot be WHAT: the error." The second throws Refused with it.
+std::string WhyNot(const Path& path, const std::string& what);
 [[noreturn]] void RefuseFor(const Path& path, const std::string& what);
 
 // The number of UTF-16 code units of a text: what Windows counts a path's length in.
@@ -92,6 +93,11 @@ inline constexpr std::size_t kLongestPath = 259;
 inline constexpr std::size_t kLongestFolder = 247;  // of a new folder: room for a short file name
 // Likewise, of a command line.
 inline constexpr std::size_t kLongestCommandLine = 32766;
+
+// Whether this machine lets programs that ask for it, as the launcher does, use longer paths:
+// Windows 10 and 11 with "LongPathsEnabled" in their registry.
+// https://learn.microsoft.com/windows/win32/fileio/maximum-file-path-limitation
+bool AreLongPathsEnabled();
 
 // Without regard to case, as Windows compares names.
 bool SameName(const std::string& left, const std::string& right);

@@ -1,7 +1,14 @@
 #include "mediatool/base/sentences.h"
 
+#include <windows.h>
+// windows.h first: the shell headers need it.
+#include <shellapi.h>
+
 #include <algorithm>
 #include <utility>
+
+#include "fs/encoding.h"
+#include "fs/owners.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -83,6 +90,15 @@ std::string QuotedArgument(const std::string& argument) {
     return text.append(backslashes, '\\') + "\"";
 }
 
+std::vector<std::string> ArgumentsIn(const std::wstring& commandLine) {
+    int count = 0;
+    const LocalMemory<wchar_t*> split(CommandLineToArgvW(commandLine.c_str(), &count));
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; ++i)
+        arguments.push_back(ToNarrow(split.Get()[i]));
+    return arguments;
+}
+
 std::string ExplainQuoteIn(const std::string& text, std::size_t quote) {
     return text.substr(0, quote + 1) +
            "... has a quote in it: a backslash before the closing quote, as in \"" +
@@ -114,6 +130,14 @@ std::string OnOneLine(std::string text) {
 
 std::string Counted(std::size_t count, const std::string& what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+std::string Listed(const std::vector<std::string>& names, const std::string& comma,
+                   const std::string& last) {
+    std::string list;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        list += (i == 0 ? "" : i + 1 < names.size() ? comma : last) + names[i];
+    return list;
 }
 
 }  // namespace launcher::mediatool

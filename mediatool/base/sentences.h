@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "fs/path.h"
 
@@ -18,6 +19,10 @@ std::string Quoted(const Path& path);
 // In double quotes, so that CommandLineToArgvW reads exactly this again.
 // https://learn.microsoft.com/windows/win32/api/shellapi/nf-shellapi-commandlinetoargvw
 std::string QuotedArgument(const std::string& argument);
+
+// The arguments of a command line without the program, as the launcher splits its own: the C
+// runtime may expand wildcards and has other ideas of quotes. None when it cannot be split.
+std::vector<std::string> ArgumentsIn(const std::wstring& commandLine);
 
 // Of a text with a quote at that place, which a backslash in front has made a part of it.
 std::string ExplainQuoteIn(const std::string& text, std::size_t quote);
@@ -36,7 +41,17 @@ std::string Harmless(const std::string& text, std::string_view kept = "\t\n");
 // The same for a sentence: without line ends at its end, and with LF as well.
 std::string OnOneLine(std::string text);
 
+// One of the names of an enumeration's values, which stand in its order.
+template <class Enum, std::size_t Size>
+const char* NameIn(const char* const (&names)[Size], Enum value) {
+    return names[static_cast<std::size_t>(value)];
+}
+
 // "1 file", "3 files"
 std::string Counted(std::size_t count, const std::string& what);
+
+// "a, b and c", with these between them.
+std::string Listed(const std::vector<std::string>& names, const std::string& comma,
+                   const std::string& last);
 
 }  // namespace launcher::mediatool

@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 
-#include "mediatool/base/owners.h"
 #include "platform/libraries.h"
 
 namespace launcher::mediatool {
@@ -46,26 +45,20 @@ const Cryptography& TheCryptography() {
     return cryptography;
 }
 
-struct Sha256::State {
-    HashHandle hash;
-};
-
 // Since Windows 7 the system itself finds the memory for a hash.
-Sha256::Sha256() : state_(std::make_unique<State>()) {
-    Check(TheCryptography().createHash(Provider(), state_->hash.Put(), nullptr, 0, nullptr, 0, 0));
+Sha256::Sha256() {
+    Check(TheCryptography().createHash(Provider(), hash_.Put(), nullptr, 0, nullptr, 0, 0));
 }
-Sha256::~Sha256() = default;
 
 void Sha256::Add(std::string_view bytes) {
     auto* const data = reinterpret_cast<PUCHAR>(const_cast<char*>(bytes.data()));
-    Check(
-        TheCryptography().hashData(state_->hash.Get(), data, static_cast<ULONG>(bytes.size()), 0));
+    Check(TheCryptography().hashData(hash_.Get(), data, static_cast<ULONG>(bytes.size()), 0));
 }
 
 std::string Sha256::Digits() {
     constexpr char kDigits[] = "0123456789abcdef";
     unsigned char bytes[kHashSize] = {};
-    Check(TheCryptography().finishHash(state_->hash.Get(), bytes, kHashSize, 0));
+    Check(TheCryptography().finishHash(hash_.Get(), bytes, kHashSize, 0));
     std::string text;
     for (const unsigned char byte : bytes)
         text += {kDigits[byte >> 4], kDigits[byte & 15]};

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
+
+#include "mediatool/base/owners.h"
 
 namespace launcher::mediatool {
 
@@ -12,17 +12,13 @@ namespace launcher::mediatool {
 class Sha256 {
   public:
     Sha256();
-    Sha256(const Sha256&) = delete;
-    Sha256& operator=(const Sha256&) = delete;
-    ~Sha256();
 
     void Add(std::string_view bytes);
     // Of all that was added, as 64 hexadecimal digits in lower case. To be asked once.
     std::string Digits();
 
   private:
-    struct State;
-    std::unique_ptr<State> state_;
+    HashHandle hash_;
 };
 
 }  // namespace launcher::mediatool

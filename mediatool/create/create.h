@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "mediatool/base/amounts.h"
+#include "mediatool/base/json.h"
 #include "mediatool/media/launcher_view.h"
 
 namespace launcher::mediatool {
@@ -58,6 +59,12 @@ struct Creation {
 // request goes on from there. A marker of another set that would spoil this one is in the way even
 // when files may be written over.
 Creation Create(const CreateRequest& request);
+
+// What it has done, and of a dry request what it would do, for people and for programs.
+std::string TextOf(const Creation& creation);
+Json JsonOf(const Creation& creation, const CreateRequest& request);
+std::string TextOfDry(const Creation& creation);
+Json JsonOfDry(const Creation& creation, const CreateRequest& request);
 
 // What is left to do before it is a medium, as lines of text; empty when nothing is.
 std::string NextStep(const Creation& creation);

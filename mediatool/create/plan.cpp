@@ -116,10 +116,7 @@ class Content {
 
     void Copy(const Path& source, const Path& destination) {
         const auto entries = List(source);
-        if (!entries) {
-            const std::string reason = LastErrorText();
-            throw BadInput(Quoted(source) + " cannot be listed: " + reason + ".");
-        }
+        if (!entries) throw BadInput(WhyNot(source, "listed"));
         if (entries->empty()) plan_.emptyFolders.push_back(destination);
         for (const Entry& entry : *entries) {
             const Path from = Join(source, entry.name);

@@ -1,4 +1,4 @@
-#include "mediatool/create/report.h"
+#include "mediatool/create/create.h"
 
 #include <map>
 #include <nlohmann/json.hpp>

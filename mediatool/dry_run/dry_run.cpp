@@ -1,16 +1,11 @@
 #include "mediatool/dry_run/dry_run.h"
 
-#include <windows.h>
-// windows.h first: the shell headers need it.
-#include <shellapi.h>
-
 #include <algorithm>
 #include <exception>
 #include <map>
 
 #include "fs/encoding.h"
 #include "fs/environment.h"
-#include "fs/owners.h"
 #include "fs/text.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
@@ -20,8 +15,7 @@
 #include "launcher/temporary_copy.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
-#include "mediatool/base/long_paths.h"
-#include "mediatool/dry_run/hints.h"
+#include "mediatool/base/sentences.h"
 #include "mediatool/media/media_set.h"
 #include "mediatool/media/program_file.h"
 
@@ -63,28 +57,9 @@ int Rehearse(const DryRunRequest& request, Rehearsal& rehearsal, LauncherState& 
     }
 }
 
-std::vector<std::string> ArgumentsOf(const std::string& commandLine) {
-    int count = 0;
-    const LocalMemory<wchar_t*> split(CommandLineToArgvW(ToWide(commandLine).c_str(), &count));
-    std::vector<std::string> arguments;
-    for (int i = 1; i < count; ++i)
-        arguments.push_back(ToNarrow(split.Get()[i]));
-    return arguments;
-}
-
 std::string OriginName(InstallerOrigin origin) {
-    switch (origin) {
-        case InstallerOrigin::Option:
-            return "-installerPath";
-        case InstallerOrigin::Variable:
-            return kInstallerFolderVar;
-        case InstallerOrigin::Dialog:
-            return "folder-dialog";
-        case InstallerOrigin::CurrentMedia:
-        case InstallerOrigin::None:
-            break;
-    }
-    return "current-media";
+    return NameIn({"", "current-media", "-installerPath", kInstallerFolderVar, "folder-dialog"},
+                  origin);
 }
 
 bool HasInstaller(const LauncherState& state) {
@@ -119,19 +94,12 @@ bool AreVolumesSearched(CopySkipped reason) {
 }
 
 std::string SkippedText(CopySkipped reason) {
-    switch (reason) {
-        case CopySkipped::BySoftMgt:
-            return "Software management runs the installer from where it is.";
-        case CopySkipped::ByRepository:
-            return "ZEP_Online_Installation_Caf_Repositiory is set.";
-        case CopySkipped::NotSplit:
-            return "The medium is not split.";
-        case CopySkipped::Complete:
-            return "All volumes are there.";
-        case CopySkipped::No:
-            break;
-    }
-    return "The option --mgt, --uninst or --pipeserver runs the installer from where it is.";
+    return NameIn(
+        {"The option --mgt, --uninst or --pipeserver runs the installer from where it is.",
+         "Software management runs the installer from where it is.",
+         "ZEP_Online_Installation_Caf_Repositiory is set.", "The medium is not split.",
+         "All volumes are there."},
+        reason);
 }
 
 // For the variables as they were during the run.
@@ -202,15 +170,13 @@ void WriteDownRun(DryRun& run, const Rehearsal& rehearsal, const LauncherState& 
     run.started = run.journal.commandLine.has_value();
     run.showsCommandLine = run.started && IsCommandLineOnlyShown();
     run.exitCodeIsInstallers = run.journal.waited;
-    if (run.started) run.installerArguments = ArgumentsOf(*run.journal.commandLine);
+    if (run.started) run.installerArguments = ArgumentsIn(ToWide(*run.journal.commandLine));
     run.copy = DecisionOf(state);
     if (!HasInstaller(state)) return;  // the search for volumes comes next
     run.countsVolumes = IsVolumeCountAskedFor();
     run.installer = InstallerOf(*state.options);
     run.volumesChecked = AreVolumesSearched(state.options->copySkipped);
-    const Environment after = CurrentEnvironment();
     run.volumes = ViewOf(state.media);
-    RestoreEnvironment(after);
 }
 
 // Of another Windows, nobody knows whether it takes long paths.

@@ -5,11 +5,15 @@
 #include <utility>
 #include <vector>
 
+#include "mediatool/base/json.h"
 #include "mediatool/dry_run/environment.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
 #include "mediatool/dry_run/variables.h"
-#include "mediatool/dry_run/verdict.h"
 #include "mediatool/media/launcher_view.h"
+
+namespace launcher {
+class LaunchOptions;
+}
 
 namespace launcher::mediatool {
 
@@ -35,6 +39,13 @@ struct ChosenInstaller {
 struct CopyDecision {
     bool made = false;
     std::string reason;  // a sentence
+};
+
+// What a run comes to that nobody watches.
+enum class Verdict {
+    Starts,   // the installer, without waiting for anybody
+    Waits,    // in a box, the folder dialog or a console, and would start it then
+    Refused,  // does not start it; mostly after a box
 };
 
 // Everything about one rehearsed run.
@@ -75,5 +86,21 @@ struct DryRun {
 // Rehearses one run of the launcher in this process, whose environment is the same afterwards.
 // Throws BadInput.
 DryRun RunDry(const DryRunRequest& request);
+
+Verdict VerdictOf(const DryRun& run);
+// In one line, with the cause and what to do about it. The causes and remedies of messages are
+// those of docs/messages.md.
+std::string SummaryOf(const DryRun& run);
+// What may be a slip although the run does as it is told, each as a sentence. `options` are those
+// of the run, for its arguments; null after a bad command line.
+std::vector<std::string> HintsOf(const DryRun& run, const LaunchOptions* options);
+
+// As it is written in outputs: "starts", "waits", "refused".
+std::string VerdictName(Verdict verdict);
+
+// The outputs, for people and for programs. With `everything`, all that was looked for, every
+// variable and every copied file.
+std::string TextOf(const DryRun& run, bool everything);
+Json JsonOf(const DryRun& run);
 
 }  // namespace launcher::mediatool

@@ -1,5 +1,3 @@
-#include "mediatool/dry_run/hints.h"
-
 #include <windows.h>
 
 #include <algorithm>

@@ -1,7 +1,8 @@
 #include <nlohmann/json.hpp>
 
 #include "launcher/base/message.h"
-#include "mediatool/dry_run/report.h"
+#include "mediatool/base/sentences.h"
+#include "mediatool/dry_run/dry_run.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -12,17 +13,7 @@ Json OrNull(const std::optional<T>& value) {
 }
 
 const char* SeverityName(Severity severity) {
-    switch (severity) {
-        case Severity::Info:
-            return "info";
-        case Severity::Warning:
-            return "warning";
-        case Severity::Error:
-            return "error";
-        case Severity::Plain:
-            break;
-    }
-    return "plain";
+    return NameIn({"plain", "info", "warning", "error"}, severity);
 }
 
 Json MessagesOf(const DryRun& run) {
@@ -71,10 +62,9 @@ Json InstallerOf(const DryRun& run) {
 
 Json VolumesOf(const DryRun& run) {
     if (!run.volumes) return nullptr;
-    const LauncherView& volumes = *run.volumes;
-    return {{"count", volumes.count ? Json(volumes.count->count) : Json()},
-            {"layout", run.volumesChecked ? LayoutName(volumes.layout) : "not-checked"},
-            {"folders", volumes.folders}};
+    Json json = JsonOf(*run.volumes);
+    if (!run.volumesChecked) json["layout"] = "not-checked";
+    return json;
 }
 
 Json CopyOf(const DryRun& run) {

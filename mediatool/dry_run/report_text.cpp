@@ -3,7 +3,7 @@
 #include "media/folder_names.h"
 #include "mediatool/base/console.h"
 #include "mediatool/base/sentences.h"
-#include "mediatool/dry_run/report.h"
+#include "mediatool/dry_run/dry_run.h"
 
 namespace launcher::mediatool {
 namespace {

@@ -1,5 +1,3 @@
-#include "mediatool/dry_run/verdict.h"
-
 #include <algorithm>
 
 #include "launcher/base/message.h"
@@ -114,15 +112,7 @@ Verdict VerdictOf(const DryRun& run) {
 }
 
 std::string VerdictName(Verdict verdict) {
-    switch (verdict) {
-        case Verdict::Starts:
-            return "starts";
-        case Verdict::Waits:
-            return "waits";
-        case Verdict::Refused:
-            break;
-    }
-    return "refused";
+    return NameIn({"starts", "waits", "refused"}, verdict);
 }
 
 std::string SummaryOf(const DryRun& run) {

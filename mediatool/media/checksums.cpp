@@ -16,45 +16,28 @@ bool IsSystemFolder(const std::string& name) {
     return SameName(name, "System Volume Information") || SameName(name, "$RECYCLE.BIN");
 }
 
-class Walk {
-  public:
-    Walk(const Path& volume, const std::vector<Path>& volumes,
-         const std::function<void(const Path&)>& unlisted)
-        : volumes_(volumes), unlisted_(unlisted) {
-        Visit(volume, "");
+// The name of a file below the volume's root, or at it.
+bool IsListed(const std::string& name, bool atRoot) {
+    if (SameName(name, kUnfinishedFile)) return false;
+    return !atRoot || (!SameName(name, kChecksumsName) && !SameName(name, kUnfinishedMark));
+}
+
+// `prefix` is the folder's name in the list, with a "/" at the end.
+void AddFiles(const Path& folder, const std::string& prefix, const std::vector<Path>& volumes,
+              const std::function<void(const Path&)>& unlisted, SizesByName& files) {
+    const auto entries = List(folder);
+    if (!entries) return unlisted(folder);
+    const auto isOfVolume = [&](const std::string& name) {
+        const bool isSystems = IsEmpty(Parent(folder)) && IsSystemFolder(name);
+        return !isSystems && !IsAmong(Join(folder, name), volumes);
+    };
+    for (const Entry& entry : *entries) {
+        if (!entry.isFolder && IsListed(entry.name, prefix.empty()))
+            files[prefix + entry.name] = entry.size;
+        else if (entry.isFolder && !entry.isLink && isOfVolume(entry.name))
+            AddFiles(Join(folder, entry.name), prefix + entry.name + "/", volumes, unlisted, files);
     }
-
-    SizesByName files;
-
-  private:
-    // `prefix` is the folder's name in the list, with a "/" at the end.
-    void Visit(const Path& folder, const std::string& prefix) {
-        const auto entries = List(folder);
-        if (!entries) {
-            unlisted_(folder);
-            return;
-        }
-        for (const Entry& entry : *entries) {
-            if (!entry.isFolder && IsListed(entry.name, prefix.empty()))
-                files[prefix + entry.name] = entry.size;
-            else if (entry.isFolder && !entry.isLink && IsOfVolume(folder, entry.name))
-                Visit(Join(folder, entry.name), prefix + entry.name + "/");
-        }
-    }
-
-    static bool IsListed(const std::string& name, bool atRoot) {
-        if (SameName(name, kUnfinishedFile)) return false;
-        return !atRoot || (!SameName(name, kChecksumsName) && !SameName(name, kUnfinishedMark));
-    }
-
-    bool IsOfVolume(const Path& parent, const std::string& name) const {
-        if (IsEmpty(Parent(parent)) && IsSystemFolder(name)) return false;
-        return !IsAmong(Join(parent, name), volumes_);
-    }
-
-    const std::vector<Path>& volumes_;
-    const std::function<void(const Path&)>& unlisted_;
-};
+}
 
 std::string Unescaped(std::string_view name) {
     std::string text;
@@ -135,7 +118,9 @@ std::vector<Path> FoldersOf(const std::vector<Path>& given, const std::vector<st
 
 SizesByName FilesOfVolume(const Path& volume, const std::vector<Path>& volumes,
                           const std::function<void(const Path&)>& unlisted) {
-    return Walk(volume, volumes, unlisted).files;
+    SizesByName files;
+    AddFiles(volume, "", volumes, unlisted, files);
+    return files;
 }
 
 }  // namespace launcher::mediatool

@@ -2,11 +2,13 @@
 
 #include <windows.h>
 
+#include <nlohmann/json.hpp>
+
 #include "fs/encoding.h"
-#include "fs/environment.h"
 #include "launcher/base/launch_options.h"
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
+#include "mediatool/base/sentences.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -40,7 +42,7 @@ class Recording {
 FoundVolumes Search(const LaunchOptions& options, std::vector<AskedMarker>& asked) {
     const Recording recording(asked);
     try {
-        return FindVolumes(options, [](const std::string&, const std::string&) {});
+        return FindVolumes(options, true, [](const std::string&, const std::string&) {});
     } catch (const Endless&) {
         FoundVolumes found;
         found.count = ReadVolumeCount(CountFileIn(options.mediaDir).Text());
@@ -71,23 +73,16 @@ void WriteDownMarker(const std::string& path, const std::string& id) {
 }
 
 std::string LayoutName(Layout layout) {
-    switch (layout) {
-        case Layout::OneFolder:
-            return "one-folder";
-        case Layout::Siblings:
-            return "siblings";
-        case Layout::Outer:
-            return "outer";
-        case Layout::Incomplete:
-            return "incomplete";
-        case Layout::NotSplit:
-            break;
-    }
-    return "not-split";
+    return NameIn({"not-split", "one-folder", "siblings", "outer", "incomplete"}, layout);
+}
+
+Json JsonOf(const LauncherView& view) {
+    return {{"count", view.count ? Json(view.count->count) : Json()},
+            {"layout", LayoutName(view.layout)},
+            {"folders", view.folders}};
 }
 
 LauncherView ViewOf(const Path& media) {
-    SetEnvVar(kRepositoryVar, "");  // would switch the search off
     LaunchOptions options(0, nullptr, kInstallerName, false, false);
     options.mediaDir = media;
     LauncherView view;
@@ -100,7 +95,6 @@ LauncherView ViewOf(const Path& media) {
         view.folders.assign(static_cast<std::size_t>(found.count->count), media.Text());
     else if (view.layout != Layout::Incomplete)
         view.folders.insert(view.folders.end(), found.folders.begin(), found.folders.end());
-    view.copies = view.layout == Layout::Incomplete;
     return view;
 }
 

@@ -6,6 +6,7 @@
 
 #include "fs/path.h"
 #include "media/volume_search.h"
+#include "mediatool/base/json.h"
 
 namespace launcher::mediatool {
 
@@ -29,8 +30,14 @@ struct LauncherView {
     std::vector<std::string> folders;  // of the volumes found, volume 1 first; only volume 1's
                                        // while the set is not whole
     std::vector<AskedMarker> asked;    // all that it asked for, in that order
-    bool copies = false;               // it copies the installer before it starts it
+
+    // The launcher copies the installer before it starts it.
+    bool Copies() const { return layout == Layout::Incomplete; }
 };
+
+// As outputs for programs have it.
+Json JsonOf(const LauncherView& view);
+
 // A damaged count is not followed to its end in a folder that cannot be listed, where the launcher
 // asks for every number.
 LauncherView ViewOf(const Path& media);

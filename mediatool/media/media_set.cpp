@@ -14,15 +14,9 @@ namespace {
 Path CheckedFolder(const std::string& text) {
     Path folder = FullPath(text);
     if (IsEmpty(folder)) throw BadInput("\"" + text + "\" is no folder.");
-    if (!Look(folder)) {
-        const std::string reason = LastErrorText();
-        throw BadInput(Quoted(folder) + " cannot be opened: " + reason + ".");
-    }
+    if (!Look(folder)) throw BadInput(WhyNot(folder, "opened"));
     CheckIsNoFile(folder);
-    if (!List(folder)) {
-        const std::string reason = LastErrorText();
-        throw BadInput(Quoted(folder) + " cannot be listed: " + reason + ".");
-    }
+    if (!List(folder)) throw BadInput(WhyNot(folder, "listed"));
     return folder;
 }
 

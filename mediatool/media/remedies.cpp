@@ -2,16 +2,12 @@
 
 #include <algorithm>
 
+#include "mediatool/media/marker_bytes.h"
+
 namespace launcher::mediatool {
 namespace {
 
 constexpr std::string_view kAnything = "...";
-
-std::string_view WithoutBlanks(std::string_view text) {
-    const std::size_t start = text.find_first_not_of(" \r");
-    if (start == std::string_view::npos) return {};
-    return text.substr(start, text.find_last_not_of(" \r") + 1 - start);
-}
 
 // The parts between two of `border`, without those before the first and after the last.
 std::vector<std::string_view> Between(std::string_view text, char border) {
@@ -35,7 +31,7 @@ std::vector<std::string_view> CodeIn(std::string_view cell) {
 }
 
 std::string Plain(std::string_view cell) {
-    std::string text(cell);
+    std::string text = Trimmed(std::string(cell));
     std::erase(text, '`');
     return text;
 }
@@ -63,8 +59,7 @@ std::vector<Remedy> RemediesOn(std::string_view page) {
         page.remove_prefix(end + 1);
         if (cells.size() != 3) continue;
         for (const std::string_view message : CodeIn(cells[0]))
-            remedies.push_back({std::string(message), Plain(WithoutBlanks(cells[1])),
-                                Plain(WithoutBlanks(cells[2]))});
+            remedies.push_back({std::string(message), Plain(cells[1]), Plain(cells[2])});
     }
     return remedies;
 }

@@ -1,6 +1,5 @@
 #include "mediatool/run/command_line.h"
 
-#include "fs/environment.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/driver.h"
 #include "mediatool/base/files.h"
@@ -40,7 +39,7 @@ bool WaitsForInstaller(const std::vector<std::string>& arguments) {
 }
 
 bool AsksForVolumes(const std::vector<std::string>& arguments) {
-    bool asks = !GetEnvVar(kVolumesQuery).empty();
+    bool asks = IsVolumeCountAskedFor();
     ForEachOption(arguments, [&asks](const Option& option, const std::string& value) {
         if (option.name != std::string(kEnvOption)) return;
         const Assignment assignment = ParseAssignment(value);

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "mediatool/run/owners.h"
+#include "mediatool/base/owners.h"
 
 namespace launcher::mediatool {
 

@@ -1,8 +1,5 @@
 #include "mediatool/run/log_file.h"
 
-#include <windows.h>
-
-#include "fs/text.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/names.h"
@@ -41,26 +38,6 @@ void CheckLog(const Path& folder, const Path& launcher, const std::string& log) 
     if (IsSame(path, launcher) || LiesIn(path, folder) || LiesIn(FinalPath(path), folder))
         throw BadInput("The log " + Quoted(log) +
                        " lies in the media, which must stay as it is; give it another place.");
-}
-
-LogFile::LogFile(const std::string& path) {
-    const Path full = FullPath(path);
-    file_ = FileHandle(CreateFileW(Extended(full.Text()).c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
-                                   FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
-                                   FILE_ATTRIBUTE_NORMAL | FILE_FLAG_WRITE_THROUGH, nullptr));
-    if (file_) return;
-    const std::string reason = LastErrorText();
-    throw BadInput("The log " + Quoted(path) + " cannot be written: " + reason + ".");
-}
-
-bool LogFile::Add(const std::string& text) {
-    if (!file_) return true;
-    std::string lines = text;
-    ReplaceAll(lines, "\n", "\r\n", 0);
-    DWORD written = 0;
-    return WriteFile(file_.Get(), lines.data(), static_cast<DWORD>(lines.size()), &written,
-                     nullptr) &&
-           written == lines.size();
 }
 
 }  // namespace launcher::mediatool

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "mediatool/run/owners.h"
+#include "mediatool/base/owners.h"
 
 namespace launcher::mediatool {
 namespace {

@@ -9,6 +9,9 @@
 
 namespace launcher::mediatool {
 
+// Of what waits to be handed on: as much as is to be kept, in bytes.
+inline constexpr std::size_t kMostWaiting = 8 << 20;
+
 // Texts that a thread hands on, in their order: a screen, a disk or a caller that takes them
 // slowly, or not at all, does not stop whoever has them.
 class Outbox {

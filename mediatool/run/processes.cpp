@@ -6,8 +6,9 @@
 #include <cstddef>
 
 #include "fs/encoding.h"
+#include "fs/owners.h"
 #include "mediatool/run/moment.h"
-#include "mediatool/run/owners.h"
+#include "platform/libraries.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -31,7 +32,7 @@ struct CommandLineInformation {
 
 std::vector<ProcessEntry> RunningProcesses() {
     std::vector<ProcessEntry> processes;
-    const Snapshot snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    const FileHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof entry;
     for (BOOL more = Process32FirstW(snapshot.Get(), &entry); more;
@@ -45,9 +46,7 @@ std::vector<ProcessEntry> RunningProcesses() {
 std::string StartedWith(HANDLE process) {
     constexpr int kCommandLine = 60;
     using Query = LONG(NTAPI*)(HANDLE, int, void*, ULONG, ULONG*);
-    const HMODULE system = GetModuleHandleW(L"ntdll.dll");
-    const auto query = reinterpret_cast<Query>(
-        reinterpret_cast<void*>(GetProcAddress(system, "NtQueryInformationProcess")));
+    const auto query = ModuleFunction<Query>(L"ntdll.dll", "NtQueryInformationProcess");
     std::vector<CommandLineInformation> information(1);
     ULONG length = 0;
     if (query == nullptr || query(process, kCommandLine, information.data(),

@@ -1,36 +1,17 @@
 #include <nlohmann/json.hpp>
 
+#include "mediatool/base/sentences.h"
 #include "mediatool/run/report.h"
 
 namespace launcher::mediatool {
 namespace {
 
 const char* NameOf(Origin origin) {
-    switch (origin) {
-        case Origin::LauncherOutput:
-            return "output";
-        case Origin::LauncherErrors:
-            return "errors";
-        case Origin::InstallerOutput:
-            return "installer-output";
-        case Origin::InstallerErrors:
-            break;
-    }
-    return "installer-errors";
+    return NameIn({"output", "errors", "installer-output", "installer-errors"}, origin);
 }
 
 const char* NameOf(EndedBy endedBy) {
-    switch (endedBy) {
-        case EndedBy::Launcher:
-            return "launcher";
-        case EndedBy::TimeLimit:
-            return "time-limit";
-        case EndedBy::Interrupt:
-            return "interrupt";
-        case EndedBy::Failure:
-            break;
-    }
-    return "failure";
+    return NameIn({"launcher", "time-limit", "interrupt", "failure"}, endedBy);
 }
 
 Json JsonOf(const std::vector<AnsweredBox>& boxes) {

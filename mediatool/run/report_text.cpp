@@ -1,16 +1,16 @@
 #include <algorithm>
 #include <cstdint>
+#include <set>
 #include <utility>
 
-#include "fs/environment.h"
 #include "fs/text.h"
 #include "launcher/driver.h"
 #include "mediatool/base/console.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/media/remedies.h"
 #include "mediatool/run/command_line.h"
-#include "mediatool/run/launcher_line.h"
 #include "mediatool/run/report.h"
+#include "mediatool/run/streams.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -86,18 +86,6 @@ void AddBoxes(Summary& summary, const WatchedRun& run) {
         summary.Item(Harmless(WithoutLineEnds(box.box.text)));
 }
 
-struct Advice {
-    std::string message;  // its first line
-    std::string remedy;
-};
-
-void Advise(std::vector<Advice>& advice, const std::string& message) {
-    const std::string first = WithoutLineEnds(message.substr(0, message.find('\n')));
-    const auto remedy = RemedyFor(message);
-    if (remedy && !remedy->empty() && std::ranges::count(advice, first, &Advice::message) == 0)
-        advice.push_back({first, *remedy});
-}
-
 void AddAdvice(Summary& summary, const WatchedRun& run) {
     // In the order in which the messages came: what follows from a mistake comes after it.
     std::vector<std::pair<Moment, std::string>> messages;
@@ -107,13 +95,14 @@ void AddAdvice(Summary& summary, const WatchedRun& run) {
     for (const AnsweredBox& box : run.boxes)
         if (!box.box.dialog) messages.emplace_back(box.at, box.box.text);
     std::ranges::stable_sort(messages, {}, &std::pair<Moment, std::string>::first);
-    std::vector<Advice> advice;
-    for (const auto& [at, message] : messages)
-        Advise(advice, message);
-    if (!advice.empty()) summary.Heading("What to do");
-    for (const Advice& item : advice) {
-        summary.Item(Harmless(item.message));
-        summary.Item(item.remedy, 4);
+    std::set<std::string> told;  // first lines
+    for (const auto& [at, message] : messages) {
+        const std::string first = WithoutLineEnds(message.substr(0, message.find('\n')));
+        const std::string remedy = RemedyFor(message).value_or("");
+        if (remedy.empty() || !told.insert(first).second) continue;
+        if (told.size() == 1) summary.Heading("What to do");
+        summary.Item(Harmless(first));
+        summary.Item(remedy, 4);
     }
 }
 

@@ -19,16 +19,7 @@ constexpr std::size_t kSourceWidth = 11;
 constexpr std::size_t kClockWidth = 10;
 
 std::string SourceOf(Origin origin) {
-    switch (origin) {
-        case Origin::LauncherOutput:
-            return "output";
-        case Origin::LauncherErrors:
-            return "errors";
-        case Origin::InstallerOutput:
-        case Origin::InstallerErrors:
-            break;
-    }
-    return "installer";
+    return NameIn({"output", "errors", "installer", "installer"}, origin);
 }
 
 // Further lines of a text stand under its first.

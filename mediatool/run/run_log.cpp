@@ -2,33 +2,41 @@
 
 #include <atomic>
 
-#include "fs/exceptions.h"
+#include "fs/owners.h"
+#include "fs/text.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
-#include "mediatool/run/log_file.h"
 
 namespace launcher::mediatool {
-namespace {
-
-constexpr std::size_t kLogKeeps = 8 << 20;  // bytes
-
-}  // namespace
 
 struct RunLog::File {
-    LogFile file;
+    FileHandle handle;
     std::atomic<DWORD> error = ERROR_SUCCESS;  // after which nothing more is written
 
-    explicit File(const std::string& path) : file(path) {}
-
-    void Write(const std::string& text) {
-        if (error != ERROR_SUCCESS || file.Add(text)) return;
+    // The file gets CR LF.
+    void Write(std::string text) {
+        if (error != ERROR_SUCCESS) return;
+        ReplaceAll(text, "\n", "\r\n", 0);
+        DWORD written = 0;
+        if (WriteFile(handle.Get(), text.data(), static_cast<DWORD>(text.size()), &written,
+                      nullptr) &&
+            written == text.size())
+            return;
         const DWORD reason = GetLastError();
         error = reason != ERROR_SUCCESS ? reason : ERROR_WRITE_FAULT;
     }
 };
 
-RunLog::RunLog(const std::string& path) : name_(path), file_(std::make_shared<File>(path)) {}
+RunLog::RunLog(const std::string& path) : name_(path), file_(std::make_shared<File>()) {
+    file_->handle = FileHandle(
+        CreateFileW(Extended(FullPath(path).Text()).c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_WRITE_THROUGH, nullptr));
+    if (file_->handle) return;
+    const std::string reason = LastErrorText();
+    throw BadInput("The log " + Quoted(name_) + " cannot be written: " + reason + ".");
+}
 
 void RunLog::Begin(const std::string& heading) {
     outbox_.Add([file = file_](const std::string& text) { file->Write(text); }, heading + "\n");
@@ -52,7 +60,7 @@ void RunLog::Add(const std::string& lines) {
 }
 
 bool RunLog::IsFull() const {
-    return outbox_.Waiting() > kLogKeeps;
+    return outbox_.Waiting() > kMostWaiting;
 }
 
 std::optional<std::string> RunLog::NewFailure() {

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "mediatool/base/console.h"
 #include "mediatool/run/outbox.h"
 
 namespace launcher::mediatool {
@@ -14,14 +15,14 @@ class Screen {
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
     // Waits until all is written; gives up when nothing more is taken for ten seconds.
-    ~Screen();
+    ~Screen() { outbox_.Finish(); }
 
     // Neither waits.
-    void Out(const std::string& text);
-    void Error(const std::string& text);
+    void Out(const std::string& text) { outbox_.Add(&PrintOut, text); }
+    void Error(const std::string& text) { outbox_.Add(&PrintError, text); }
 
     // Whether as much waits to be written as is to be kept: what can be left out, should be.
-    bool IsFull() const;
+    bool IsFull() const { return outbox_.Waiting() > kMostWaiting; }
 
   private:
     Outbox outbox_;

@@ -1,11 +1,21 @@
 #include "mediatool/run/streams.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
-#include "mediatool/run/launcher_line.h"
+#include "launcher/base/message_output.h"
 
 namespace launcher::mediatool {
+
+bool LooksLikeLaunchers(const std::string& line) {
+    return std::ranges::any_of(
+        kLinePrefixes, [&line](const char* beginning) { return line.starts_with(beginning); });
+}
+
+std::string MessageOf(const std::string& line) {
+    return LooksLikeLaunchers(line) ? line.substr(std::strlen(kLinePrefixes[0])) : line;
+}
 
 std::vector<SeenLine> WatchedStream::TakeLines(bool installerIsThere) {
     if (installerIsThere) isInstallers_ = true;

@@ -7,6 +7,11 @@
 
 namespace launcher::mediatool {
 
+// Whether a line has the form of the launcher's own: a severity, or blanks in its place
+// (launcher/base/message_output.h), and the text. The second is that text.
+bool LooksLikeLaunchers(const std::string& line);
+std::string MessageOf(const std::string& line);
+
 // One standard stream of the launcher, which the installer inherits and writes to as well.
 //
 // Attribution: the launcher writes nothing after it has started the installer, and each of its

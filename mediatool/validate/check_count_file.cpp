@@ -48,7 +48,7 @@ void CheckLine(const Subject& subject, const Path& file, const std::string& line
     out.AddFirst({{count < 0, "count-file-negative"},
                   {count == 0, "count-file-zero"},
                   {count == 1, "count-file-one"},
-                  {count > kMostVolumes && subject.view.copies, "count-file-absurd"}},
+                  {count > kMostVolumes && subject.view.Copies(), "count-file-absurd"}},
                  file, {std::to_string(count)});
     CheckForm(file, line, hasLf, out);
 }

@@ -41,17 +41,13 @@ OtherName OtherNameIn(const Path& bin) {
     return other;
 }
 
-void ReportMisplaced(const Path& file, const std::string& osFolder, Findings& out) {
-    out.Add("installer-misplaced", file, {osFolder});
-}
-
 // A flavour's folder without the installer that its name promises. A marker says that the installer
 // is on a medium of its own: other programs may be in the folder then.
 void CheckWithout(const Subject& subject, const FlavourHere& flavour, Findings& out) {
     std::vector<Path> found;
     FindInstallers(Join(subject.Inst(), flavour.osFolder), found);
     if (!found.empty()) {
-        ReportMisplaced(found.front(), flavour.osFolder, out);
+        out.Add("installer-misplaced", found.front(), {flavour.osFolder});
         return;
     }
     const auto [other, isSure] = OtherNameIn(Parent(flavour.Exe()));
@@ -91,7 +87,7 @@ void CheckOtherFolders(const Subject& subject, bool anywhere, Findings& out) {
             FindInstallers(Join(subject.Inst(), name), found);
     }
     for (const Path& file : found)
-        ReportMisplaced(file, subject.flavours.front().osFolder, out);
+        out.Add("installer-misplaced", file, {subject.flavours.front().osFolder});
 }
 
 // Beside inst, or in it.
@@ -99,7 +95,7 @@ void CheckOutside(const Subject& subject, Findings& out) {
     const Path& media = subject.Media();
     const auto check = [&](const Path& folder, const std::string& osFolder) {
         if (const Path file = Join(folder, kInstallerName); IsFile(file))
-            ReportMisplaced(file, osFolder, out);
+            out.Add("installer-misplaced", file, {osFolder});
     };
     for (const Path& folder :
          {subject.Inst(), media, Join(media, kBinFolder), Join(media, {kCodeFolder, kBinFolder})})

@@ -14,7 +14,7 @@ void CheckFile(const Subject& subject, const std::string& name, Findings& out) {
     const bool isMissing = !entry;
     const bool isFolder = entry && entry->isFolder;
     const bool isUnreadable = !ReadStart(file, 1);
-    const bool copies = subject.view.copies;
+    const bool copies = subject.view.Copies();
     out.AddFirst({{isMissing && copies, "root-entry-missing/copied"},
                   {isMissing && subject.IsNeverCopied(), "root-entry-missing/never-copied"},
                   {isMissing, "root-entry-missing"},

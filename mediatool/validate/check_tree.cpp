@@ -9,7 +9,6 @@
 
 #include "fs/encoding.h"
 #include "mediatool/base/files.h"
-#include "mediatool/base/long_paths.h"
 #include "mediatool/base/names.h"
 #include "mediatool/validate/checks.h"
 
@@ -118,7 +117,7 @@ class Tree {
         const std::size_t length = copyRoot_ + WideLength(path) - WideLength(root_);
         const std::size_t most = entry.isFolder ? kLongestFolder : kLongestPath;
         if (length <= most || !MayAdd(tooLong_)) return;
-        out_.AddFirst({{subject_.view.copies, "path-too-long-in-copy/copied"},
+        out_.AddFirst({{subject_.view.Copies(), "path-too-long-in-copy/copied"},
                        {subject_.IsNeverCopied(), "path-too-long-in-copy/never-copied"},
                        {true, "path-too-long-in-copy"}},
                       Path(path),

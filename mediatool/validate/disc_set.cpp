@@ -129,14 +129,11 @@ std::vector<VolumeNumber> MissingVolumes::Named() const {
 }
 
 std::string MissingVolumes::Numbers() const {
-    const std::vector<VolumeNumber> named = Named();
+    std::vector<std::string> named;
+    for (const VolumeNumber number : Named())
+        named.push_back(std::to_string(number));
     const bool areAll = static_cast<std::size_t>(Total()) == named.size();
-    std::string text;
-    for (std::size_t i = 0; i < named.size(); ++i) {
-        if (i > 0) text += areAll && i + 1 == named.size() ? " and " : ", ";
-        text += std::to_string(named[i]);
-    }
-    return areAll ? text : text + " and so on";
+    return areAll ? Listed(named, ", ", " and ") : Listed(named, ", ", ", ") + " and so on";
 }
 
 std::string MissingVolumes::Sentence(std::string what) const {

@@ -14,27 +14,18 @@
 namespace launcher::mediatool {
 namespace {
 
-// What the launcher takes for the marker of an outer volume, and the set that it would be of.
-struct FirstMarker {
-    OuterMarker marker;
-    OuterSet set;
-
-    Path File() const { return marker.File(); }
-};
-
-// All of the nearest ancestor that has any, that of the launcher's search first.
-std::vector<FirstMarker> NearestMarkers(const DiscSet& set, const Path& below) {
-    std::vector<FirstMarker> markers;
-    for (Path folder = Parent(below); markers.empty() && !IsEmpty(folder); folder = Parent(folder))
+// By all files of the nearest ancestor that has any that the launcher takes for the marker of an
+// outer volume, that of its search first.
+std::vector<OuterSet> NearestSets(const DiscSet& set, const Path& below) {
+    std::vector<OuterSet> sets;
+    for (Path folder = Parent(below); sets.empty() && !IsEmpty(folder); folder = Parent(folder))
         for (const Entry& entry : EntriesOf(folder))
-            if (const int number = OuterMarkerNumber(entry.name); !entry.isFolder && number > 0) {
-                const OuterMarker marker{number, entry.name, folder};
-                markers.push_back({marker, OuterSetOf(set.first, marker)});
-            }
-    std::stable_partition(markers.begin(), markers.end(), [&set](const FirstMarker& each) {
-        return set.ids.WasAskedFor(each.File());
+            if (!entry.isFolder && OuterMarkerNumber(entry.name) > 0)
+                sets.push_back(OuterSetOf(set.first, folder, entry.name));
+    std::stable_partition(sets.begin(), sets.end(), [&set](const OuterSet& each) {
+        return set.ids.WasAskedFor(each.MarkerFile());
     });
-    return markers;
+    return sets;
 }
 
 // The outer volume of volume 1 has no marker, but another one holds a volume of the set.
@@ -72,21 +63,21 @@ bool ReportOverlooked(const DiscSet& set, Findings& out) {
 
 class OuterVolumes {
   public:
-    OuterVolumes(const DiscSet& inner, const FirstMarker& first, Findings& out)
-        : inner_(inner), first_(first.marker), out_(out), set_(first.set) {}
+    OuterVolumes(const DiscSet& inner, const OuterSet& set, Findings& out)
+        : inner_(inner), out_(out), set_(set) {}
 
     void Check() {
-        CheckMarkerText(first_.File(), set_.id, out_);
+        CheckMarkerText(set_.MarkerFile(), set_.id, out_);
         if (set_.id.empty()) return;
         const Path parent = Parent(set_.folder);
         if (IsEmpty(parent)) {
-            out_.Add("outer-volume-at-drive-root", first_.File());
+            out_.Add("outer-volume-at-drive-root", set_.MarkerFile());
             return;
         }
         for (const VolumeNumber number : NumberedFolders(parent, set_.first + 1, Last()))
             CheckVolumeIn(number);
         if (missing_.Total() > 0) ReportMissing();
-        if (set_.id == inner_.id) out_.Add("outer-id-same", first_.File());
+        if (set_.id == inner_.id) out_.Add("outer-id-same", set_.MarkerFile());
     }
 
   private:
@@ -128,13 +119,12 @@ class OuterVolumes {
                                  ? "Put it into the folder " + missing_.Numbers() + beside
                                  : "Put each into a folder named by its number" + beside;
         if (missing_.Total() == inner_.count - 1)
-            action += "; or delete " + first_.fileName + ", if the disc set is in no outer volume";
+            action += "; or delete " + set_.marker + ", if the disc set is in no outer volume";
         out_.Add("outer-volume-missing", OuterVolumeFolder(set_, missing_.First()),
                  {missing_.Sentence("outer volume"), action});
     }
 
     const DiscSet& inner_;
-    const OuterMarker& first_;
     Findings& out_;
     const OuterSet& set_;
     MissingVolumes missing_{set_.first + 1, Last()};
@@ -153,35 +143,35 @@ bool IsStray(const DiscSet& set, const OuterSet& outer) {
 }
 
 // Reports the stray ones and leaves the others.
-void RemoveStrays(const DiscSet& set, std::vector<FirstMarker>& markers, Findings& out) {
-    std::erase_if(markers, [&](const FirstMarker& marker) {
-        if (!IsStray(set, marker.set)) return false;
-        out.Add("outer-marker-stray", marker.File());
+void RemoveStrays(const DiscSet& set, std::vector<OuterSet>& sets, Findings& out) {
+    std::erase_if(sets, [&](const OuterSet& outer) {
+        if (!IsStray(set, outer)) return false;
+        out.Add("outer-marker-stray", outer.MarkerFile());
         return true;
     });
 }
 
-void CheckFirstMarkers(const std::vector<FirstMarker>& markers, Findings& out) {
-    if (markers.size() > 1) out.Add("outer-markers-two", markers[1].File());
-    const OuterMarker& first = markers.front().marker;
-    if (const std::string name = MarkerName(first.number); first.fileName != name)
-        out.Add("outer-marker-irregular", first.File(), {std::to_string(first.number), name});
+void CheckFirstMarkers(const std::vector<OuterSet>& sets, Findings& out) {
+    if (sets.size() > 1) out.Add("outer-markers-two", sets[1].MarkerFile());
+    const OuterSet& set = sets.front();
+    if (const std::string name = MarkerName(set.first); set.marker != name)
+        out.Add("outer-marker-irregular", set.MarkerFile(), {std::to_string(set.first), name});
 }
 
 }  // namespace
 
 bool CheckOuterVolumes(const DiscSet& set, Findings& out) {
-    std::vector<FirstMarker> markers = NearestMarkers(set, set.first);
-    if (markers.empty()) return ReportOverlooked(set, out) || ReportUnmarked(set, out);
-    while (!markers.empty()) {
-        const Path folder = markers.front().marker.folder;
-        RemoveStrays(set, markers, out);
-        if (!markers.empty()) {
-            CheckFirstMarkers(markers, out);
-            OuterVolumes(set, markers.front(), out).Check();
+    std::vector<OuterSet> sets = NearestSets(set, set.first);
+    if (sets.empty()) return ReportOverlooked(set, out) || ReportUnmarked(set, out);
+    while (!sets.empty()) {
+        const Path folder = sets.front().folder;
+        RemoveStrays(set, sets, out);
+        if (!sets.empty()) {
+            CheckFirstMarkers(sets, out);
+            OuterVolumes(set, sets.front(), out).Check();
             return true;
         }
-        markers = NearestMarkers(set, folder);  // what the strays hide
+        sets = NearestSets(set, folder);  // what the strays hide
     }
     return ReportUnmarked(set, out);
 }

@@ -1,4 +1,4 @@
-#include "mediatool/validate/report.h"
+#include "mediatool/validate/validate.h"
 
 #include <nlohmann/json.hpp>
 
@@ -60,12 +60,6 @@ std::string Summary(const Validation& validation) {
     return text;
 }
 
-Json VolumesJson(const LauncherView& view) {
-    return {{"count", view.count ? Json(view.count->count) : Json()},
-            {"layout", LayoutName(view.layout)},
-            {"folders", view.folders}};
-}
-
 }  // namespace
 
 std::string TextOf(const Validation& validation) {
@@ -73,8 +67,8 @@ std::string TextOf(const Validation& validation) {
     for (const std::string& folder : validation.media)
         text += Painted(Colour::Bold, Harmless(folder)) + "\n";
     text += "  " + VolumesText(validation.view) + "; " +
-            (validation.view.copies ? "the installer is copied to the temporary folder"
-                                    : "the installer runs from the media") +
+            (validation.view.Copies() ? "the installer is copied to the temporary folder"
+                                      : "the installer runs from the media") +
             "\n";
     if (validation.verified.files > 0)
         text += "  " + Counted(validation.verified.files, "checksum") + " verified, " +
@@ -107,8 +101,8 @@ Json JsonOf(const Validation& validation) {
         {"errors", all.Count(Level::Error)},
         {"warnings", all.Count(Level::Warning)},
         {"notes", all.Count(Level::Note)},
-        {"volumes", VolumesJson(validation.view)},
-        {"copiesInstaller", validation.view.copies},
+        {"volumes", JsonOf(validation.view)},
+        {"copiesInstaller", validation.view.Copies()},
         {"verified", {{"files", validation.verified.files}, {"bytes", validation.verified.bytes}}},
         {"findings", findings}};
 }

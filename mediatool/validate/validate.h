@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "mediatool/base/amounts.h"
+#include "mediatool/base/json.h"
 #include "mediatool/media/launcher_view.h"
 #include "mediatool/validate/findings.h"
 
@@ -34,5 +35,9 @@ struct Validation {
 
 // Looks for mistakes in a medium. Throws BadInput.
 Validation Validate(const ValidateRequest& request);
+
+// What it has found, for people and for programs.
+std::string TextOf(const Validation& validation);
+Json JsonOf(const Validation& validation);
 
 }  // namespace launcher::mediatool

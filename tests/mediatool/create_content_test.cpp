@@ -9,7 +9,7 @@
 #include "fs/encoding.h"
 #include "fs/owners.h"
 #include "mediatool/base/files.h"
-#include "mediatool/create/report.h"
+#include "mediatool/create/create.h"
 #include "mediatool/media/checksums.h"
 #include "tests/mediatool/creating.h"
 #include "tests/support/hook.h"

@@ -70,7 +70,7 @@ TEST_P(CreateTest, ValidatesCleanAndIsWhole) {
         EXPECT_EQ(validation.view.layout, layout);
         EXPECT_EQ(validation.view.folders, creation.folders);
     }
-    EXPECT_FALSE(validation.view.copies);
+    EXPECT_FALSE(validation.view.Copies());
 }
 
 std::string CreateName(const testing::TestParamInfo<std::tuple<Layout, int>>& info) {

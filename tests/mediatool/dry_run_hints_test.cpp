@@ -9,7 +9,7 @@
 
 #include "launcher/base/launch_options.h"
 #include "mediatool/base/files.h"
-#include "mediatool/dry_run/report.h"
+#include "mediatool/dry_run/dry_run.h"
 #include "tests/mediatool/rehearsing.h"
 #include "tests/support/hook.h"
 #include "tests/support/wine.h"

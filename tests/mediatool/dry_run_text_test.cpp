@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "fs/exceptions.h"
-#include "mediatool/dry_run/report.h"
+#include "mediatool/dry_run/dry_run.h"
 #include "tests/mediatool/rehearsing.h"
 #include "tests/support/hook.h"
 

@@ -5,7 +5,7 @@
 
 #include <sstream>
 
-#include "mediatool/dry_run/report.h"
+#include "mediatool/dry_run/dry_run.h"
 #include "tests/mediatool/rehearsing.h"
 
 namespace launcher::test {

@@ -20,14 +20,6 @@ std::optional<std::uint64_t> RoomAt(const Path& path) {
 
 }  // namespace
 
-bool PretendedCopy::HasFolder(const Path& folder) const {
-    return folders.contains(CopyKey(folder));
-}
-
-bool PretendedCopy::HasFile(const Path& file) const {
-    return contents.contains(CopyKey(file));
-}
-
 PretendedCopy& CopyBelow(const Path& path) {
     PretendedCopy& copy = CurrentRehearsal()->journal.copy;
     if (!copy.room) copy.room = RoomAt(path);

@@ -10,6 +10,9 @@
 
 namespace launcher::mediatool {
 
+// A path in the copy as it is listed here: the one that Windows makes of it, in lower case.
+std::string CopyKey(const Path& path);
+
 struct PretendedFile {
     std::string path;  // as the launcher names it
     std::string source;
@@ -23,15 +26,12 @@ struct PretendedCopy {
     std::uint64_t bytes = 0;
     std::optional<std::uint64_t> room;  // bytes free at the target; unknown without it
 
-    bool HasFolder(const Path& folder) const;
-    bool HasFile(const Path& file) const;
+    bool HasFolder(const Path& folder) const { return folders.contains(CopyKey(folder)); }
+    bool HasFile(const Path& file) const { return contents.contains(CopyKey(file)); }
 };
 
 // The copy of the current rehearsal, which `path` is to be part of.
 PretendedCopy& CopyBelow(const Path& path);
-
-// A path in the copy as it is listed here: the one that Windows makes of it, in lower case.
-std::string CopyKey(const Path& path);
 
 // The name of the temporary folder, in place of a random one: as long as any, so that all lengths
 // are those of a run, and that of no other folder.

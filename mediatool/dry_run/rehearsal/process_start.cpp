@@ -60,13 +60,13 @@ bool IsInCopy(const std::wstring& path) {
     return path.find(ToWide(kPretendedUuid)) != std::wstring::npos;
 }
 
-struct Verdict {
+struct Judgement {
     bool found;  // nothing else is tried then
     DWORD error;
 };
 
 // For what is in the copy, or would be.
-Verdict JudgeInCopy(const Path& program) {
+Judgement JudgeInCopy(const Path& program) {
     const PretendedCopy& copy = CurrentRehearsal()->journal.copy;
     const auto file = copy.contents.find(CopyKey(program));
     if (file != copy.contents.end()) return {true, ImageError(ToWide(file->second.source))};
@@ -75,18 +75,18 @@ Verdict JudgeInCopy(const Path& program) {
     return {false, ERROR_PATH_NOT_FOUND};
 }
 
-Verdict JudgeInCopysFolder(const std::wstring& folder, const std::wstring& name) {
+Judgement JudgeInCopysFolder(const std::wstring& folder, const std::wstring& name) {
     const bool hasExtension = FileName(Path(ToNarrow(name.c_str()))).find('.') != std::string::npos;
     const std::wstring program = folder + L'\\' + name + (hasExtension ? L"" : L".exe");
     return JudgeInCopy(Path(ToNarrow(program.c_str())));
 }
 
 // A folder of that name is no program, but ends the search.
-Verdict JudgeSearched(const std::wstring& name) {
+Judgement JudgeSearched(const std::wstring& name) {
     using Folders = std::vector<std::wstring>;
     for (const std::wstring& folder : IsDotRelative(name) ? Folders{L"."} : SearchFolders()) {
         if (IsInCopy(folder)) {
-            const Verdict inCopy = JudgeInCopysFolder(folder, name);
+            const Judgement inCopy = JudgeInCopysFolder(folder, name);
             if (inCopy.found) return inCopy;
             continue;
         }
@@ -100,7 +100,7 @@ Verdict JudgeSearched(const std::wstring& name) {
     return {false, ERROR_FILE_NOT_FOUND};
 }
 
-Verdict Judge(const std::wstring& name) {
+Judgement Judge(const std::wstring& name) {
     if (IsInCopy(name)) return JudgeInCopy(Path(ToNarrow(name.c_str())));
     if (IsSearchedFor(name)) return JudgeSearched(name);
     wchar_t found[MAX_PATH] = {};
@@ -126,15 +126,15 @@ ProcessStart ForeseeStart(const std::string& commandLine) {
     const std::vector<std::wstring> candidates = Candidates(line);
     DWORD first = ERROR_SUCCESS;
     for (const std::wstring& candidate : candidates) {
-        const Verdict verdict = Judge(candidate);
-        if (verdict.found) {
+        const Judgement judgement = Judge(candidate);
+        if (judgement.found) {
             const std::wstring given =
                 candidate == candidates.front() ? line : WithQuotes(line, candidate.size());
-            if (verdict.error == ERROR_SUCCESS && given.size() > kLongestCommandLine)
+            if (judgement.error == ERROR_SUCCESS && given.size() > kLongestCommandLine)
                 return {ERROR_FILENAME_EXCED_RANGE, {}};
-            return {verdict.error, ToNarrow(given.c_str())};
+            return {judgement.error, ToNarrow(given.c_str())};
         }
-        if (first == ERROR_SUCCESS) first = verdict.error;
+        if (first == ERROR_SUCCESS) first = judgement.error;
     }
     return {first, {}};
 }

@@ -62,20 +62,29 @@ struct Rehearsal {
     std::optional<bool> tracesInBoxes;
 };
 
-// The one that is running; null outside of it, when the replacements change nothing either.
-Rehearsal* CurrentRehearsal();
-
 // Makes a rehearsal the current one while it lives.
 class RehearsalScope {
   public:
-    explicit RehearsalScope(Rehearsal& rehearsal);
+    explicit RehearsalScope(Rehearsal& rehearsal) { current = &rehearsal; }
     RehearsalScope(const RehearsalScope&) = delete;
     RehearsalScope& operator=(const RehearsalScope&) = delete;
-    ~RehearsalScope();
+    ~RehearsalScope() { current = nullptr; }
+
+    static inline Rehearsal* current = nullptr;
 };
 
+// The one that is running; null outside of it, when the replacements change nothing either.
+inline Rehearsal* CurrentRehearsal() {
+    return RehearsalScope::current;
+}
+
 // Whether a path of this length is too long for the machine, which by itself has this limit.
-bool IsTooLong(std::size_t length, std::size_t limit);
+inline bool IsTooLong(std::size_t length, std::size_t limit) {
+    Rehearsal& rehearsal = *CurrentRehearsal();
+    if (length <= limit) return false;
+    rehearsal.journal.metLongPaths = true;
+    return !rehearsal.machine.longPaths.value_or(false);
+}
 
 // The answer that is remembered, detected now when there is none yet.
 template <class Detect>

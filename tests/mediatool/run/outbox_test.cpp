@@ -8,7 +8,7 @@
 #include "fs/owners.h"
 #include "mediatool/base/failures.h"
 #include "mediatool/base/json.h"
-#include "mediatool/run/owners.h"
+#include "mediatool/base/owners.h"
 #include "mediatool/run/reporter.h"
 #include "tests/support/hook.h"
 #include "tests/support/isolated_test.h"

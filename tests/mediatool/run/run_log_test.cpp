@@ -8,7 +8,7 @@
 #include "fs/encoding.h"
 #include "fs/owners.h"
 #include "mediatool/base/failures.h"
-#include "mediatool/run/owners.h"
+#include "mediatool/base/owners.h"
 #include "tests/support/hook.h"
 #include "tests/support/temporary_folder.h"
 

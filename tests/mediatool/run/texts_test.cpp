@@ -8,9 +8,9 @@
 #include "mediatool/base/failures.h"
 #include "mediatool/base/json.h"
 #include "mediatool/base/sentences.h"
-#include "mediatool/run/launcher_line.h"
 #include "mediatool/run/moment.h"
 #include "mediatool/run/report.h"
+#include "mediatool/run/streams.h"
 #include "mediatool/run/time_limit.h"
 
 namespace launcher::mediatool {

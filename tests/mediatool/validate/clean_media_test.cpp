@@ -1,7 +1,7 @@
 // Media without mistakes, and folders that are no media.
 
 #include "mediatool/base/failures.h"
-#include "mediatool/validate/report.h"
+#include "mediatool/validate/validate.h"
 #include "tests/mediatool/validate/mistake_row.h"
 
 namespace launcher::test {
@@ -26,7 +26,7 @@ TEST_P(CleanMediaTest, HasNeitherErrorsNorWarnings) {
     EXPECT_EQ(validation.findings.Count(Level::Error), 0u) << Ids(validation);
     EXPECT_EQ(validation.findings.Count(Level::Warning), 0u) << Ids(validation);
     EXPECT_EQ(validation.view.layout, GetParam().layout);
-    EXPECT_FALSE(validation.view.copies);
+    EXPECT_FALSE(validation.view.Copies());
     EXPECT_EQ(validation.view.folders.size(), static_cast<std::size_t>(GetParam().volumes));
 }
 

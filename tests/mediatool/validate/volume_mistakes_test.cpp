@@ -1,6 +1,6 @@
 // Every kind of mistake in the volumes of a split medium and their markers.
 
-#include "mediatool/validate/report.h"
+#include "mediatool/validate/validate.h"
 #include "tests/mediatool/validate/mistake_row.h"
 
 namespace launcher::test {
