@@ -4,6 +4,7 @@
 #include "launcher/driver.h"
 #include "launcher/installer_command_line.h"
 #include "media/flavours.h"
+#include "mediatool/base/files.h"
 #include "mediatool/base/sentences.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "mediatool/media/remedies.h"
@@ -31,7 +32,7 @@ constexpr Culprit kCulprits[] = {
 bool IsSet(const DryRun& run, const std::string& name) {
     return std::ranges::count(run.setVariables, name, &SetVariable::name) > 0 ||
            std::ranges::any_of(run.environment, [&name](const Change& change) {
-               return change.name == name && change.after;
+               return change.after && SameName(change.name, name);
            });
 }
 

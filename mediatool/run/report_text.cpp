@@ -125,7 +125,10 @@ std::string MeaningOf(const WatchedRun& run, const RunRequest& request) {
     if (run.installer && waits && !AnyBox(run, kCrashed)) return "The installer's own.";
     if (AnyBox(run, kCrashed))
         return "The launcher's, for an installer that crashed; see the installer's own log.";
-    if (run.exitCode == 1 && !run.boxes.empty())
+    const auto isKnown = [](const AnsweredBox& box) {
+        return KnownMessage(box.box.text).has_value();
+    };
+    if (run.exitCode == 1 && std::ranges::any_of(run.boxes, isKnown))
         return "The launcher refuses; the message says why.";
     if (!run.installer && run.exitCode <= INT32_MAX && AsksForVolumes(request.arguments))
         return std::string("The number of volumes, which ") + kVolumesQuery +

@@ -2,6 +2,7 @@
 // are there twice.
 
 #include <limits>
+#include <set>
 #include <vector>
 
 #include "media/volume_files.h"
@@ -67,14 +68,14 @@ class VolumeNumbers {
                       marker, {std::to_string(NumberIn(marker))});
     }
 
-    // Two given folders that both claim to be the same volume.
+    // Given folders that claim to be the same volume as one before them.
     void CheckGiven(const std::vector<Path>& given) {
-        for (std::size_t i = 0; i < given.size(); ++i)
-            for (const Path& marker : NumberedMarkers(given[i]))
-                for (std::size_t j = i + 1; set_.Has(marker) && j < given.size(); ++j)
-                    if (const Path other = Join(given[j], FileName(marker)); set_.Has(other))
-                        out_.Add("volume-number-twice/given", other,
-                                 {std::to_string(NumberIn(marker))});
+        std::set<VolumeNumber> claimed;
+        for (const Path& folder : given)
+            for (const Path& marker : NumberedMarkers(folder))
+                if (set_.Has(marker) && !claimed.insert(NumberIn(marker)).second)
+                    out_.Add("volume-number-twice/given", marker,
+                             {std::to_string(NumberIn(marker))});
     }
 
     void CheckFoldersBeyond() {

@@ -26,7 +26,7 @@ constexpr std::size_t kShownStart = 80;
 std::string Shortened(const std::string& text) {
     if (text.size() <= kLongestShown) return text;
     std::size_t end = kShownStart;
-    while ((text[end] & 0xC0) == 0x80)  // not within a character
+    while (end > kShownStart - 3 && (text[end] & 0xC0) == 0x80)  // not within a character
         --end;
     return text.substr(0, end) + "... (" + std::to_string(WideLength(text)) + " characters)";
 }

@@ -1,6 +1,7 @@
 #include "mediatool/validate/volume_markers.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
@@ -12,7 +13,7 @@ namespace {
 constexpr std::size_t kExtensionLength = sizeof kVolumeMarkerSuffix - 1;
 
 constexpr VolumeNumber kMostAskedFor = 100;  // in a folder that cannot be listed
-constexpr VolumeNumber kMostOuter = 99;
+constexpr VolumeNumber kAnyNumber = std::numeric_limits<int>::max();
 
 // 0 for a name that is no number, or has a zero in front.
 VolumeNumber NumberOf(const std::string& name) {
@@ -89,11 +90,11 @@ std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::stri
     std::vector<VolumeInOuter> found;
     for (Path first = Parent(volumeOne); !IsEmpty(Parent(first)); first = Parent(first)) {
         const std::string relative = RelativePath(Parent(volumeOne), first).Text();
-        for (const VolumeNumber outer : NumberedFolders(Parent(first), 1, kMostOuter)) {
+        for (const VolumeNumber outer : NumberedFolders(Parent(first), 1, kAnyNumber)) {
             const Path folder = Join(Parent(first), std::to_string(outer));
             if (SameName(folder, first)) continue;
             const Path parent = Join(folder, relative);
-            for (const VolumeNumber number : NumberedFolders(parent, 2, kMostOuter)) {
+            for (const VolumeNumber number : NumberedFolders(parent, 2, kAnyNumber)) {
                 const Path marker = MarkerIn(Join(parent, std::to_string(number)), number);
                 if (ids.In(marker) == setId) found.push_back({first, outer, number, marker});
             }

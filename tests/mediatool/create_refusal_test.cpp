@@ -245,6 +245,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Leftover{"InVolumeOneOfOuter", Layout::Outer, "out/7/media/1/2.txt", kOld},
                     Leftover{"BesideVolumeOneOfOuter", Layout::Outer, "out/7/media/2/2.txt", kOld},
                     Leftover{"OuterBeyondTheCount", Layout::Outer, "out/9/media/3/3.txt", kOurs},
+                    Leftover{"OuterAbove99", Layout::Outer, "out/100/media/3/3.txt", kOurs},
                     Leftover{"OuterOfLowerNumber", Layout::Outer, "out/6/media/2/2.txt", kOurs},
                     Leftover{"AboveVolumeOne", Layout::Outer, "out/7/media/5.txt", "notes", true},
                     Leftover{"OfTheSameNumber", Layout::Outer, "out/7/media/7.txt", kOld, true},

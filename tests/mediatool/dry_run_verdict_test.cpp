@@ -49,6 +49,8 @@ TEST_F(VerdictTest, OfAVariableThatWasLeftSet) {
               "variable");
     EXPECT_THAT(Summary(Verdict::Refused, media_, {"-env", "ZEPProcessNotAdmin"}),
                 HasSubstr(": ZEPProcessNotAdmin is set; "));
+    EXPECT_THAT(Summary(Verdict::Refused, media_, {"-env", "zepprocessnotadmin=1"}),
+                HasSubstr(": ZEPProcessNotAdmin is set; "));
     SampleMedia without = Startable();
     without.Remove("inst/win_b64");
     EXPECT_THAT(Summary(Verdict::Refused, without, {}, {{"ZEPAdmInstODTinstallOSpath", "x"}}),

@@ -104,6 +104,8 @@ WatchedRun RunWith(std::uint32_t exitCode, bool installer, const std::string& bo
     return run;
 }
 
+constexpr char kRefusal[] = "This media is not for Windows operating system.";
+
 std::string Meaning(const WatchedRun& run, bool waits) {
     RunRequest request;
     if (waits) request.arguments = {"-wait"};
@@ -118,8 +120,16 @@ TEST(Meaning, OfTheInstallersCode) {
 }
 
 TEST(Meaning, OfARefusal) {
-    EXPECT_EQ(Meaning(RunWith(1, false, "text"), true),
+    EXPECT_EQ(Meaning(RunWith(1, false, kRefusal), true),
               "The launcher refuses; the message says why.");
+}
+
+// Trace messages in boxes refuse nothing.
+TEST(Meaning, OfTheNumberOfVolumesAfterBoxes) {
+    RunRequest request;
+    request.arguments = {"-env", "ZEPAdmODTMultiVolumes=1"};
+    EXPECT_EQ(MeaningOf(RunWith(1, false, "The installer was found."), request),
+              "The number of volumes, which ZEPAdmODTMultiVolumes asks for; nothing was started.");
 }
 
 TEST(Meaning, OfAnInstallerThatCrashed) {
@@ -141,7 +151,7 @@ TEST(Meaning, OfTheNumberOfVolumes) {
         EXPECT_EQ(MeaningOf(RunWith(count, false), request), number);
     request.arguments.emplace_back("-wait");
     EXPECT_EQ(MeaningOf(RunWith(3, false), request), number);
-    EXPECT_EQ(MeaningOf(RunWith(1, false, "text"), request),
+    EXPECT_EQ(MeaningOf(RunWith(1, false, kRefusal), request),
               "The launcher refuses; the message says why.");
     EXPECT_THAT(MeaningOf(RunWith(0xC0000005, false), request), testing::EndsWith("launcher's."));
 }

@@ -79,6 +79,18 @@ TEST(VolumesOnDrives, NameTheFileThatIsMissing) {
     EXPECT_EQ(findings.front().action, "Write the file with the line MTBDIR=SET.");
 }
 
+TEST(VolumesOnDrives, AreNamedOnceForANumberThatThreeHave) {
+    SampleMedia media(Layout::Siblings);
+    media.Rename("../2", "../../two").Rename("../3", "../../three");
+    media.Rename("../../three/3.txt", "../../three/2.txt").Marker("../../four/2.txt");
+    std::vector<std::string> files;
+    for (const Finding& finding :
+         media.Validate({"../../two", "../../three", "../../four"}).findings.Sorted())
+        if (finding.id == "volume-number-twice") files.push_back(finding.file);
+    EXPECT_THAT(files, testing::UnorderedElementsAre(media.Text("../../three/2.txt"),
+                                                     media.Text("../../four/2.txt")));
+}
+
 TEST(VolumesOnDrives, ThatAreAnotherMediumAreNamed) {
     SampleMedia media(Layout::Siblings);
     media.Rename("../2", "../../two").Rename("../3", "../../three");

@@ -153,6 +153,8 @@ const Mistake kOuterMistakes[] = {
     {"volume-beyond-count", Level::Error, Layout::Outer,
      [](Media& m) { m.Write("inst/volumes.txt", "1\r\n"); }, "OfOneInOuterVolumes",
      "count-file-one"},
+    {"volume-beyond-count", Level::Error, Layout::Outer,
+     [](Media& m) { m.Marker("../../../100/media/4/4.txt"); }, "InAnOuterVolumeAbove99"},
     {"outer-marker-irregular", Level::Error, Layout::Outer,
      [](Media& m) { m.Rename("../../7.txt", "../../7a.txt"); }},
     {"outer-markers-two", Level::Error, Layout::Outer,
@@ -256,6 +258,16 @@ TEST(Identifiers, AreShortenedForReadersOnly) {
     EXPECT_EQ(findings.Sorted(mediatool::Findings::Shown::Readable).front().what,
               "The identifier is \"" + std::string(79, 'x') +
                   "... (3002 characters); volume 1 has \"SET\".");
+}
+
+// Bytes that only continue a letter: nothing in front of them begins one.
+TEST(Identifiers, OfNothingButContinuationsAreShortened) {
+    SampleMedia media(Layout::Siblings);
+    media.Marker("1.txt", std::string(300, '\x80')).Remove(kTwo);
+    const mediatool::Findings findings = media.Validate().findings;
+    for (const Finding& finding : findings.Sorted(mediatool::Findings::Shown::Readable))
+        EXPECT_EQ((finding.what + finding.action).find(std::string(81, '\x80')), std::string::npos)
+            << finding.id;
 }
 
 // The quotation mark and 78 letters are 79 bytes; the next letter would end at the 81st.
