@@ -1,6 +1,7 @@
 // mediatool from outside: its command line, exit codes, streams and JSON.
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "tests/mediatool/command.h"
 #include "tests/mediatool/support/mediatool_run.h"
@@ -325,6 +326,25 @@ TEST_F(Command, ValidateOfADriveIsTheSameFromEverywhere) {
             EXPECT_EQ(same["findings"].size(), output["findings"].size());
             EXPECT_EQ(same["volumes"]["layout"], "siblings");
         }
+}
+
+// With single blanks: how the lines are set is the library's.
+std::string Words(const std::string& text) {
+    std::istringstream stream(text);
+    std::string words;
+    for (std::string word; stream >> word;)
+        words += word + " ";
+    return words;
+}
+
+// Every sentence: a change of one is a decision.
+TEST_F(Command, HelpSaysWhatTheListHas) {
+    std::string help = Run({"--help"}).output;
+    for (const char* command : {"validate", "create", "checksum", "dry-run", "run"})
+        help += Run({command, "--help"}).output;
+    std::istringstream list(ReadFile(FromUtf8(SOURCE_FOLDER) / "tests" / "mediatool" / "help.txt"));
+    for (std::string sentence; std::getline(list, sentence);)
+        EXPECT_THAT(Words(help), HasSubstr(Words(sentence)));
 }
 
 TEST_F(Command, HelpAndVersion) {

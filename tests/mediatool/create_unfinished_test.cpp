@@ -97,6 +97,7 @@ TEST_F(Unfinished, TheNextRunGoesOn) {
     const Creation creation = Create(request);
     EXPECT_EQ(creation.copiedFiles, 2u);
     EXPECT_EQ(creation.keptFiles, 4u) << "a.bin, the count file and the markers";
+    EXPECT_THAT(TextOf(creation), testing::HasSubstr("\n4 files of the unfinished set kept\n"));
     EXPECT_THAT(all, testing::Each(2u));
     EXPECT_FALSE(IsThere("out\\1\\mediatool-unfinished.txt"));
     EXPECT_FALSE(IsThere("out\\1\\mediatool-unfinished.tmp")) << "where nothing is written";

@@ -48,6 +48,16 @@ TEST(FindingKinds, AreListedWithTheirSeveritiesInTheDocumentation) {
     EXPECT_THAT(KindsOfThePage(), testing::ContainerEq(KindsOfTheTable()));
 }
 
+// All sentences, as people read them: a change of one is a decision.
+TEST(FindingTexts, AreThoseOfTheList) {
+    std::string texts;
+    for (const FindingText& text : mediatool::findings::kTexts)
+        texts += std::string(text.name) + ": " + LevelName(text.level) + "\n  " + text.what +
+                 "\n  " + text.why + "\n  " + text.action + "\n";
+    const stdfs::path list = FromUtf8(SOURCE_FOLDER) / "tests" / "mediatool" / "validate";
+    EXPECT_EQ(texts, ReadFile(list / "finding_texts.txt"));
+}
+
 TEST(FindingKinds, HaveATestEach) {
     std::string tests;
     for (const auto& entry :
