@@ -1,25 +1,25 @@
 #!/bin/sh
 # Runs the tests of the layers and of mediatool with everything that this toolchain can check at run
 # time: traps for undefined behaviour, the standard library's assertions, and Wine's checks of the
-# heap (overruns, use after release, double release). Programs whose tests are runs of the launcher or
-# of mediatool go without the last: with it, a start takes longer than they wait.
+# heap (overruns, use after release, double release). The launcher and mediatool that they start are
+# built in the same way.
 #
 #   check-undefined.sh [PROGRAM...]      names of test programs, "fs_test"; all without
 #
-# First, three small programs with such faults show that each check works.
+# First, a small program with such faults shows that each check works.
 set -eu
 cd "$(dirname "$0")/.."
 # Relative, so that lists of files can be divided at blanks, wherever this folder is.
 build=build/undefined
 prefix=$PWD/$build/wine-prefix
 folders="fs platform launcher media installer mediatool"
-run_others="mediatool_(agreement|command|documentation|run|run_parts)_test\.exe|tests/mediatool/run/"
 flags="-fsanitize=undefined -fsanitize-undefined-trap-on-error -D_GLIBCXX_ASSERTIONS"
 
 # Warnings are for the ordinary builds: the checks make the compiler see faults in its own library.
 # They also make it emit more of that library into each object, and the linker takes whole objects:
 # where a test has its own version of a product function, its own counts.
 cmake --preset mingw-debug -B $build -DLAUNCHER_JOIN_SOURCES=ON -DCMAKE_CXX_FLAGS="$flags -w" \
+    -DCMAKE_PROJECT_INCLUDE="$PWD/tools/undefined/heap.cmake" \
     -DCMAKE_EXE_LINKER_FLAGS=-Wl,--allow-multiple-definition >/dev/null
 built=$(ninja -C $build -t targets all)
 tests=$(for folder in $folders; do
@@ -39,23 +39,21 @@ fi
 # shellcheck disable=SC2086  # a list of targets
 cmake --build $build --target $tests
 
-# The heap is checked for the programs that the registry names.
+# Blocks have an end that can be checked in the programs that the registry names.
 check_heap_of() {
     printf 'REGEDIT4\n\n'
-    for program in "$@"; do
+    for program; do
         printf '[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\CurrentVersion\\'
-        printf 'Image File Execution Options\\%s]\n"GlobalFlag"=dword:000000f0\n\n' "$(basename "$program")"
+        printf 'Image File Execution Options\\%s]\n"GlobalFlag"=dword:00000070\n\n' "$(basename "$program")"
     done
 }
 
-programs=$(for folder in $folders; do find "$build/tests/$folder" -name "*.exe"; done |
-    grep -vE "$run_others" | sort)
+programs=$(find $build -name wine-prefix -prune -o -name "*.exe" -print)
 samples=$build/samples
 mkdir -p "$samples"
-cp tools/undefined_sample.cpp "$samples/sample.cpp"
 # shellcheck disable=SC2086  # lists of flags and of programs
 x86_64-w64-mingw32-g++-posix -std=c++20 $flags -static -o "$samples/sample.exe" \
-    "$samples/sample.cpp"
+    tools/undefined/sample.cpp tools/undefined/heap.cpp
 # shellcheck disable=SC2086
 check_heap_of "$samples/sample.exe" $programs >"$build/heap.reg"
 export WINEDEBUG="-all,err+heap,warn+heap"
@@ -68,11 +66,11 @@ passes() {
     tools/wine-run.sh "$prefix" "$@" >"$log" 2>&1 && ! grep -q ':heap:' "$log"
 }
 
-for fault in none overflow index heap; do
+for fault in none overflow index overrun "used after release" "released twice"; do
     expected=caught
-    [ $fault != none ] || expected=passed
+    [ "$fault" != none ] || expected=passed
     found=caught
-    if passes "$samples/$fault.log" "$samples/sample.exe" $fault; then found=passed; fi
+    if passes "$samples/$fault.log" "$samples/sample.exe" "$fault"; then found=passed; fi
     echo "sample with fault \"$fault\": $found"
     [ $found = $expected ] || exit 1
 done

@@ -16,10 +16,16 @@ int main(int argc, char** argv) {
         volatile char c = text[at];
         static_cast<void>(c);
     }
-    if (fault == "heap") {
-        char* const memory = new char[24];
+    char* const volatile memory = new char[24];
+    if (fault == "overrun") {
         volatile int length = 40;
         std::memset(memory, 1, static_cast<std::size_t>(length));
+    }
+    delete[] memory;
+    if (fault == "used after release") {
+        memory[20] = 1;
+    }
+    if (fault == "released twice") {
         delete[] memory;
     }
     return 0;
