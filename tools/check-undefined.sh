@@ -39,7 +39,8 @@ fi
 # shellcheck disable=SC2086  # a list of targets
 cmake --build $build --target $tests
 
-# Blocks have an end that can be checked in the programs that the registry names.
+# Blocks have an end that can be checked in the programs that the registry names: the tests. In the
+# launcher and in mediatool, which may hold megabytes, Wine would fill all that is free at each call.
 check_heap_of() {
     printf 'REGEDIT4\n\n'
     for program; do
@@ -48,7 +49,7 @@ check_heap_of() {
     done
 }
 
-programs=$(find $build -name wine-prefix -prune -o -name "*.exe" -print)
+programs=$(for folder in $folders; do find "$build/tests/$folder" -name "*.exe"; done)
 samples=$build/samples
 mkdir -p "$samples"
 # shellcheck disable=SC2086  # lists of flags and of programs
