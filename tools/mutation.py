@@ -4,7 +4,7 @@
 Each mutant is built in a private copy of the sources, and tested by the test programs of its own
 layer, by those of the other layers, by the inputs that the fuzzers keep, and last by the programs
 that run the launcher or mediatool from outside, up to the first that fails: twice, as a time limit
-that was passed once may be the machine's mood. Results are kept, one JSON object a line; a second
+that was passed once may be the machine's mood. What noticed other changes of a file goes first. Results are kept, one JSON object a line; a second
 call goes on where the first one ended.
 
 What does not compile is not counted, nor a change that no test notices because the released program
@@ -176,23 +176,35 @@ class Runner:
                 programs += [p for p in own if not tree.was_rebuilt(p)]
             else:
                 programs = [p for p in programs if tree.was_rebuilt(p)]
-            for program in sorted(programs, key=self.seconds.get):
-                failed = self.first_failure(tree, program)
+            programs.sort(key=lambda program: (-len(self.killers(program, Path(mutant.file).parent)),
+                                               self.seconds[program]))
+            likely = {program: ["--gtest_filter=" + ":".join(tests)] for program in programs
+                      if (tests := self.killers(program, Path(mutant.file)))}
+            for program, tests in [*likely.items(), *((p, self.filter_of(p)) for p in programs)]:
+                failed = self.first_failure(tree, program, tests)
                 if failed:
-                    return {"result": "killed", "stage": stage, "by": failed}
+                    return {"result": "killed", "stage": stage, "program": program, "by": failed}
             tested.append(stage)
         return {"result": "survived", "tested": tested}
 
-    def first_failure(self, tree, program):
-        """The test that failed, twice: once may be the machine's mood."""
+    def killers(self, program, place):
+        """The tests of a program that noticed changes of a file or in a folder, the latest first."""
+        with self.lock:
+            return list(dict.fromkeys(
+                result["by"] for result in reversed(self.results.values())
+                if result.get("program") == program and ": " not in result["by"]
+                and place in (Path(result["file"]), Path(result["file"]).parent)))
+
+    def first_failure(self, tree, program, tests):
+        """The one of these tests that failed, twice: once may be the machine's mood."""
         timeout = 30 + 5 * self.seconds[program]
-        failed = tree.run(program, self.filter_of(program), timeout)
+        failed = tree.run(program, tests, timeout)
         if failed == "passed":
             return None
         is_test = failed not in ("timeout", "?")
         if is_test and tree.run(program, [f"--gtest_filter={failed}"], timeout) != "passed":
             return failed
-        if tree.run(program, self.filter_of(program), 2 * timeout) == "passed":
+        if tree.run(program, tests, 2 * timeout) == "passed":
             return None
         return failed if is_test else f"{Path(program).stem}: {failed}, twice"
 

@@ -13,6 +13,8 @@ get_filename_component(gcc_folder ${libgcc} DIRECTORY)
 set(headers ${gcc_folder}/include/c++)
 set(CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES
   ${headers} ${headers}/${triplet} ${headers}/backward)
+# As GCC's library has its thread-local variables.
+set(CMAKE_CXX_FLAGS_INIT -femulated-tls)
 # Without optimisation, each use of an inline function of GCC's <typeinfo> leaves a definition, beside
 # the library's ordinary one: GNU's linker takes that for one and the same, LLVM's for two.
 set(CMAKE_EXE_LINKER_FLAGS_INIT
