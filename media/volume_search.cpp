@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "fs/directory_enumerator.h"
+#include "fs/environment.h"
 #include "fs/file_type.h"
 #include "launcher/base/launch_options.h"
 #include "launcher/base/message.h"
@@ -167,6 +168,12 @@ void SearchLayouts(const SplitMedia& media, FoundVolumes& found) {
     if (found.outer) Settles(OuterPass(media, *found.outer), VolumeLayout::Outer, media, found);
 }
 
+CopySkipped WhyNotSearched(const LaunchOptions& options) {
+    if (options.softMgt) return CopySkipped::BySoftMgt;
+    if (!GetEnvVar(kRepositoryVar).empty()) return CopySkipped::ByRepository;
+    return CopySkipped::No;
+}
+
 }  // namespace
 
 OuterSet OuterSetOf(const Path& mediaDir, const Path& folder, const std::string& marker) {
@@ -183,10 +190,11 @@ Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume) {
                 {set.relativePath.Text(), Decimal(volume)});
 }
 
-FoundVolumes FindVolumes(const LaunchOptions& options, bool mayLook, TellVariable tell) {
+FoundVolumes FindVolumes(const LaunchOptions& options, TellVariable tell) {
     FoundVolumes found;
     const std::string countFile = CountFileIn(options.mediaDir).Text();
-    const bool isSearched = PathExists(countFile) && mayLook;
+    found.notSearched = WhyNotSearched(options);
+    const bool isSearched = PathExists(countFile) && found.notSearched == CopySkipped::No;
     if (isSearched) found.count = ReadVolumeCount(countFile);
     if (!isSearched || (found.count && found.count->count < 2)) {
         found.layout = VolumeLayout::NotSplit;

@@ -10,7 +10,11 @@
 
 namespace launcher {
 
+enum class CopySkipped : int;
 class LaunchOptions;
+
+// While it is set, volumes are not searched for. The misspelt name is part of the interface.
+inline constexpr char kRepositoryVar[] = "ZEP_Online_Installation_Caf_Repositiory";
 
 // How the volumes of a medium lie.
 enum class VolumeLayout {
@@ -41,6 +45,7 @@ Path FolderInOuterVolume(const OuterSet& set, VolumeNumber volume);
 
 // What a search for the volumes of a medium found, as far as it came.
 struct FoundVolumes {
+    CopySkipped notSearched{};  // what forbids the search, when something does
     VolumeLayout layout = VolumeLayout::Incomplete;
     std::optional<VolumeCount> count;  // nothing when "volumes.txt" was not read
     std::string id;                    // of a split medium, from the marker of volume 1
@@ -61,8 +66,7 @@ using TellVariable = void (*)(const std::string& name, const std::string& value)
 
 // Searches for the volumes of the media in `mediaDir`, the folder of volume 1. What it finds, and
 // what is wrong, is traced, and `tell` gets each variable as soon as it is known, between these
-// messages; nothing else is changed. Unless it `mayLook`, the medium counts as one in one piece.
-// Throws nothing.
-FoundVolumes FindVolumes(const LaunchOptions& options, bool mayLook, TellVariable tell);
+// messages; nothing else is changed. Throws nothing.
+FoundVolumes FindVolumes(const LaunchOptions& options, TellVariable tell);
 
 }  // namespace launcher

@@ -30,26 +30,20 @@ int ResultOf(const FoundVolumes& found) {
     return 0;
 }
 
-CopySkipped WhyNotSearched(const LaunchOptions& options) {
-    if (options.softMgt) return CopySkipped::BySoftMgt;
-    return GetEnvVar(kRepositoryVar).empty() ? CopySkipped::No : CopySkipped::ByRepository;
-}
-
-CopySkipped WhyNotCopied(CopySkipped notSearched, VolumeLayout layout) {
-    if (notSearched != CopySkipped::No) return notSearched;
-    return layout == VolumeLayout::NotSplit ? CopySkipped::NotSplit : CopySkipped::Complete;
+CopySkipped WhyNotCopied(const FoundVolumes& found) {
+    if (found.notSearched != CopySkipped::No) return found.notSearched;
+    return found.layout == VolumeLayout::NotSplit ? CopySkipped::NotSplit : CopySkipped::Complete;
 }
 
 }  // namespace
 
 int ResolveVolumes(LaunchOptions& options, std::vector<std::string>& volumes) {
     ClearVolumeVariables();
-    const CopySkipped notSearched = WhyNotSearched(options);
-    FoundVolumes found = FindVolumes(options, notSearched == CopySkipped::No, SetEnvVar);
+    FoundVolumes found = FindVolumes(options, SetEnvVar);
     const int result = ResultOf(found);
     if (result != 0) {
         options.skipTemporaryCopy = true;
-        options.copySkipped = WhyNotCopied(notSearched, found.layout);
+        options.copySkipped = WhyNotCopied(found);
     }
     volumes = std::move(found.folders);
     return result;

@@ -7,9 +7,6 @@ namespace launcher {
 
 class LaunchOptions;
 
-// While it is set, volumes are not searched for. The misspelt name is part of the interface.
-inline constexpr char kRepositoryVar[] = "ZEP_Online_Installation_Caf_Repositiory";
-
 // Finds the volumes of a split medium (media/volume_search.h) and tells the installer about them in
 // environment variables:
 //   "ZEPAdmInstVolumesCount"     the first line of "volumes.txt"; removed when all volumes lie in

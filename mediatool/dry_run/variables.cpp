@@ -9,7 +9,7 @@
 #include "launcher/installer_command_line.h"
 #include "launcher/temporary_copy.h"
 #include "media/flavours.h"
-#include "media/volumes.h"
+#include "media/volume_search.h"
 #include "platform/administrator.h"
 
 namespace launcher::mediatool {

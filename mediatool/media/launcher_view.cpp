@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "fs/encoding.h"
+#include "fs/environment.h"
 #include "launcher/base/launch_options.h"
 #include "media/volume_files.h"
 #include "mediatool/base/files.h"
@@ -42,7 +43,7 @@ class Recording {
 FoundVolumes Search(const LaunchOptions& options, std::vector<AskedMarker>& asked) {
     const Recording recording(asked);
     try {
-        return FindVolumes(options, true, [](const std::string&, const std::string&) {});
+        return FindVolumes(options, [](const std::string&, const std::string&) {});
     } catch (const Endless&) {
         FoundVolumes found;
         found.count = ReadVolumeCount(CountFileIn(options.mediaDir).Text());
@@ -83,6 +84,7 @@ Json JsonOf(const LauncherView& view) {
 }
 
 LauncherView ViewOf(const Path& media) {
+    SetEnvVar(kRepositoryVar, "");  // would switch the search off
     LaunchOptions options(0, nullptr, kInstallerName, false, false);
     options.mediaDir = media;
     LauncherView view;

@@ -61,7 +61,7 @@ TEST_F(OuterVolumesTest, AreToldBetweenTheMessages) {
     journal.clear();
     LaunchOptions options(0, nullptr, "", true, false);
     options.mediaDir = Path(At("Q/7/R/V"));
-    FindVolumes(options, true, [](const std::string& name, const std::string& value) {
+    FindVolumes(options, [](const std::string& name, const std::string& value) {
         journal.push_back(name + "=" + value);
     });
     EXPECT_THAT(journal,
