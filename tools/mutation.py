@@ -4,8 +4,8 @@
 Each mutant is built in a private copy of the sources, and tested by the test programs of its own
 layer, by those of the other layers, by the inputs that the fuzzers keep, and last by the programs
 that run the launcher or mediatool from outside, up to the first that fails: twice, as a time limit
-that was passed once may be the machine's mood. What noticed other changes of a file goes first. Results are kept, one JSON object a line; a second
-call goes on where the first one ended.
+that was passed once may be the machine's mood. What noticed other changes of a file goes first.
+Results are kept, one JSON object a line; a second call goes on where the first one ended.
 
 What does not compile is not counted, nor a change that no test notices because the released program
 is the same with it, byte for byte, or the object code that it is made of.
@@ -193,6 +193,7 @@ class Runner:
             return list(dict.fromkeys(
                 result["by"] for result in reversed(self.results.values())
                 if result.get("program") == program and ": " not in result["by"]
+                and result["by"] not in self.skipped[program]
                 and place in (Path(result["file"]), Path(result["file"]).parent)))
 
     def first_failure(self, tree, program, tests):

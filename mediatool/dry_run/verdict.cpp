@@ -28,12 +28,11 @@ constexpr Culprit kCulprits[] = {
     {"This media is not for Windows operating system.", kFlavourMarkerVar},
     {"Setup failed to create process", kDebugVar}};
 
-// Before the run, or by its command line.
+// By its command line, or before the run.
 bool IsSet(const DryRun& run, const std::string& name) {
-    return std::ranges::count(run.setVariables, name, &SetVariable::name) > 0 ||
-           std::ranges::any_of(run.environment, [&name](const Change& change) {
-               return change.after && SameName(change.name, name);
-           });
+    for (const Change& change : run.environment)
+        if (SameName(change.name, name)) return change.after.has_value();
+    return std::ranges::count(run.setVariables, name, &SetVariable::name) > 0;
 }
 
 Reason LeftoverVariable(const std::string& name) {

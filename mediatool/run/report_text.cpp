@@ -125,12 +125,13 @@ std::string MeaningOf(const WatchedRun& run, const RunRequest& request) {
     if (run.installer && waits && !AnyBox(run, kCrashed)) return "The installer's own.";
     if (AnyBox(run, kCrashed))
         return "The launcher's, for an installer that crashed; see the installer's own log.";
-    const auto isKnown = [](const AnsweredBox& box) {
-        return KnownMessage(box.box.text).has_value();
+    const bool asks = AsksForVolumes(request.arguments);
+    const auto refuses = [&](const AnsweredBox& box) {
+        return !(waits || asks) || KnownMessage(box.box.text);
     };
-    if (run.exitCode == 1 && std::ranges::any_of(run.boxes, isKnown))
+    if (run.exitCode == 1 && std::ranges::any_of(run.boxes, refuses))
         return "The launcher refuses; the message says why.";
-    if (!run.installer && run.exitCode <= INT32_MAX && AsksForVolumes(request.arguments))
+    if (!run.installer && run.exitCode <= INT32_MAX && asks)
         return std::string("The number of volumes, which ") + kVolumesQuery +
                " asks for; nothing was started.";
     if (run.exitCode == 0 && !waits)

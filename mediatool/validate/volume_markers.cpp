@@ -94,6 +94,7 @@ std::vector<VolumeInOuter> VolumesInOuter(const Path& volumeOne, const std::stri
             const Path folder = Join(Parent(first), std::to_string(outer));
             if (SameName(folder, first)) continue;
             const Path parent = Join(folder, relative);
+            if (!IsFolder(parent)) continue;
             for (const VolumeNumber number : NumberedFolders(parent, 2, kAnyNumber)) {
                 const Path marker = MarkerIn(Join(parent, std::to_string(number)), number);
                 if (ids.In(marker) == setId) found.push_back({first, outer, number, marker});

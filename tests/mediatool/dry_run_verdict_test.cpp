@@ -41,6 +41,9 @@ TEST_F(VerdictTest, OfAUserWhoIsNoAdministrator) {
     EXPECT_EQ(Summary(Verdict::Refused, media_),
               "Refused, exit code 1, waits in a box: no administrator rights; run it as "
               "administrator, with highest privileges or as the system account");
+    EXPECT_THAT(Summary(Verdict::Refused, media_, {"-env", "ZEPProcessNotAdmin="},
+                        {{"ZEPProcessNotAdmin", "1"}}),
+                HasSubstr(": no administrator rights; "));
 }
 
 TEST_F(VerdictTest, OfAVariableThatWasLeftSet) {

@@ -124,6 +124,12 @@ TEST(Meaning, OfARefusal) {
               "The launcher refuses; the message says why.");
 }
 
+// Whatever the box says, when nobody else can have ended with that code.
+TEST(Meaning, OfABoxThatTellsNoText) {
+    EXPECT_EQ(Meaning(RunWith(1, false, "text"), false),
+              "The launcher refuses; the message says why.");
+}
+
 // Trace messages in boxes refuse nothing.
 TEST(Meaning, OfTheNumberOfVolumesAfterBoxes) {
     RunRequest request;

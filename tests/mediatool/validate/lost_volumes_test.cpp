@@ -79,7 +79,7 @@ TEST(VolumesOnDrives, NameTheFileThatIsMissing) {
     EXPECT_EQ(findings.front().action, "Write the file with the line MTBDIR=SET.");
 }
 
-TEST(VolumesOnDrives, AreNamedOnceForANumberThatThreeHave) {
+TEST(VolumesOnDrives, AreNamedOnceEachForANumberOfThree) {
     SampleMedia media(Layout::Siblings);
     media.Rename("../2", "../../two").Rename("../3", "../../three");
     media.Rename("../../three/3.txt", "../../three/2.txt").Marker("../../four/2.txt");

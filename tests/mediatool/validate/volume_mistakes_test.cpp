@@ -260,6 +260,15 @@ TEST(Identifiers, AreShortenedForReadersOnly) {
                   "... (3002 characters); volume 1 has \"SET\".");
 }
 
+// Beside folders that only look like outer volumes: no marker can have such a number.
+TEST(OuterMarkers, AreNotAskedForAbove99) {
+    SampleMedia media(Layout::Outer);
+    media.Remove("../../7.txt").Rename("../../../8", "../../../101");
+    media.Rename("../../../9", "../../../102");
+    EXPECT_EQ(Changes(media.Validate(), Layout::Outer).find("outer-marker-missing"),
+              std::string::npos);
+}
+
 // Bytes that only continue a letter: nothing in front of them begins one.
 TEST(Identifiers, OfNothingButContinuationsAreShortened) {
     SampleMedia media(Layout::Siblings);
