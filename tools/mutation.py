@@ -5,14 +5,18 @@ Each mutant is built in a private copy of the sources, and tested by the test pr
 layer, by those of the other layers, by the inputs that the fuzzers keep, and last by the programs
 that run the launcher or mediatool from outside, up to the first that fails: twice, as a time limit
 that was passed once may be the machine's mood. What noticed other changes of a file goes first.
-Results are kept, one JSON object a line; a second call goes on where the first one ended.
+Where it is known which tests enter the changed function, no others are asked: they could only notice
+what the compiler has made of it already. Results are kept, one JSON object a line; a second call
+goes on where the first one ended.
 
 What does not compile is not counted, nor a change that no test notices because the released program
 is the same with it, byte for byte, or the object code that it is made of.
 
     tools/mutation.py                        a random sample of 500 of the launcher, seed 1
-    tools/mutation.py mediatool        the same of mediatool
+    tools/mutation.py mediatool              the same of mediatool
     tools/mutation.py --seed 2               another sample: a number that was not used before
+    tools/mutation.py --reach                finds out first, in some minutes, which tests enter
+                                             which functions
     tools/mutation.py --sample 0             every place
     tools/mutation.py fs/copy.cpp media      the places of some files or folders
     tools/mutation.py --stages fuzz FILE...  by the kept inputs alone
@@ -34,8 +38,9 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
 from mutation.mutants import find  # noqa: E402
+from mutation.reached import Reached  # noqa: E402
 from mutation.report import describe, show  # noqa: E402
-from mutation.tree import LAUNCHER, MEDIATOOL, Failure, Tree, is_fuzzer  # noqa: E402
+from mutation.tree import LAUNCHER, MEDIATOOL, PROGRAMS, Failure, Tree, is_fuzzer  # noqa: E402
 
 REPOSITORY = Path(__file__).resolve().parent.parent
 # The pieces of the compiler's runtime: no other compiler uses them, and no test can see the seed of
@@ -44,6 +49,7 @@ LEFT_OUT = {"launcher/mingw_runtime.cpp"}
 STAGES = ("layer", "unit", "fuzz", "all")
 NOT_COUNTED = ("not compiled", "same code")
 GOAL = 0.97
+MOST_OF_A_FILTER = 30000  # characters: a command line has 32,767
 
 
 def product_files(names):
@@ -89,6 +95,7 @@ class Runner:
         self.files = list(product_files(arguments.files))
         self.results = {}
         self.lock = threading.Lock()
+        self.reached = Reached(Path(arguments.folder) / "reached.json")
         self.file = Path(arguments.results)
         if self.file.exists():
             for line in self.file.read_text().splitlines():
@@ -118,9 +125,17 @@ class Runner:
         return [program for program in tree.test_programs()
                 if {stage_of(program, file) for file in self.files} & stages]
 
+    def find_reached(self, programs):
+        tree = Tree(REPOSITORY, Path(self.arguments.folder) / "traced")
+        tree.prepare_traced()
+        programs = [program for program in programs if not is_fuzzer(program)]
+        tree.build_or_fail([*programs, *PROGRAMS])
+        tree.start_wine()
+        self.reached.find(tree, programs, self.sources)
+
     def measure(self, tree, programs):
         """How long each program takes, and which tests fail without any change."""
-        self.seconds, self.skipped = {}, {}
+        self.seconds, self.skipped, self.tests = {}, {}, {}
         for program in programs:
             self.skipped[program] = []
             while True:
@@ -133,10 +148,22 @@ class Runner:
                     raise Failure(f"{program} cannot be used: {outcome}")
                 self.skipped[program].append(outcome)
             self.seconds[program] = time.monotonic() - start
+            self.tests[program] = [] if is_fuzzer(program) else self.reached.tests_in(tree, program)
             print(f"{self.seconds[program]:6.1f} s  {program}", flush=True)
 
     def filter_of(self, program):
         return ["--gtest_filter=-" + ":".join(self.skipped[program])] if self.skipped[program] else []
+
+    def filter_for(self, program, mutant):
+        """Those that can notice it; None when no test of the program can."""
+        known = self.reached.tests_for(program, mutant, self.sources[mutant.file])
+        if known is None:
+            return self.filter_of(program)
+        tests = [test for test in self.tests[program] if test not in self.skipped[program]
+                 and (test in known or test not in self.reached.tests[program])]
+        text = "--gtest_filter=" + ":".join(tests)
+        return None if not tests else [text] if len(text) < MOST_OF_A_FILTER else \
+            self.filter_of(program)
 
     # --- one mutant
 
@@ -180,7 +207,9 @@ class Runner:
                                                self.seconds[program]))
             likely = {program: ["--gtest_filter=" + ":".join(tests)] for program in programs
                       if (tests := self.killers(program, Path(mutant.file)))}
-            for program, tests in [*likely.items(), *((p, self.filter_of(p)) for p in programs)]:
+            possible = {program: tests for program in programs
+                        if (tests := self.filter_for(program, mutant)) is not None}
+            for program, tests in [*likely.items(), *possible.items()]:
                 failed = self.first_failure(tree, program, tests)
                 if failed:
                     return {"result": "killed", "stage": stage, "program": program, "by": failed}
@@ -221,6 +250,8 @@ class Runner:
             tree.prepare(self.arguments.stages)
             programs = self.needed(tree)
             tree.build_pristine(programs)
+        if self.arguments.reach:
+            self.find_reached(programs)
         self.measure(trees[0], programs)
         self.judged = 0
         threads = [threading.Thread(target=self.work, args=(tree, waiting)) for tree in trees]
@@ -290,6 +321,8 @@ def main():
     parser.add_argument("--workers", type=int, default=1)
     parser.add_argument("--folder", default=REPOSITORY / "build/mutation", help="for the copies")
     parser.add_argument("--results", default=REPOSITORY / "build/mutation/results.jsonl")
+    parser.add_argument("--reach", action="store_true",
+                        help="find out first which tests enter which functions")
     parser.add_argument("--again", help="only the mutants of this results file")
     parser.add_argument("--list", action="store_true", help="show the places only")
     parser.add_argument("--report", action="store_true", help="show the results so far only")

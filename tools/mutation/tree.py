@@ -55,31 +55,48 @@ class Tree:
     def prepare(self, stages):
         """Copies what has changed, builds it and keeps the result to go back to."""
         self.copy_sources()
-        launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
+        self.configure("single_sources.cmake")
+        if FUZZ in stages:
+            self.call([self.source / "tools/install-tools.sh", "clang-14", "libclang-rt-14-dev"])
+            self.call(["cmake", "-S", self.source / "tests/fuzz", "-B", self.fuzz_folder, "-G",
+                       "Ninja", "-DCMAKE_CXX_COMPILER=clang++-14", "-DCMAKE_CXX_FLAGS=-w",
+                       *self.compiler_launcher()])
+        self.call(["cmake", "--preset", "mingw", "-B", self.release_folder,
+                   "-DLAUNCHER_BUILD_TESTS=OFF", "-DLAUNCHER_BUILD_TOOLS=ON",
+                   "-DCMAKE_CXX_FLAGS=-w", *self.compiler_launcher()])
+
+    def prepare_traced(self):
+        """The same with programs that write down which functions they enter."""
+        self.copy_sources()
+        self.configure("reached.cmake")
+
+    def configure(self, script):
         # By Clang, whose linker needs less than a second where GNU's needs 17. Without debug
         # information and with tests compiled several at a time, for the linker's sake, too, and
         # without warnings: a change is no mistake of style.
         self.call([self.source / "tools/install-tools.sh", "clang", "lld"])
         self.call(["cmake", "--preset", "clang-debug", "-B", self.build_folder,
                    "-DLAUNCHER_JOIN_SOURCES=ON", "-DCMAKE_PROJECT_INCLUDE=" +
-                   str(self.source / "tools/mutation/single_sources.cmake"),
-                   "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -w", *launcher])
-        if FUZZ in stages:
-            self.call([self.source / "tools/install-tools.sh", "clang-14", "libclang-rt-14-dev"])
-            self.call(["cmake", "-S", self.source / "tests/fuzz", "-B", self.fuzz_folder, "-G",
-                       "Ninja", "-DCMAKE_CXX_COMPILER=clang++-14", "-DCMAKE_CXX_FLAGS=-w",
-                       *launcher])
-        self.call(["cmake", "--preset", "mingw", "-B", self.release_folder,
-                   "-DLAUNCHER_BUILD_TESTS=OFF", "-DLAUNCHER_BUILD_TOOLS=ON",
-                   "-DCMAKE_CXX_FLAGS=-w", *launcher])
+                   str(self.source / "tools/mutation" / script),
+                   "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -w", *self.compiler_launcher()])
+
+    @staticmethod
+    def compiler_launcher():
+        return ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
 
     def build_pristine(self, programs):
         """Builds these test programs and the release as they are, to go back to."""
-        if not self.build(programs) or not self.build_fuzzers(programs):
-            raise Failure("the sources do not build as they are:\n" + self.output[-4000:])
+        self.build_or_fail(programs)
         self.released = self.release()
         self.take_snapshot()
-        # Here rather than with the first test, which has a time limit.
+        self.start_wine()
+
+    def build_or_fail(self, programs):
+        if not self.build(programs) or not self.build_fuzzers(programs):
+            raise Failure("the sources do not build as they are:\n" + self.output[-4000:])
+
+    def start_wine(self):
+        """Here rather than with the first test, which has a time limit."""
         self.call([self.source / "tools/wine-run.sh", self.build_folder / "wine-prefix", "cmd.exe",
                    "/c", "exit"])
 
@@ -195,9 +212,13 @@ class Tree:
         return [name for name in self.state if name.endswith(f"/{Path(file).name}.obj")
                 and name.startswith(f"{Path(file).parent}/CMakeFiles")]
 
-    def run(self, program, arguments, timeout):
+    def log_of(self, program):
+        """What its last run said."""
+        return self.folder / f"{Path(program).stem}.txt"
+
+    def run(self, program, arguments, timeout, environment=None):
         """"passed", "timeout" or the name of the first failed test ("?" after a crash)."""
-        log = self.folder / "output.txt"
+        log = self.log_of(program)
         command = [self.source / "tools/wine-run.sh", self.build_folder / "wine-prefix",
                    self.build_folder / program, "--gtest_fail_fast", *arguments]
         limits = limit_resources
@@ -210,7 +231,8 @@ class Tree:
             process = subprocess.Popen(
                 [str(part) for part in command], cwd=(self.build_folder / program).parent,
                 stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT,
-                start_new_session=True, preexec_fn=limits)
+                env=dict(os.environ, **(environment or {})), start_new_session=True,
+                preexec_fn=limits)
             try:
                 status = process.wait(timeout)
             except subprocess.TimeoutExpired:
