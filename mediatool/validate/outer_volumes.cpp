@@ -28,16 +28,15 @@ std::vector<OuterSet> NearestSets(const DiscSet& set, const Path& below) {
     return sets;
 }
 
-constexpr VolumeNumber kMostOuter = 99;  // that a marker's name may have
-
 // The outer volume of volume 1 has no marker, but another one holds a volume of the set.
 bool ReportUnmarked(const DiscSet& set, Findings& out) {
     for (const VolumeInOuter& volume : VolumesInOuter(set.first, set.id, set.ids)) {
         const VolumeNumber number = volume.outer - volume.number + 1;
-        if (number < 1 || number > kMostOuter) continue;
+        const Path missing = MarkerIn(volume.first, number);
+        if (OuterMarkerNumber(FileName(missing)) <= 0) continue;
         const Path other = Join(Parent(volume.first), std::to_string(volume.outer));
         const std::string& id = set.ids.In(MarkerIn(other, volume.outer));
-        out.Add("outer-marker-missing", MarkerIn(volume.first, number),
+        out.Add("outer-marker-missing", missing,
                 {std::to_string(number), std::to_string(volume.number),
                  id.empty() ? "identifier" : id});
         return true;

@@ -80,8 +80,8 @@ inline Rehearsal* CurrentRehearsal() {
 
 // Whether a path of this length is too long for the machine, which by itself has this limit.
 inline bool IsTooLong(std::size_t length, std::size_t limit) {
-    Rehearsal& rehearsal = *CurrentRehearsal();
     if (length <= limit) return false;
+    Rehearsal& rehearsal = *CurrentRehearsal();
     rehearsal.journal.metLongPaths = true;
     return !rehearsal.machine.longPaths.value_or(false);
 }
