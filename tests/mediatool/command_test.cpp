@@ -208,10 +208,12 @@ TEST_F(Command, WrongUseThatMayBeASlip) {
               "mediatool: There is no command \"validat\"; did you mean validate?\n");
     EXPECT_EQ(Complaint({"rnu", folder}),
               "mediatool: There is no command \"rnu\"; did you mean run?\n");
-    EXPECT_EQ(
-        Complaint({"nru", folder}),
-        "mediatool: There is no command \"nru\"; there are run, dry-run, validate, create and "
-        "checksum.\n");
+    for (const std::string none : {"nru", "va"})  // letters too few for a beginning
+        EXPECT_EQ(Complaint({none, folder}),
+                  "mediatool: There is no command \"" + none +
+                      "\"; there are run, dry-run, validate, create and checksum.\n");
+    EXPECT_EQ(Complaint({"val", folder}),
+              "mediatool: There is no command \"val\"; did you mean validate?\n");
     EXPECT_EQ(Complaint({"DryRun", folder}),
               "mediatool: There is no command \"DryRun\"; did you mean dry-run?\n");
     EXPECT_EQ(Complaint({"validate", folder, "--frobnicate"}),
