@@ -15,6 +15,8 @@ prefix=$PWD/$build/wine-prefix
 folders="fs platform launcher media installer mediatool"
 flags="-fsanitize=undefined -fsanitize-undefined-trap-on-error -D_GLIBCXX_ASSERTIONS"
 
+tools/install-tools.sh
+
 # Warnings are for the ordinary builds: the checks make the compiler see faults in its own library.
 # They also make it emit more of that library into each object, and the linker takes whole objects:
 # where a test has its own version of a product function, its own counts.
@@ -28,10 +30,13 @@ done)
 if [ $# -gt 0 ]; then
     chosen=""
     for name; do
-        test=$(echo "$tests" | grep "/$name\.exe\$") || {
+        test=$(for each in $tests; do
+            [ "$(basename "$each" .exe)" != "$name" ] || echo "$each"
+        done)
+        if [ -z "$test" ]; then
             echo "check-undefined.sh: there is no test program \"$name\"." >&2
             exit 2
-        }
+        fi
         chosen="$chosen $test"
     done
     tests=$chosen
@@ -60,7 +65,10 @@ for fault in none overflow index overrun "used after release" "released twice"; 
     found=caught
     if passes "$samples/$fault.log" "$samples/sample.exe" "$fault"; then found=passed; fi
     echo "sample with fault \"$fault\": $found"
-    [ $found = $expected ] || exit 1
+    if [ $found != $expected ]; then
+        echo "check-undefined.sh: a check that does not work; see $samples/$fault.log" >&2
+        exit 1
+    fi
 done
 
 failed=""
