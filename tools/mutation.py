@@ -27,6 +27,7 @@ The exit code is 0 when at least 97 % of the judged mutants were killed.
 """
 
 import argparse
+import concurrent.futures
 import hashlib
 import json
 import queue
@@ -49,6 +50,7 @@ LEFT_OUT = {"launcher/mingw_runtime.cpp"}
 STAGES = ("layer", "unit", "fuzz", "all")
 NOT_COUNTED = ("not compiled", "same code")
 GOAL = 0.97
+FEW = 8  # tests
 MOST_OF_A_FILTER = 30000  # characters: a command line has 32,767
 
 
@@ -133,10 +135,15 @@ class Runner:
         tree.start_wine()
         self.reached.find(tree, programs, self.sources)
 
-    def measure(self, tree, programs):
+    def measure(self, trees, programs):
         """How long each program takes, and which tests fail without any change."""
         self.seconds, self.skipped, self.tests = {}, {}, {}
-        for program in programs:
+        idle = queue.SimpleQueue()
+        for tree in trees:
+            idle.put(tree)
+
+        def measure_one(program):
+            tree = idle.get()
             self.skipped[program] = []
             while True:
                 start = time.monotonic()
@@ -150,20 +157,36 @@ class Runner:
             self.seconds[program] = time.monotonic() - start
             self.tests[program] = [] if is_fuzzer(program) else self.reached.tests_in(tree, program)
             print(f"{self.seconds[program]:6.1f} s  {program}", flush=True)
+            idle.put(tree)
+
+        with concurrent.futures.ThreadPoolExecutor(len(trees)) as pool:
+            list(pool.map(measure_one, programs))
 
     def filter_of(self, program):
         return ["--gtest_filter=-" + ":".join(self.skipped[program])] if self.skipped[program] else []
 
-    def filter_for(self, program, mutant):
-        """Those that can notice it; None when no test of the program can."""
-        known = self.reached.tests_for(program, mutant, self.sources[mutant.file])
-        if known is None:
-            return self.filter_of(program)
-        tests = [test for test in self.tests[program] if test not in self.skipped[program]
-                 and (test in known or test not in self.reached.tests[program])]
-        text = "--gtest_filter=" + ":".join(tests)
-        return None if not tests else [text] if len(text) < MOST_OF_A_FILTER else \
-            self.filter_of(program)
+    def tests_for(self, program, mutant):
+        """Those that can notice it, the nearest first; None for all of the program."""
+        near = self.reached.tests_for(program, mutant, self.sources[mutant.file])
+        if near is None:
+            return None
+        near += [test for test in self.tests[program] if test not in self.reached.tests[program]]
+        return [test for test in near
+                if test in self.tests[program] and test not in self.skipped[program]]
+
+    def attempts(self, programs, mutant):
+        """What to run, as programs and filters: what noticed other changes of the file, the few
+        tests of each program that are nearest, then all that can notice it."""
+        possible = {program: self.tests_for(program, mutant) for program in programs}
+        few = [(program, tests[:FEW]) for program, tests in possible.items()
+               if tests and len(tests) > FEW]
+        for program, tests in [*((p, self.killers(p, Path(mutant.file))) for p in programs), *few,
+                               *possible.items()]:
+            text = "--gtest_filter=" + ":".join(tests or ())
+            if tests is None or len(text) > MOST_OF_A_FILTER:
+                yield program, self.filter_of(program)
+            elif tests:
+                yield program, [text]
 
     # --- one mutant
 
@@ -205,11 +228,7 @@ class Runner:
                 programs = [p for p in programs if tree.was_rebuilt(p)]
             programs.sort(key=lambda program: (-len(self.killers(program, Path(mutant.file).parent)),
                                                self.seconds[program]))
-            likely = {program: ["--gtest_filter=" + ":".join(tests)] for program in programs
-                      if (tests := self.killers(program, Path(mutant.file)))}
-            possible = {program: tests for program in programs
-                        if (tests := self.filter_for(program, mutant)) is not None}
-            for program, tests in [*likely.items(), *possible.items()]:
+            for program, tests in self.attempts(programs, mutant):
                 failed = self.first_failure(tree, program, tests)
                 if failed:
                     return {"result": "killed", "stage": stage, "program": program, "by": failed}
@@ -252,7 +271,7 @@ class Runner:
             tree.build_pristine(programs)
         if self.arguments.reach:
             self.find_reached(programs)
-        self.measure(trees[0], programs)
+        self.measure(trees, programs)
         self.judged = 0
         threads = [threading.Thread(target=self.work, args=(tree, waiting)) for tree in trees]
         for thread in threads:

@@ -72,6 +72,9 @@ class Reached:
         self.tests = known.get("tests", {})      # by program
         # By source: first line, last line, and the tests by program.
         self.functions = known.get("functions", {})
+        self.entered_by = collections.Counter(
+            (program, test) for places in self.functions.values() for *_, by_program in places
+            for program, tests in by_program.items() for test in tests)
 
     # --- finding out
 
@@ -112,9 +115,10 @@ class Reached:
             source: [[*lines, {program: sorted(tests) for program, tests in by_program.items()}]
                      for lines, by_program in sorted(places.items())]
             for source, places in found.items()}
-        self.sources = {name: fingerprint(text) for name, text in sources.items()}
-        self.file.write_text(json.dumps({"sources": self.sources, "tests": self.tests,
-                                         "functions": self.functions}))
+        self.file.write_text(json.dumps({
+            "sources": {name: fingerprint(text) for name, text in sources.items()},
+            "tests": self.tests, "functions": self.functions}))
+        self.__init__(self.file)
 
     @staticmethod
     def tests_in(tree, program):
@@ -130,11 +134,13 @@ class Reached:
     # --- what was found
 
     def tests_for(self, program, mutant, source):
-        """The tests of `program` that enter a function with the changed line; None: not known."""
+        """The tests of `program` that enter a function with the changed line, those first that enter
+        few others; None: not known."""
         if self.sources.get(mutant.file) != fingerprint(source) or program not in self.tests:
             return None
         entered = [by_program for first, last, by_program in self.functions.get(mutant.file, ())
                    if first <= mutant.line <= last]
         if not any(entered):
             return None
-        return sorted({test for by_program in entered for test in by_program.get(program, ())})
+        return sorted({test for by_program in entered for test in by_program.get(program, ())},
+                      key=lambda test: self.entered_by[program, test])
