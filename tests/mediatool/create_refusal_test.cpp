@@ -63,6 +63,16 @@ TEST_F(Creating, RefusesMarkersOfOneNameWithOtherLines) {
     }
 }
 
+TEST_F(Creating, RefusesContentThatIsNoFolder) {
+    scratch.Write("file");
+    scratch.MakeDir("one");
+    for (const std::string other : {"file", "missing"}) {
+        request.from = {scratch.Text("one"), scratch.Text(other)};
+        EXPECT_EQ(Complaint(), "wrong use: \"" + scratch.Text(other) + "\" is no folder.");
+    }
+    EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
 TEST_F(Creating, RefusesTheSameContentTwice) {
     scratch.Write("one/a.bin", "1");
     request.from = {scratch.Text("one"), scratch.Text("ONE") + "\\"};

@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(Outer, CreateTest,
                          CreateName);
 
 TEST_F(Creating, WritesTheTextsThatTheLauncherReads) {
-    Create(request);
+    EXPECT_EQ(Create(request).outerId, "");
     EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\inst\\volumes.txt"))), "2\r\n");
     EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\1\\1.txt"))), "MTBDIR=SET\r\n");
     EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\2.txt"))), "MTBDIR=SET\r\n");

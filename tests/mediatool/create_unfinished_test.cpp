@@ -88,7 +88,9 @@ TEST_F(Unfinished, OlderSetIsAsItWasWhenNothingWasWrittenOver) {
 
 TEST_F(Unfinished, TheNextRunGoesOn) {
     ComplaintOfInterruptedRun(1);
-    ASSERT_TRUE(IsThere("out\\1\\mediatool-unfinished.txt"));
+    EXPECT_EQ(ReadFile(FromUtf8(Mark())),
+              "mediatool create has not written this set to its end. Run it again, with the same "
+              "arguments: it goes on where it stopped.\r\n");
     scratch.Write("out/1/mediatool-unfinished.tmp", "n");
     std::vector<std::size_t> all;
     request.progress = [&](const mediatool::Amounts& progress) {
@@ -298,14 +300,18 @@ TEST_F(FailingCall, ForAMomentIsTriedAgain) {
 // All is written: it stays, and the next run has nothing to do but this.
 TEST_F(FailingCall, ForTheEndOfTheMark) {
     std::string complaint;
+    std::vector<DWORD> waited;
     {
         const Hook<decltype(&DeleteFileW)> held("DeleteFileW", [](auto real, LPCWSTR name) {
             if (!std::wstring(name).ends_with(L"unfinished.txt")) return real(name);
             SetLastError(ERROR_SHARING_VIOLATION);
             return FALSE;
         });
+        const Hook<decltype(&Sleep)> wait("Sleep",
+                                          [&waited](auto, DWORD time) { waited.push_back(time); });
         complaint = Complaint();
     }
+    EXPECT_EQ(waited, std::vector<DWORD>(19, 100));
     EXPECT_THAT(complaint, testing::StartsWith("refused: \"" + Mark() + "\" cannot be removed: "));
     EXPECT_TRUE(IsThere("out\\2\\c.bin"));
     request.force = false;

@@ -182,6 +182,12 @@ const Mistake kLost[] = {
     {"volume-not-unpacked", Level::Error, Layout::Siblings,
      [](Media& m) { m.Remove("../2").Remove("../3").Write("../2.zip", "PK"); }, "BesideAMissingOne",
      "volume-missing"},
+    {"volume-missing", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         m.Remove("../3").MakeDir("../3.zip").Write("../Disc-3.doc", "x");
+         m.Write("../disc.iso", "x");
+     },
+     "BesideWhatOnlyLooksPacked"},
 };
 class LostVolumeTest : public MistakeTest {};
 TEST_P(LostVolumeTest, IsFoundByItsName) {
