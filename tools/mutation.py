@@ -214,21 +214,25 @@ class Runner:
         for stage in self.arguments.stages:
             if stage in tested:
                 continue
-            programs, own = ([p for p in self.seconds if stage_of(p, mutant.file) == name]
-                             for name in (stage, "layer"))
-            if not tree.build(programs + own):
-                return {"result": "not compiled"}
-            # What the fuzzers' compiler alone refuses is no mutant for them.
-            if not tree.build_fuzzers(programs):
-                programs = []
+            programs = [p for p in self.seconds if stage_of(p, mutant.file) == stage]
             if stage == "all":
                 # Of its own layer, those without the change in them: they may start what has it.
+                own = [p for p in self.seconds if stage_of(p, mutant.file) == "layer"]
+                if not tree.build(own):
+                    return {"result": "not compiled"}
                 programs += [p for p in own if not tree.was_rebuilt(p)]
-            else:
-                programs = [p for p in programs if tree.was_rebuilt(p)]
             programs.sort(key=lambda program: (-len(self.killers(program, Path(mutant.file).parent)),
                                                self.seconds[program]))
+            useful = {}
             for program, tests in self.attempts(programs, mutant):
+                if program not in useful:
+                    is_built = tree.build([program]) and tree.build_fuzzers([program])
+                    # What the fuzzers' compiler alone refuses is no mutant for them.
+                    if not is_built and not is_fuzzer(program):
+                        return {"result": "not compiled"}
+                    useful[program] = is_built and (stage == "all" or tree.was_rebuilt(program))
+                if not useful[program]:
+                    continue
                 failed = self.first_failure(tree, program, tests)
                 if failed:
                     return {"result": "killed", "stage": stage, "program": program, "by": failed}
