@@ -54,7 +54,8 @@ TEST_F(ChecksumCommandTest, WritesAListIntoEveryVolumeThatIsFound) {
 
 TEST_F(ChecksumCommandTest, WritesOverAListByForceOnly) {
     media.Write("../3/SHA256SUMS", "old");
-    EXPECT_THAT(Complaint(), testing::EndsWith("is there already; --force writes over it."));
+    EXPECT_EQ(Complaint(), "\"" + media.Text("../3/SHA256SUMS") +
+                               "\" is there already; --force writes over it.");
     EXPECT_FALSE(stdfs::exists(FromUtf8(media.Text("SHA256SUMS"))));
     force = true;
     EXPECT_EQ(Complaint(), "none");
@@ -104,7 +105,8 @@ TEST_F(ChecksumCommandTest, WritesNoListThatLacksAFolder) {
 
 TEST_F(ChecksumCommandTest, RefusesAnUnfinishedSet) {
     media.Write("mediatool-unfinished.txt");
-    EXPECT_THAT(Complaint(), testing::EndsWith("says that the set is not finished."));
+    EXPECT_EQ(Complaint(), "\"" + media.Text("mediatool-unfinished.txt") +
+                               "\" says that the set is not finished.");
 }
 
 TEST_F(ChecksumCommandTest, FindsTheVolumesOfADriveFromEverywhere) {

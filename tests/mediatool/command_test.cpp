@@ -122,40 +122,48 @@ TEST_F(Command, CreateThatIsRefused) {
 }
 
 TEST_F(Command, WrongUse) {
-    EXPECT_THAT(Complaint({}), StartsWith("mediatool: "));
     EXPECT_EQ(
         Complaint({"burn", "--fast"}),
         "mediatool: There is no command \"burn\"; there are run, dry-run, validate, create and "
         "checksum.\n");
-    EXPECT_THAT(Complaint({"validate"}), HasSubstr("media is required"));
-    EXPECT_THAT(Complaint({"validate", "--fast", media.Text()}), HasSubstr("--fast"));
-    EXPECT_THAT(Complaint({"validate", scratch.Text("keine Größe")}), HasSubstr("keine Größe"));
-    EXPECT_THAT(Complaint({"validate", scratch.Text()}), HasSubstr("no launcher (setup.exe)"));
-    EXPECT_THAT(Complaint({"validate", media.Text(), "--", "-wait"}),
-                HasSubstr("Only run and dry-run"));
-    EXPECT_THAT(Complaint({"dry-run", scratch.Text()}), HasSubstr("no launcher (setup.exe)"));
-    EXPECT_THAT(Complaint({"dry-run", media.Text(), "--windows", "XP"}), HasSubstr("XP"));
-    EXPECT_THAT(Complaint({"dry-run", media.Text(), "--env", "=x"}), HasSubstr("NAME=VALUE"));
-    EXPECT_THAT(Complaint({"dry-run", media.Text(), "--env"}), HasSubstr("--env"));
-    EXPECT_THAT(Complaint({"dry-run", media.Text(), "-wait"}),
-                HasSubstr("the launcher's own arguments go after --"));
+    EXPECT_EQ(Complaint({"validate", "--fast", media.Text()}),
+              "mediatool: There is no option \"--fast\".\n");
+    EXPECT_THAT(
+        Complaint({"validate", scratch.Text("keine Größe")}),
+        StartsWith("mediatool: \"" + scratch.Text("keine Größe") + "\" cannot be opened: "));
+    for (const std::string command : {"validate", "dry-run"})
+        EXPECT_EQ(Complaint({command, scratch.Text()}),
+                  "mediatool: \"" + scratch.Text() + "\" has no launcher (setup.exe) in it.\n");
+    EXPECT_EQ(Complaint({"validate", media.Text(), "--", "-wait"}),
+              "mediatool: Only run and dry-run take arguments of the launcher, after --.\n");
+    for (const std::string variable : {"=x", "x", ""})
+        EXPECT_EQ(Complaint({"dry-run", media.Text(), "--env", variable}),
+                  "mediatool: --env takes NAME=VALUE, not \"" + variable + "\".\n");
+    EXPECT_EQ(Complaint({"dry-run", media.Text(), "--env"}),
+              "mediatool: --env is there without its value.\n");
+    EXPECT_EQ(Complaint({"dry-run", media.Text(), "-wait"}),
+              "mediatool: There is no option \"-wait\" (the launcher's own arguments go after "
+              "--).\n");
     EXPECT_EQ(Complaint({"dry-run", media.Text(), "--temp", "C:\\a", "--env", "Temp=C:\\b"}),
               "mediatool: --temp and --env Temp=... contradict each other.\n");
     EXPECT_EQ(Complaint({"dry-run", media.Text(), "--pick", scratch.Text("nowhere")}),
               "mediatool: \"" + scratch.Text("nowhere") +
                   "\" cannot be picked: there is no such folder.\n");
-    EXPECT_THAT(Complaint({"dry-run", media.Text(), "--pick", media.Text("setup.exe")}),
-                HasSubstr("no such folder"));
+    EXPECT_EQ(Complaint({"dry-run", media.Text(), "--pick", media.Text("setup.exe")}),
+              "mediatool: \"" + media.Text("setup.exe") +
+                  "\" cannot be picked: there is no such folder.\n");
     EXPECT_EQ(Complaint({"dry-run", media.Text(), "--temp", "temp"}),
               "mediatool: --temp takes a full path, not \"temp\".\n");
-    EXPECT_THAT(Complaint({"create", scratch.Text("out")}), HasSubstr("--id"));
-    EXPECT_THAT(Complaint({"create", "--id", "X", "--layout", "spiral", "--volumes", "2",
-                           scratch.Text("out")}),
-                HasSubstr("spiral"));
-    EXPECT_THAT(Complaint({"validate", "--temp", "", media.Text()}), HasSubstr("full path"));
-    EXPECT_THAT(
-        Complaint({"create", "--id", "X", "--layout", "2", "--volumes", "2", scratch.Text("out")}),
-        HasSubstr("--layout: one-folder, siblings or outer, not \"2\"."));
+    EXPECT_EQ(Complaint({"create", scratch.Text("out")}),
+              "mediatool: --id is required; mediatool help create tells more.\n");
+    for (const std::string layout : {"spiral", "2"})
+        EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", layout, "--volumes", "2",
+                             scratch.Text("out")}),
+                  "mediatool: --layout: one-folder, siblings or outer, not \"" + layout + "\".\n");
+    for (const std::string temp : {"", "Temp"})
+        EXPECT_EQ(Complaint({"validate", "--temp", temp, media.Text()}),
+                  "mediatool: --temp takes the full path of a folder, such as C:\\Temp, not \"" +
+                      temp + "\".\n");
     for (const std::string volumes : {"x", "2x", "", "99999999999"})
         EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", "siblings", "--volumes", volumes,
                              scratch.Text("out")}),
@@ -167,9 +175,9 @@ TEST_F(Command, WrongUse) {
         EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", "siblings", "--volumes", "2",
                              option, "3", scratch.Text("out")}),
                   "mediatool: " + option + " goes with --layout outer only.\n");
-    EXPECT_THAT(Complaint({"create", "--id", "X", "--layout", "outer", "--volumes", "2",
-                           "--outer-id", "", scratch.Text("out")}),
-                HasSubstr("--outer-id is empty."));
+    EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", "outer", "--volumes", "2", "--outer-id",
+                         "", scratch.Text("out")}),
+              "mediatool: --outer-id is empty.\n");
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Dir()));
 }
 
@@ -231,8 +239,10 @@ TEST_F(Command, WrongUseOfABackslashBeforeAQuote) {
         EXPECT_EQ(Complaint({command, "M:\\My Media\" --json"}),
                   "mediatool: The path M:\\My Media\"... has a quote in it: a backslash before the "
                   "closing quote, as in \"M:\\My Media\\\", does that; leave it out.\n");
-    EXPECT_THAT(Complaint({"validate", media.Text(), "--temp", "C:\\Te mp\" x"}),
-                HasSubstr("The path C:\\Te mp\"... has a quote in it"));
+    EXPECT_EQ(
+        Complaint({"validate", media.Text(), "--temp", "C:\\Te mp\" x"}),
+        "mediatool: The path C:\\Te mp\"... has a quote in it: a backslash before the closing "
+        "quote, as in \"C:\\Te mp\\\", does that; leave it out.\n");
     EXPECT_THAT(Run({"dry-run", media.Text(), "--env", "X=\"a\""}).errors, "");
 }
 
@@ -352,7 +362,7 @@ TEST_F(Command, HelpSaysWhatTheListHas) {
 TEST_F(Command, HelpAndVersion) {
     EXPECT_THAT(Run({"--help"}).output, HasSubstr("dry-run"));
     EXPECT_THAT(Run({"validate", "--help"}).output, HasSubstr("Exit code: 0 clean"));
-    EXPECT_THAT(Run({"--version"}).output, StartsWith("mediatool 1."));
+    EXPECT_EQ(Run({"--version"}).output, "mediatool " LAUNCHER_VERSION "\n");
     EXPECT_EQ(Run({"--help"}).exitCode, 0u);
     for (const std::vector<std::string>& asked :
          std::vector<std::vector<std::string>>{{"help"},

@@ -124,6 +124,33 @@ TEST_F(Content, ALinkIsCopiedAsWhatItLeadsTo) {
               stdfs::last_write_time(FromUtf8(scratch.Text("one\\a.bin"))));
 }
 
+TEST_F(Content, EveryStepIsTold) {
+    scratch.Write("one/a.bin", "12345");
+    scratch.Write("two/b.bin", "123");
+    scratch.Write("out/1/1.txt", "old");
+    request.checksums = true;
+    request.force = true;
+    std::vector<std::string> told;
+    request.progress = [&told](const mediatool::Amounts& amounts) {
+        told.push_back(std::string(amounts.what) + " " + std::to_string(amounts.files) + "/" +
+                       std::to_string(amounts.allFiles) + " " + std::to_string(amounts.bytes) +
+                       "/" + std::to_string(amounts.allBytes));
+    };
+    Create(request);
+    EXPECT_THAT(
+        told, testing::ElementsAre(
+                  "Content 1/0 5/0", "Content 2/0 8/0", "Comparing 1/7 0/0", "Comparing 2/7 0/0",
+                  "Comparing 3/7 0/0", "Comparing 4/7 0/0", "Comparing 5/7 0/0",
+                  "Comparing 6/7 0/0", "Comparing 7/7 0/0", "Checking 1/2 0/0", "Checking 2/2 0/0",
+                  // The two copies,
+                  "Copying 0/2 0/8", "Copying 0/2 5/8", "Copying 1/2 5/8", "Copying 1/2 8/8",
+                  // the count file and the markers,
+                  "Copying 2/2 8/8", "Copying 2/2 8/8", "Copying 2/2 8/8",
+                  // and the list of each volume, for which the markers are read.
+                  "Copying 2/2 8/8", "Checksums 1/0 12/0", "Checksums 2/0 15/0", "Copying 2/2 8/8",
+                  "Checksums 3/0 27/0"));
+}
+
 TEST_F(Content, ADryRunSaysAllAndChangesNothing) {
     scratch.Write("one/a.bin", "12345");
     scratch.Write("two/b.bin", "123");

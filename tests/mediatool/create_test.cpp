@@ -164,13 +164,19 @@ TEST_F(Creating, SaysWhatMakesNoSense) {
     request.id = "\"SET\"";
     EXPECT_EQ(Complaint(), "wrong use: --id cannot be used: The identifier is in quotes.");
     request.id = "SET";
-    request.volumes = 100;
-    EXPECT_EQ(Complaint(), "wrong use: --volumes takes a number from 1 to 99.");
+    for (const int volumes : {-1, 0, 100}) {
+        request.volumes = volumes;
+        EXPECT_EQ(Complaint(), "wrong use: --volumes takes a number from 1 to 99.");
+    }
     request.volumes = 2;
     request.from = {scratch.Text()};
     EXPECT_EQ(Complaint(), "wrong use: --from takes one folder for each of the 2 volumes.");
     request.from = {scratch.Text(), scratch.Text("none")};
-    EXPECT_THAT(Complaint(), testing::HasSubstr("are in one another."));
+    EXPECT_EQ(Complaint(), "wrong use: \"" + scratch.Text() +
+                               "\" and the folder to write into are in one another.");
+    request.layout = Layout::OneFolder;
+    request.from = {scratch.Text("a"), scratch.Text("b"), scratch.Text("c")};
+    EXPECT_EQ(Complaint(), "wrong use: --from takes one folder for each of the 2 volumes.");
     request.from = {};
     request.layout = Layout::Outer;
     request.outerId = "SET";
@@ -215,14 +221,23 @@ TEST_F(Creating, ClearsAwayTheFileOfARunThatWasKilled) {
     EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\2\\2.txt"))), "MTBDIR=SET\r\n");
 }
 
+TEST_F(Creating, QuotesAPathWithBlanksInWhatComesNext) {
+    request.out = scratch.Text("a set");
+    EXPECT_THAT(
+        mediatool::NextStep(Create(request)),
+        testing::EndsWith(":\n  mediatool validate \"" + scratch.Text("a set\\1") + "\"\n"));
+}
+
 // A set without content: what is found wrong with it is that the content is missing.
 TEST_F(Creating, LeavesASkeletonThatLacksItsContentOnly) {
     for (const Layout layout : {Layout::OneFolder, Layout::Siblings, Layout::Outer}) {
         request.layout = layout;
         request.out = scratch.Text(mediatool::LayoutName(layout));
         const Creation creation = Create(request);
-        EXPECT_THAT(mediatool::NextStep(creation),
-                    testing::HasSubstr("mediatool validate " + creation.folders.front()));
+        EXPECT_EQ(mediatool::NextStep(creation),
+                  "Still missing: the launcher (setup.exe), the installer and the other content. "
+                  "Add them, then check with:\n  mediatool validate " +
+                      creation.folders.front() + "\n");
         mediatool::ValidateRequest check;
         check.folders = {creation.folders.front()};
         const Validation validation = mediatool::Validate(check);

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "launcher/base/message.h"
+#include "mediatool/create/checksum.h"
 #include "mediatool/create/create.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "mediatool/validate/validate.h"
@@ -175,6 +176,19 @@ TEST(OutputOfCreate, ForPrograms) {
         "totals": {
             "copy": {"files": 2, "bytes": 1003}, "keep": {"files": 1, "bytes": 600},
             "replace": {"files": 1, "bytes": 50}, "write": {"files": 1, "bytes": 7}}})"));
+}
+
+// --- checksum
+
+TEST(OutputOfChecksum, ForPeopleAndPrograms) {
+    const Checksums checksums = {{"M:\\1\\SHA256SUMS", "M:\\2\\SHA256SUMS"}, 12, 3456789};
+    EXPECT_EQ(TextOf(checksums),
+              "12 files, 3456789 bytes; written:\n"
+              "  M:\\1\\SHA256SUMS\n"
+              "  M:\\2\\SHA256SUMS\n");
+    EXPECT_EQ(JsonOf(checksums), Json::parse(R"({
+        "schema": 1, "command": "checksum", "files": 12, "bytes": 3456789,
+        "written": ["M:\\1\\SHA256SUMS", "M:\\2\\SHA256SUMS"]})"));
 }
 
 // --- dry-run
