@@ -1,5 +1,7 @@
 // Small texts: time limits, moments, the form of the launcher's lines, meanings of exit codes.
 
+#include <windows.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -12,6 +14,7 @@
 #include "mediatool/run/report.h"
 #include "mediatool/run/streams.h"
 #include "mediatool/run/time_limit.h"
+#include "tests/support/hook.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -76,6 +79,31 @@ TEST(MomentText, WithTheDateSaysInWhichZoneItIs) {
     const int minute = (day * 24 + std::stoi(text.substr(11, 2))) * 60 + std::stoi(text.substr(14));
     const int ahead = std::stoi(text.substr(21, 2)) * 60 + std::stoi(text.substr(24, 2));
     EXPECT_EQ(text[20] == '-' ? minute + ahead : minute - ahead, (9 * 24 + 20) * 60 + 9) << text;
+}
+
+// A zone that is so many minutes ahead of UTC, or behind.
+auto Zone(int minutes) {
+    return test::Hook<decltype(&SystemTimeToTzSpecificLocalTime)>(
+        "SystemTimeToTzSpecificLocalTime",
+        [minutes](auto, auto, const SYSTEMTIME* utc, SYSTEMTIME* local) -> BOOL {
+            FILETIME file{};
+            SystemTimeToFileTime(utc, &file);
+            ULARGE_INTEGER time{{file.dwLowDateTime, file.dwHighDateTime}};
+            time.QuadPart += static_cast<ULONGLONG>(minutes * 600'000'000LL);
+            file = {time.LowPart, time.HighPart};
+            return FileTimeToSystemTime(&file, local);
+        });
+}
+
+TEST(MomentText, OfZonesOnBothSidesOfUtc) {
+    for (const auto& [minutes, text] : {std::pair(330, "2027-07-10 01:39:08 +05:30"),
+                                        std::pair(-210, "2027-07-09 16:39:08 -03:30"),
+                                        std::pair(-720, "2027-07-09 08:09:08 -12:00"),
+                                        std::pair(0, "2027-07-09 20:09:08 +00:00")}) {
+        const auto zone = Zone(minutes);
+        EXPECT_EQ(DateAndClockText(kMoment), text);
+        EXPECT_EQ(ClockText(kMoment), std::string(text).substr(11, 8));
+    }
 }
 
 TEST(MomentText, OfALengthHasHoursInFront) {
@@ -203,6 +231,42 @@ TEST(JsonOfARun, SaysWhyMediatoolFailed) {
     EXPECT_EQ(JsonOf(run)["error"], "no more memory");
 }
 
+TEST(JsonOfARun, HasAllOfIt) {
+    WatchedRun run = RunWith(3010, true, "A box");
+    run.milliseconds = 61250;
+    run.boxes.front().at = kMoment;
+    run.boxes.push_back({{"Where is it?", true}, kMoment + 10'000'000});
+    run.lines = {{"one", Origin::LauncherOutput, kMoment},
+                 {"two", Origin::LauncherErrors, kMoment},
+                 {"three", Origin::InstallerOutput, kMoment},
+                 {"four", Origin::InstallerErrors, kMoment}};
+    run.linesLeftOut = 5;
+    run.bytesLeftOut = 6;
+    const auto json = [&run] { return JsonOf(run); };
+    EXPECT_EQ(json(), Json::parse(R"({
+        "schema": 1, "command": "run", "exitCode": 3010, "endedBy": "launcher", "seconds": 61.25,
+        "boxes": [
+            {"text": "A box", "dialog": false, "at": "2027-07-09T20:09:08.765Z"},
+            {"text": "Where is it?", "dialog": true, "at": "2027-07-09T20:09:09.765Z"}],
+        "lines": [
+            {"text": "one", "stream": "output", "at": "2027-07-09T20:09:08.765Z"},
+            {"text": "two", "stream": "errors", "at": "2027-07-09T20:09:08.765Z"},
+            {"text": "three", "stream": "installer-output", "at": "2027-07-09T20:09:08.765Z"},
+            {"text": "four", "stream": "installer-errors", "at": "2027-07-09T20:09:08.765Z"}],
+        "linesLeftOut": 5, "bytesLeftOut": 6,
+        "launcher": {"processId": 4700, "stillRunning": false},
+        "installer": {"processId": 4711, "stillRunning": true}, "error": null})"));
+    run = {};
+    for (const auto& [endedBy, name] :
+         {std::pair(EndedBy::TimeLimit, "time-limit"), std::pair(EndedBy::Interrupt, "interrupt"),
+          std::pair(EndedBy::Failure, "failure")}) {
+        run.endedBy = endedBy;
+        EXPECT_EQ(json()["endedBy"], name);
+    }
+    EXPECT_EQ(json()["launcher"], nullptr);
+    EXPECT_EQ(json()["installer"], nullptr);
+}
+
 TEST(JsonText, IsAscii) {
     const std::string text = "Gr\u00F6\u00DFe \x7F";
     const std::string printed = Printed(Json{{"text", text}});
@@ -237,6 +301,24 @@ TEST(Summary, ShowsALargeCodeAsPeopleKnowItToo) {
               "Exit code\n"
               "  3221225477 (0xC0000005): The launcher's; not one that it has of its own.\n"
               "Time\n  0:00:00\n");
+}
+
+TEST(Summary, HasAllOfIt) {
+    WatchedRun run = RunWith(0x80000000, false, "Bad -env argument");
+    run.boxes.push_back({{"Where is it?\r\nThere?\r\n", true}, 0});
+    run.milliseconds = 3'661'000;
+    EXPECT_EQ(TextOf(run, {}, false),
+              "Boxes, each of which would have waited\n"
+              "  Bad -env argument\n"
+              "  Where is it?\n"
+              "    There?\n"
+              "What to do\n"
+              "  Bad -env argument\n"
+              "    give it its value\n"
+              "Exit code\n"
+              "  2147483648 (0x80000000): The launcher's; not one that it has of its own.\n"
+              "Time\n"
+              "  1:01:01\n");
 }
 
 TEST(Summary, ShowsABoxOfSeveralLinesAsOne) {
