@@ -8,6 +8,7 @@ namespace launcher::test {
 namespace {
 
 namespace stdfs = std::filesystem;
+using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -59,16 +60,20 @@ TEST_F(Start, IsPossibleWithoutAFolderForTemporaryFiles) {
 
 class NoStart : public RunTest {
   protected:
+    using Sentence = testing::Matcher<std::string>;
+
     // One sentence, and nothing else.
-    static void ExpectComplaint(const MediatoolRun& run, DWORD exitCode, const std::string& text) {
+    static void ExpectComplaint(const MediatoolRun& run, DWORD exitCode, const Sentence& sentence) {
         EXPECT_EQ(run.exitCode, exitCode);
         EXPECT_EQ(run.output, "");
-        EXPECT_THAT(run.errors, StartsWith("mediatool: "));
-        EXPECT_THAT(run.errors, HasSubstr(text));
-        EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << run.errors;
+        const std::string name = "mediatool: ";
+        ASSERT_THAT(run.errors, AllOf(StartsWith(name), EndsWith("\n")));
+        const std::string told = run.errors.substr(name.size());
+        EXPECT_THAT(told.substr(0, told.size() - 1), sentence);
+        EXPECT_EQ(std::ranges::count(told, '\n'), 1) << told;
     }
-    void ExpectRefusal(const Words& line, const std::string& text) const {
-        ExpectComplaint(RunMediatool(line, scratch.Dir(), Variables()), 125, text);
+    void ExpectRefusal(const Words& line, const Sentence& sentence) const {
+        ExpectComplaint(RunMediatool(line, scratch.Dir(), Variables()), 125, sentence);
         EXPECT_FALSE(stdfs::exists(scratch.Dir() / "report"));
     }
     // The same sentence, for programs.
@@ -83,18 +88,23 @@ class NoStart : public RunTest {
 
 TEST_F(NoStart, AfterBadInput) {
     const std::string media = StandInAsLauncher().Text();
-    ExpectRefusal({"run"}, "media is required");
+    ExpectRefusal({"run"}, "media is required; mediatool help run tells more.");
     ExpectRefusal({"run", "no such folder"}, "There is no folder \"no such folder\".");
     ExpectRefusal({"run", media + "\\setup.exe"},
                   "\"" + media + "\\setup.exe\" is a file, not the folder of a medium.");
-    ExpectRefusal({"run", media, "-wait"}, "(the launcher's own arguments go after --)");
-    ExpectRefusal({"run", media, "--no-such-option"}, "--no-such-option");
-    ExpectRefusal({"run", media, "--time-limit", "soon"}, "--time-limit takes a time such as 90m");
-    ExpectRefusal({"run", media, "--time-limit"}, "--time-limit");
+    for (const std::string option : {"-wait", "--no-such-option"})
+        ExpectRefusal({"run", media, option}, "There is no option \"" + option +
+                                                  "\" (the launcher's own arguments go after --).");
+    ExpectRefusal({"run", media, "--time-limit", "soon"},
+                  "--time-limit takes a time such as 90m, 2h or 45s, not \"soon\".");
+    ExpectRefusal({"run", media, "--time-limit"}, "--time-limit is there without its value.");
     ExpectRefusal({"run", media, "--json=1"}, "--json takes no value.");
     ExpectRefusal({"run", media, "--log", ""}, "--log is empty.");
-    ExpectRefusal({"run", media, "--log", media}, "The log \"");
-    ExpectRefusal({"run", media, "--log", "no\\such\\folder\\log.txt"}, " cannot be written: ");
+    ExpectRefusal({"run", media, "--log", media},
+                  "The log \"" + media +
+                      "\" lies in the media, which must stay as it is; give it another place.");
+    ExpectRefusal({"run", media, "--log", "no\\such\\folder\\log.txt"},
+                  StartsWith("The log \"no\\such\\folder\\log.txt\" cannot be written: "));
 }
 
 TEST_F(NoStart, WithALogThatIsADevice) {
@@ -155,7 +165,8 @@ TEST_F(NoStart, WithMoreArgumentsThanWindowsTakes) {
 TEST_F(NoStart, OfALauncherThatIsNotThere) {
     const Media media = EmptyMedia();
     stdfs::remove(media.Root() / "setup.exe");
-    ExpectComplaint(Told(media, {"-wait"}), 127, "There is no launcher \"");
+    ExpectComplaint(Told(media, {"-wait"}), 127,
+                    "There is no launcher \"" + media.Text() + "\\setup.exe\".");
 }
 
 TEST_F(NoStart, OfALauncherThatIsNoProgram) {
@@ -163,11 +174,14 @@ TEST_F(NoStart, OfALauncherThatIsNoProgram) {
     WriteFile(media.Root() / "setup.exe", "text");
     // Nor is anything said of how it would be watched.
     const MediatoolRun run = Told(media, {});
-    ExpectComplaint(run, 126, " (error 193).");
-    EXPECT_THAT(run.errors, Not(HasSubstr("%")));  // the place of the name in the system's text
+    const std::string launcher = "\"" + media.Text() + "\\setup.exe\"";
+    ExpectComplaint(
+        run, 126,
+        AllOf(StartsWith("Windows cannot start " + launcher + ": "), EndsWith(" (error 193)."),
+              Not(HasSubstr("%"))));  // the place of the name in the system's text
     stdfs::remove(media.Root() / "setup.exe");
     stdfs::create_directory(media.Root() / "setup.exe");
-    ExpectComplaint(Told(media, {"-wait"}), 126, "\\setup.exe\" is a folder.");
+    ExpectComplaint(Told(media, {"-wait"}), 126, launcher + " is a folder.");
 }
 
 }  // namespace
