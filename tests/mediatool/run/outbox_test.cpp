@@ -3,6 +3,7 @@
 #include "mediatool/run/outbox.h"
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
@@ -17,6 +18,7 @@
 namespace launcher::mediatool {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -287,6 +289,56 @@ TEST_F(ReporterTest, ShowsControlCharactersInsteadOfSendingThem) {
     EXPECT_EQ(Text("errors"), "mediatool: three\\x0Afour\n");
     EXPECT_THAT(Text("log.txt"), HasSubstr("setup.exe \"\\x1B[2J\"\r\n"));
     EXPECT_THAT(Text("log.txt"), HasSubstr("a\tb\\x1B[2Jc\\x7F\r\n"));
+}
+
+TEST_F(ReporterTest, ShowsWhatItSawInColumns) {
+    const Moment at = 134'596'373'487'650'000;
+    const std::string clock = ClockText(at);
+    {
+        Reporter reporter(LogName(), false);
+        reporter.Begin("setup.exe -wait");
+        reporter.Started({});
+        reporter.Saw({{" INFO: one", Origin::LauncherOutput, at},
+                      {"ERROR: two", Origin::LauncherErrors, at},
+                      {"three", Origin::InstallerOutput, at},
+                      {"four", Origin::InstallerErrors, at}});
+        reporter.Saw(AnsweredBox{{"A box\r\nof two lines\r\n", false}, at});
+        reporter.Saw(AnsweredBox{{"Where is it?", true}, at});
+        WatchedRun run;
+        run.milliseconds = 1000;
+        reporter.Conclude(run, {});
+    }
+    const std::string seen =
+        clock + "  output      INFO: one\n" + clock + "  errors     ERROR: two\n" + clock +
+        "  installer  three\n" + clock + "  installer  four\n" + clock +
+        "  box        A box\n                     of two lines\n" + clock +
+        "  dialog     Where is it?\n" + clock +
+        "             It was cancelled. Give the folder of the installer media with "
+        "-installerPath FOLDER.\n";
+    const std::string summary =
+        "Exit code\n"
+        "  0: The launcher has started the installer, and does not wait for it.\n"
+        "Time\n"
+        "  0:00:01\n";
+    EXPECT_EQ(Text("output"), seen + summary);
+    const std::string warning =
+        "Without -wait, only the launcher is waited for, not the installer.\n";
+    EXPECT_EQ(Text("errors"), "mediatool: " + warning);
+
+    // The log has it too: with its process's number before each line but the first.
+    const std::string number = std::to_string(GetCurrentProcessId());
+    std::istringstream log(Text("log.txt"));
+    std::string line;
+    std::getline(log, line);
+    const std::string end = "  process " + number + "  setup.exe -wait\r";
+    EXPECT_THAT(line, AllOf(StartsWith("==== "), EndsWith(end)));
+    EXPECT_EQ(line.size(), 5 + DateAndClockText(at).size() + end.size());
+    std::string rest;
+    while (std::getline(log, line)) {
+        EXPECT_THAT(line, AllOf(StartsWith(number + "  "), EndsWith("\r")));
+        rest += line.substr(number.size() + 2, line.size() - number.size() - 3) + "\n";
+    }
+    EXPECT_EQ(rest.substr(clock.size()), "  mediatool  " + warning + seen + summary);
 }
 
 // The last line of a terminal goes on saying what was last said.
