@@ -34,6 +34,7 @@ TEST_P(VolumesOnDrives, AreCheckedForNumberAndIdentifier) {
     if (GetParam().isThirdGiven) request.folders.push_back(ToUtf8(third.Root()));
     const Validation validation = mediatool::Validate(request);
     EXPECT_EQ(Changes(validation, Layout::Siblings), GetParam().changes) << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
 }
 
 const DiscRow kDiscs[] = {
@@ -122,6 +123,7 @@ TEST_P(EmptyVolumes, AreReported) {
     const Validation validation = media.Validate();
     EXPECT_EQ(Changes(validation, GetParam().layout), GetParam().isEmpty ? "volume-empty" : "")
         << Ids(validation);
+    ExpectListed(validation, GetParam().layout);
 }
 
 const EmptyRow kEmpty[] = {
@@ -239,6 +241,7 @@ TEST_P(MissingVolumes, AreCountedInOneFinding) {
     const std::vector<Finding> missing = Missing(validation, GetParam().id);
     ASSERT_EQ(missing.size(), 1u) << Ids(validation);
     EXPECT_EQ(missing.front().what, GetParam().what);
+    ExpectListed(validation, GetParam().layout);
 }
 
 INSTANTIATE_TEST_SUITE_P(

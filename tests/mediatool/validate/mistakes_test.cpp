@@ -44,7 +44,7 @@ const Mistake kLauncherMistakes[] = {
      [](Media& m) {
          m.Write("autorun.inf", std::string_view("\xFF\xFE[\0a\0u\0t\0o\0r\0u\0n\0]\0\n\0o\0p\0"
                                                  "e\0n\0=\0x\0",
-                                                 36));
+                                                 34));
      },
      "InUtf16"},
     {"launcher-redirection", Level::Warning, kPlain,

@@ -29,6 +29,13 @@ void ExpectFound(const Validation& validation, const std::string& id, Level leve
     EXPECT_EQ(ChangesBut(id, validation, layout), others);
 }
 
+// And all that is said is in the list.
+void ExpectWhole(const Validation& validation, const std::string& id, Level level,
+                 const std::string& others = {}, Layout layout = Layout::NotSplit) {
+    ExpectFound(validation, id, level, others, layout);
+    ExpectListed(validation, layout);
+}
+
 // A name that Windows itself does not give. Returns false where the system refuses it all the same.
 bool WriteRaw(const std::string& path) {
     const FileHandle file(CreateFileW(mediatool::Extended(path).c_str(), GENERIC_WRITE, 0, nullptr,
@@ -45,7 +52,7 @@ TEST(TreeMistakes, AReservedName) {
     const std::string file = media.Text("inst") + "\\aux.txt";
     ASSERT_TRUE(WriteRaw(file));
     const Validation validation = media.Validate();
-    ExpectFound(validation, "name-reserved", Level::Error);
+    ExpectWhole(validation, "name-reserved", Level::Error);
     EXPECT_EQ(validation.findings.Sorted().front().why,
               "Before Windows 11 and Windows Server 2025, Windows opens the device in place of the "
               "file.");
@@ -58,7 +65,7 @@ TEST(TreeMistakes, AReservedNameWithBlanksBehindIt) {
     SampleMedia media;
     const std::string file = media.Text("inst") + "\\con .txt";
     ASSERT_TRUE(WriteRaw(file));
-    ExpectFound(media.Validate(), "name-reserved", Level::Error);
+    ExpectWhole(media.Validate(), "name-reserved", Level::Error);
     RemoveRaw(file);
 }
 
@@ -66,14 +73,14 @@ TEST(TreeMistakes, ANameThatEndsInADot) {
     SampleMedia media;
     const std::string file = media.Text("inst") + "\\readme.";
     ASSERT_TRUE(WriteRaw(file));
-    ExpectFound(media.Validate(), "name-ends-in-dot-or-blank", Level::Error);
+    ExpectWhole(media.Validate(), "name-ends-in-dot-or-blank", Level::Error);
     RemoveRaw(file);
 }
 
 TEST(TreeMistakes, ANameOutsideTheConsolesCodePage) {
     SampleMedia media;
     media.Write("inst/common/漢字.txt");
-    ExpectFound(media.Validate(), "name-outside-oem-code-page", Level::Note);
+    ExpectWhole(media.Validate(), "name-outside-oem-code-page", Level::Note);
 }
 
 // 174 characters: in a copy for the user with the longest name, the file's path has the first
@@ -132,7 +139,7 @@ TEST(TreeMistakes, ATemporaryFolderThatRemoveBatCannotName) {
     mediatool::ValidateRequest request;
     request.folders = {media.Text()};
     request.temp = "C:\\Users\\José\\Temp";
-    ExpectFound(mediatool::Validate(request), "temp-outside-oem-code-page", Level::Warning);
+    ExpectWhole(mediatool::Validate(request), "temp-outside-oem-code-page", Level::Warning);
     request.temp = "C:\\Users\\Jose\\Temp";
     EXPECT_FALSE(Has(mediatool::Validate(request), "temp-outside-oem-code-page"));
 }
@@ -155,13 +162,13 @@ TEST(TreeMistakes, ALinkToAFolder) {
     SampleMedia media;
     media.MakeDir("../target");
     const FolderLink link(FromUtf8(media.Text("inst/link")), FromUtf8(media.Text("../target")));
-    ExpectFound(media.Validate(), "link", Level::Warning);
+    ExpectWhole(media.Validate(), "link", Level::Warning);
 }
 
 TEST(TreeMistakes, ALinkToAFolderThatItIsIn) {
     SampleMedia media;
     const FolderLink link(FromUtf8(media.Text("inst/link")), FromUtf8(media.Text("inst")));
-    ExpectFound(media.Validate(), "link-loop", Level::Error);
+    ExpectWhole(media.Validate(), "link-loop", Level::Error);
 }
 
 TEST(TreeMistakes, ALinkThatLeadsNowhere) {
@@ -177,7 +184,7 @@ TEST(TreeMistakes, ALinkThatLeadsNowhere) {
             SetLastError(ERROR_FILE_NOT_FOUND);
             return INVALID_HANDLE_VALUE;
         });
-    ExpectFound(media.Validate(), "link-broken", Level::Error);
+    ExpectWhole(media.Validate(), "link-broken", Level::Error);
 }
 
 TEST(PlaceMistakes, ALauncherWhosePathIsCut) {
@@ -237,7 +244,7 @@ TEST(PlaceMistakes, EachVolumeOnADriveOfItsOwn) {
     const MappedDrive second("o:", FromUtf8(media.Text("../../elsewhere")));
     mediatool::ValidateRequest request;
     request.folders = {ToUtf8(first.Root()), ToUtf8(second.Root())};
-    ExpectFound(mediatool::Validate(request), "volumes-on-other-drives", Level::Warning);
+    ExpectWhole(mediatool::Validate(request), "volumes-on-other-drives", Level::Warning);
 }
 
 TEST(TreeMistakes, AFolderThatCannotBeListed) {
@@ -249,7 +256,7 @@ TEST(TreeMistakes, AFolderThatCannotBeListed) {
             SetLastError(ERROR_ACCESS_DENIED);
             return INVALID_HANDLE_VALUE;
         });
-    ExpectFound(media.Validate(), "folder-unreadable", Level::Error);
+    ExpectWhole(media.Validate(), "folder-unreadable", Level::Error);
 }
 
 // On a disc that tells capitals apart.
@@ -264,7 +271,7 @@ TEST(TreeMistakes, NamesThatDifferInCapitals) {
             return found;
         });
     const Validation validation = media.Validate();
-    ExpectFound(validation, "name-differs-in-case", Level::Error);
+    ExpectWhole(validation, "name-differs-in-case", Level::Error);
     EXPECT_EQ(validation.findings.Sorted().front().what,
               "The name differs from PART.BIN, beside it, only in its capitals.");
 }
@@ -279,7 +286,7 @@ TEST(TreeMistakes, AListingThatBreaksOff) {
             SetLastError(ERROR_CRC);
             return FALSE;
         });
-    ExpectFound(media.Validate(), "folder-unreadable", Level::Error);
+    ExpectWhole(media.Validate(), "folder-unreadable", Level::Error);
 }
 
 // The launcher's own search did not find the volume, and a moment later it was there.
@@ -293,7 +300,7 @@ TEST(PlaceMistakes, AVolumeThatComesAndGoes) {
             SetLastError(ERROR_NOT_READY);
             return INVALID_HANDLE_VALUE;
         });
-    ExpectFound(media.Validate(), "volumes-not-found", Level::Error, "", Layout::Siblings);
+    ExpectWhole(media.Validate(), "volumes-not-found", Level::Error, "", Layout::Siblings);
 }
 
 // A file that another program has open for itself alone.
@@ -310,14 +317,14 @@ class LockedFile {
 TEST(LockedFiles, ARootEntry) {
     const SampleMedia media;
     const LockedFile lock(media.Text("media.db"));
-    ExpectFound(media.Validate(), "root-entry-unreadable", Level::Warning);
+    ExpectWhole(media.Validate(), "root-entry-unreadable", Level::Warning);
 }
 
 TEST(LockedFiles, AnInstaller) {
     const SampleMedia media;
     const LockedFile lock(media.Text(kExe));
     const Validation validation = media.Validate();
-    ExpectFound(validation, "installer-unreadable", Level::Error);
+    ExpectWhole(validation, "installer-unreadable", Level::Error);
     EXPECT_FALSE(Has(validation, "file-unreadable"));
 }
 
@@ -327,20 +334,20 @@ TEST(LockedFiles, AnyFileBelowInst) {
     EXPECT_FALSE(Has(media.Validate(), "file-unreadable"));
     const LockedFile lock(media.Text("inst/data/part.bin"));
     const Validation validation = media.Validate();
-    ExpectFound(validation, "file-unreadable", Level::Error);
+    ExpectWhole(validation, "file-unreadable", Level::Error);
     EXPECT_EQ(validation.findings.Sorted().front().file, media.Text("inst\\data\\part.bin"));
 }
 
 TEST(LockedFiles, TheCountFile) {
     const SampleMedia media(Layout::Siblings);
     const LockedFile lock(media.Text("inst/volumes.txt"));
-    ExpectFound(media.Validate(), "count-file-unreadable", Level::Error);
+    ExpectWhole(media.Validate(), "count-file-unreadable", Level::Error);
 }
 
 TEST(LockedFiles, AVolumeMarker) {
     const SampleMedia media(Layout::Siblings);
     const LockedFile lock(media.Text("../2/2.txt"));
-    ExpectFound(media.Validate(), "volume-marker-unreadable", Level::Error);
+    ExpectWhole(media.Validate(), "volume-marker-unreadable", Level::Error);
 }
 
 }  // namespace

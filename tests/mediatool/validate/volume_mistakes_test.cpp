@@ -189,6 +189,7 @@ INSTANTIATE_TEST_SUITE_P(Outer, VolumeMistakeTest, testing::ValuesIn(kOuterMista
 
 bool Finds(const Validation& validation, const std::string& id) {
     EXPECT_TRUE(Has(validation, id)) << "found only: " << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
     return Has(validation, id);
 }
 
