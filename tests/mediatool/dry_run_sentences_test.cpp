@@ -342,6 +342,25 @@ TEST_F(SentencesTest, OfARunThatLeavesTheEnvironmentAsItWas) {
     EXPECT_EQ(run.machine.launcherPath, run.launcher);
 }
 
+// The launcher's defaults: boxes, and no waiting.
+TEST_F(SentencesTest, OfMessagesAsTheyWouldBeShown) {
+    const DryRun run = Dry(media_, {"-env"});
+    ASSERT_EQ(run.journal.messages.size(), 1u);
+    const Message& message = run.journal.messages[0];
+    EXPECT_EQ(message.text, "Bad -env argument");
+    EXPECT_EQ(message.severity, Severity::Error);
+    EXPECT_TRUE(message.box);
+    EXPECT_FALSE(message.toErrors);
+    EXPECT_FALSE(message.dialog);
+    EXPECT_FALSE(run.installer);
+    EXPECT_FALSE(run.volumes);
+    EXPECT_EQ(run.temp, temp_.Text());
+    EXPECT_EQ(run.exitCode, 1);
+    const DryRun traced = Dry(media_, {"-env"}, {{"ZEP_TraceMsgBox", "1"}});
+    EXPECT_FALSE(traced.tracesInBoxes);
+    EXPECT_TRUE(Dry(media_, {}, {{"ZEP_TraceMsgBox", "1"}}).tracesInBoxes);
+}
+
 TEST_F(SentencesTest, OfAnOldWebLibrary) {
     request_.machine.hasOldWebLibrary = true;
     EXPECT_EQ(Dry(media_).summary,

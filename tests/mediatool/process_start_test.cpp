@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <filesystem>
+
 #include "fs/encoding.h"
 #include "fs/environment.h"
 #include "fs/owners.h"
@@ -11,6 +13,7 @@
 #include "mediatool/dry_run/rehearsal/process_start.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
 #include "tests/e2e/support/media.h"
+#include "tests/support/hook.h"
 #include "tests/support/isolated_test.h"
 #include "tests/support/temporary_folder.h"
 
@@ -92,10 +95,24 @@ TEST_F(ProcessStartTest, LooksInTheFoldersOfTheSearchAlone) {
     SetCurrentDirectoryW(FromUtf8(here_.Text("sub")).c_str());
     for (const std::string name : {"..\\here", "../here.exe"})
         EXPECT_EQ(Start(name), name);
-    media_.MakeDir("sub");
-    Program(media_, "sub/below.exe");
-    Program(media_, ".x/below.exe");
-    for (const std::string name : {"sub\\below", "sub/below", ".x\\below.exe"})
+    for (const char* name : {"sub/below.exe", ".x/below.exe", "x/below.exe", "xy.exe"})
+        Program(media_, name);
+    for (const std::string name : {"sub\\below", "sub/below", ".x\\below.exe", "x\\below", "xy"})
+        EXPECT_EQ(Start(name), name);
+}
+
+TEST_F(ProcessStartTest, LooksInTheFoldersOfWindows) {
+    const TemporaryFolder windows;
+    Program(windows, "old.exe");
+    Program(windows, "system/older.exe");
+    const test::Hook<decltype(&GetWindowsDirectoryW)> folder(
+        "GetWindowsDirectoryW", [&windows](auto, LPWSTR text, UINT size) {
+            const std::wstring name = windows.Dir().wstring();
+            EXPECT_LT(name.size(), size);
+            name.copy(text, name.size());
+            return static_cast<UINT>(name.size());
+        });
+    for (const std::string name : {"old", "older", "cmd"})
         EXPECT_EQ(Start(name), name);
 }
 
@@ -117,6 +134,7 @@ TEST_F(ProcessStartTest, OfAFullPathTellsWhyNot) {
     const std::string rooted = full.substr(2);
     EXPECT_EQ(Start("\"" + rooted + "\""), "\"" + rooted + "\"");
     EXPECT_EQ(Start(here_.Text("none")), "2");
+    EXPECT_FALSE(std::filesystem::exists(here_.Dir() / "none"));
     EXPECT_EQ(Start(here_.Text("none\\none")), "3");
     EXPECT_EQ(Start(here_.Text("folder")), "5");
     EXPECT_EQ(Start(here_.Write("text.exe", "text")), "193");

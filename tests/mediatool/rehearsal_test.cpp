@@ -12,14 +12,17 @@
 #include "fs/file_type.h"
 #include "fs/new_folder.h"
 #include "fs/open_file.h"
+#include "fs/path.h"
 #include "launcher/base/message.h"
 #include "launcher/base/message_output.h"
+#include "media/volume_files.h"
 #include "mediatool/base/files.h"
 #include "mediatool/dry_run/environment.h"
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
 #include "platform/administrator.h"
 #include "platform/architecture.h"
 #include "platform/module_path.h"
+#include "platform/web_library.h"
 #include "platform/windows_version.h"
 #include "tests/support/hook.h"
 #include "tests/support/isolated_test.h"
@@ -77,17 +80,35 @@ class RehearsedMachineTest : public test::IsolatedTest {
 TEST_F(RehearsedMachineTest, AnswersAsItIsPretended) {
     for (const bool answer : {false, true}) {
         rehearsal_.machine.is64Bit = answer;
-        rehearsal_.machine.isWindows8OrNewer = answer;
+        rehearsal_.machine.isWindows8OrNewer = !answer;
         EXPECT_EQ(Is64BitWindows(), answer);
-        EXPECT_EQ(IsWindows8OrNewer(), answer);
+        EXPECT_EQ(IsWindows8OrNewer(), !answer);
         rehearsal_.machine.isAdministrator = answer;
         rehearsal_.isAdministrator.reset();
         EXPECT_EQ(IsAdministrator(), answer);
         rehearsal_.machine.isAdministrator = !answer;
         EXPECT_EQ(IsAdministrator(), answer);  // the first answer stays
     }
-    rehearsal_.machine.is64Bit.reset();
+    rehearsal_.machine = {};
     EXPECT_EQ(Is64BitWindows(), Detect64BitWindows());
+    EXPECT_EQ(IsWindows8OrNewer(), DetectWindows8());
+    EXPECT_EQ(HasRequiredWebLibrary(), DetectRequiredWebLibrary());
+    rehearsal_.machine.hasOldWebLibrary = true;
+    EXPECT_FALSE(HasRequiredWebLibrary());
+}
+
+TEST_F(RehearsedMachineTest, WritesDownWhatWasLookedFor) {
+    const test::TemporaryFolder folder;
+    const std::string file = folder.Write("1.txt", "MTBDIR=SET\r\n");
+    EXPECT_TRUE(PathExists(folder.Text() + "\\x\\..\\1.txt"));
+    EXPECT_FALSE(PathExists(folder.Text("none")));
+    EXPECT_EQ(ReadMtbDir(file), "SET");
+    EXPECT_EQ(ReadMtbDir(folder.Text("2.txt")), "");
+    std::vector<std::string> told;
+    for (const Lookup& lookup : rehearsal_.journal.lookups)
+        told.push_back((lookup.found ? "found " : "missing ") + lookup.path);
+    EXPECT_THAT(told, ElementsAre("found " + file, "missing " + folder.Text("none"),
+                                  "found " + file, "missing " + folder.Text("2.txt")));
 }
 
 // As in a buffer of MAX_PATH characters.
