@@ -140,6 +140,95 @@ TEST(ProgressLine, IsTakenAwayBeforeTheReport) {
     }
 }
 
+// What the line does on the stream for errors, by a clock that stands still between the calls.
+class ProgressLineTest : public testing::Test {
+  protected:
+    ~ProgressLineTest() override {
+        SetStdHandle(STD_OUTPUT_HANDLE, output_);
+        SetStdHandle(STD_ERROR_HANDLE, errors_);
+    }
+
+    ULONGLONG now = 1000;
+    std::string shown;
+
+  private:
+    const HANDLE output_ = GetStdHandle(STD_OUTPUT_HANDLE);
+    const HANDLE errors_ = GetStdHandle(STD_ERROR_HANDLE);
+    const BOOL areOthers_ = SetStdHandle(STD_OUTPUT_HANDLE, reinterpret_cast<HANDLE>(0x11)) &&
+                            SetStdHandle(STD_ERROR_HANDLE, reinterpret_cast<HANDLE>(0x22));
+    const Hook<decltype(&GetConsoleMode)> mode_{"GetConsoleMode",
+                                                [](auto, HANDLE stream, DWORD*) -> BOOL {
+                                                    return stream == reinterpret_cast<HANDLE>(0x22);
+                                                }};
+    const Hook<decltype(&GetTickCount64)> clock_{"GetTickCount64", [this](auto) { return now; }};
+    const Hook<decltype(&WriteConsoleW)> write_{
+        "WriteConsoleW",
+        [this](auto, HANDLE stream, const void* text, DWORD length, DWORD* written, void*) {
+            if (stream != reinterpret_cast<HANDLE>(0x22)) shown += "elsewhere: ";
+            shown += ToNarrow(
+                std::wstring(static_cast<const wchar_t*>(text), *written = length).c_str());
+            return TRUE;
+        }};
+};
+
+TEST_F(ProgressLineTest, IsShownFiveTimesASecond) {
+    mediatool::Progress line;
+    line.Show("at once");
+    now += 199;
+    line.Show("too early");
+    EXPECT_EQ(shown, "");
+    line.Clear();
+    EXPECT_EQ(shown, "") << "nothing is there";
+    now += 1;
+    line.Show("first");
+    EXPECT_EQ(shown, "\rfirst");
+    now += 199;
+    line.Show("too early");
+    EXPECT_EQ(shown, "\rfirst");
+    now += 1;
+    line.Show("1st");
+    EXPECT_EQ(shown, "\rfirst\r1st  ");
+    now += 200;
+    line.Show("first of all");
+    EXPECT_EQ(shown, "\rfirst\r1st  \rfirst of all");
+    shown.clear();
+    line.Clear();
+    EXPECT_EQ(shown, "\r            \r");
+    line.Clear();
+    EXPECT_EQ(shown, "\r            \r") << "it is gone";
+}
+
+TEST_F(ProgressLineTest, IsTakenAwayAtItsEnd) {
+    {
+        mediatool::Progress line;
+        line.Show("");
+        now += 200;
+        line.Show("abc");
+    }
+    EXPECT_EQ(shown, "\rabc\r   \r");
+}
+
+// Each work has a beginning of its own.
+TEST_F(ProgressLineTest, HasTheRateOfEachWork) {
+    mediatool::Progress line;
+    const mediatool::TellAmounts tell = mediatool::ShownOn(line);
+    tell({"A", 0, 2, 0, 9000});
+    now += 1000;
+    tell({"A", 1, 2, 3000, 9000});
+    EXPECT_EQ(shown, "\rA: 1 of 2 files, 3.0 KB of 9.0 KB, 3.0 KB/s");
+    shown.clear();
+    now += 1000;
+    tell({"B", 0, 1, 0, 8000});
+    now += 2000;
+    tell({"B", 1, 1, 8000, 8000});
+    EXPECT_THAT(shown, testing::EndsWith("\rB: 1 of 1 file, 8.0 KB of 8.0 KB, 4.0 KB/s  "));
+}
+
+TEST_F(ProgressLineTest, IsWhereErrorsAre) {
+    mediatool::PrintError("text");
+    EXPECT_EQ(shown, "text");
+}
+
 // A file or a pipe, which takes bytes.
 class StreamTest : public testing::Test {
   protected:
@@ -176,11 +265,15 @@ TEST_F(StreamTest, ThatFailsIsNotAskedAgain) {
 }
 
 // A text in each colour, on a terminal that does this with colours.
-std::string InAllColours(BOOL understands) {
-    SetEnvironmentVariableW(L"NO_COLOR", nullptr);
-    const Hook<decltype(&GetConsoleMode)> mode("GetConsoleMode", IsTerminal(true));
-    const Hook<decltype(&SetConsoleMode)> colours("SetConsoleMode",
-                                                  [=](auto&&...) { return understands; });
+std::string InAllColours(BOOL understands, LPCWSTR noColour) {
+    SetEnvironmentVariableW(L"NO_COLOR", noColour);
+    const Hook<decltype(&GetConsoleMode)> mode("GetConsoleMode", [](auto, HANDLE, DWORD* now) {
+        *now = ENABLE_PROCESSED_OUTPUT;
+        return TRUE;
+    });
+    const Hook<decltype(&SetConsoleMode)> colours(
+        "SetConsoleMode",
+        [=](auto, HANDLE, DWORD wanted) -> BOOL { return understands && wanted == 5; });
     return Painted(Colour::Plain, "plain ") + Painted(Colour::Bold, "bold") +
            Painted(Colour::Dim, "dim") + Painted(Colour::Red, "red") +
            Painted(Colour::Yellow, "yellow") + Painted(Colour::Green, "green") +
@@ -188,8 +281,8 @@ std::string InAllColours(BOOL understands) {
 }
 
 // A process finds out once whether there are colours.
-void EndWithColours(BOOL understands) {
-    std::fputs(InAllColours(understands).c_str(), stderr);
+void EndWithColours(BOOL understands, LPCWSTR noColour = nullptr) {
+    std::fputs(InAllColours(understands, noColour).c_str(), stderr);
     std::exit(0);
 }
 
@@ -199,6 +292,10 @@ TEST(ColoursDeathTest, AreForTerminalsThatUnderstandThem) {
                           "\x1b[33myellow\x1b[0m\x1b[32mgreen\x1b[0m\x1b[36mcyan\x1b[0m"));
     EXPECT_EXIT(EndWithColours(FALSE), testing::ExitedWithCode(0),
                 HasSubstr("plain bolddimredyellowgreencyan"));
+    EXPECT_EXIT(EndWithColours(TRUE, L"1"), testing::ExitedWithCode(0),
+                HasSubstr("plain bolddimredyellowgreencyan"));
+    EXPECT_EXIT(EndWithColours(TRUE, L""), testing::ExitedWithCode(0),
+                HasSubstr("plain \x1b[1mbold"));
 }
 
 }  // namespace

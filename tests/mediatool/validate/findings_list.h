@@ -59,11 +59,10 @@ inline std::string Listed(const std::vector<mediatool::Finding>& findings) {
     return Anonymous(text);
 }
 
-// Every word, file and value of them is the list's. `step` tells apart those of one test.
-inline void ExpectListed(const std::vector<mediatool::Finding>& findings,
-                         const std::string& step = "") {
+// Every word, file and value of them is the list's.
+inline void ExpectListed(const std::vector<mediatool::Finding>& findings) {
     const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-    const std::string name = std::string(test.test_suite_name()) + "." + test.name() + step;
+    const std::string name = std::string(test.test_suite_name()) + "." + test.name();
     const auto listed = FindingsList().find(name);
     EXPECT_EQ(Listed(findings), listed == FindingsList().end() ? "" : listed->second)
         << "findings.txt, == " << name;

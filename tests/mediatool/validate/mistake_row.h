@@ -99,14 +99,13 @@ inline std::string ChangesBut(const std::string& id, const Validation& validatio
 }
 
 // All that is said of the kinds that a medium without mistakes does not have is in the list.
-inline void ExpectListed(const Validation& validation, Layout layout,
-                         const std::string& step = "") {
+inline void ExpectListed(const Validation& validation, Layout layout) {
     std::vector<Finding> findings =
         validation.findings.Sorted(mediatool::Findings::Shown::Readable);
     std::erase_if(findings, [layout](const Finding& finding) {
         return Has(WithoutMistakes(layout), finding.id);
     });
-    ExpectListed(findings, step);
+    ExpectListed(findings);
 }
 
 class MistakeTest : public testing::TestWithParam<Mistake> {
