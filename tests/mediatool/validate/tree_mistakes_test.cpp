@@ -205,6 +205,10 @@ TEST(PlaceMistakes, ALauncherWhosePathIsCut) {
     ExpectFound(validation, "launcher-path-cut", Level::Error,
                 "launcher-empty not-for-windows root-entry-missing -launcher-not-signed "
                 "-not-for-32-bit-windows");
+    const std::vector<Finding> findings = validation.findings.Sorted();
+    const auto found = std::ranges::find(findings, "launcher-path-cut", &Finding::id);
+    EXPECT_EQ(found->what, "The path of setup.exe has " + std::to_string(media.size() + 10) +
+                               " characters; the launcher reads its own up to 259.");
 }
 
 TEST(PlaceMistakes, AnInstallerWhosePathIsTooLong) {
@@ -223,7 +227,12 @@ TEST(PlaceMistakes, AnInstallerWhosePathIsTooLong) {
     for (const char* name : {"setup.exe", "meta.TOCxml", "media.xml", "media.db", "StartTUI.exe",
                              "setup_noUAC.exe", "inst"})
         media.Rename(name, folder.substr(deep.size()) + "/" + name);
-    ExpectFound(findings(folder), "installer-path-too-long", Level::Error);
+    const Validation tooLong = findings(folder);
+    ExpectFound(tooLong, "installer-path-too-long", Level::Error);
+    EXPECT_EQ(tooLong.findings.Sorted().front().what,
+              "The path of the installer has 260 characters.");
+    EXPECT_EQ(tooLong.findings.Sorted().front().why,
+              "Windows starts programs whose paths have up to 259.");
     const std::string fits = folder.substr(0, folder.size() - 1);
     EXPECT_EQ(Changes(findings(fits)), "");
 }

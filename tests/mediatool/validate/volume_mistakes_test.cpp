@@ -184,6 +184,11 @@ const Mistake kOuterMistakes[] = {
      [](Media& m) { m.Marker("../../../8/media/2/2.txt", "OTHER"); }, "InOuterVolume"},
     {"volume-marker-no-id", Level::Error, Layout::Outer,
      [](Media& m) { m.Write("../../7.txt", "notes of a meeting"); }, "OfOuterVolume"},
+    {"volume-marker-no-id", Level::Error, Layout::Outer,
+     [](Media& m) { m.Write("../../../8/8.txt", "notes of a meeting"); }, "OfALaterOuterVolume"},
+    {"outer-marker-missing", Level::Error, Layout::Outer,
+     [](Media& m) { m.Remove("../../7.txt").Remove("../../../8/8.txt").Remove("../../../9"); },
+     "OfTwo"},
 };
 INSTANTIATE_TEST_SUITE_P(Outer, VolumeMistakeTest, testing::ValuesIn(kOuterMistakes), MistakeName);
 
