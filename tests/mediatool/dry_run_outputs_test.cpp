@@ -9,20 +9,11 @@
 
 #include "launcher/base/message.h"
 #include "mediatool/dry_run/dry_run.h"
+#include "tests/mediatool/seen_volumes.h"
 #include "tests/support/hook.h"
 
 namespace launcher::mediatool {
 namespace {
-
-LauncherView SeenAs(Layout layout, int count) {
-    LauncherView view;
-    view.layout = layout;
-    view.count = VolumeCount{std::to_string(count), count};
-    view.id = "SET";
-    for (int i = 1; i <= count; ++i)
-        view.folders.push_back("M:\\" + std::to_string(i));
-    return view;
-}
 
 DryRun Rehearsed() {
     DryRun run;

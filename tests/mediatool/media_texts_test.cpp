@@ -13,7 +13,6 @@
 #include "mediatool/media/checksums.h"
 #include "mediatool/media/marker_bytes.h"
 #include "mediatool/media/markers.h"
-#include "mediatool/media/remedies.h"
 #include "tests/support/hook.h"
 #include "tests/support/temporary_folder.h"
 
@@ -230,28 +229,6 @@ TEST(FilesOfVolume, AreAllButTheListAndWhatCreateLeaves) {
         expected[name] = std::string(name).size();
     const auto unlisted = [](const Path& path) { ADD_FAILURE() << path.Text(); };
     EXPECT_EQ(FilesOfVolume(Path(folder.Text()), {Path(folder.Text("2"))}, unlisted), expected);
-}
-
-// --- remedies
-
-TEST(RemediesPage, IsReadToItsLastLine) {
-    const std::vector<Remedy> remedies = RemediesOn(
-        "| `One` || do one |\n"
-        "| `Four` | b | c | d |\n"
-        "| in words | b | c |\n"
-        "| `Two` |  `why` it is  | do `two` |\n");
-    ASSERT_EQ(remedies.size(), 2u);
-    EXPECT_EQ(remedies[0].message, "One");
-    EXPECT_EQ(remedies[0].cause, "");
-    EXPECT_EQ(remedies[0].remedy, "do one");
-    EXPECT_EQ(remedies[1].message, "Two");
-    EXPECT_EQ(remedies[1].cause, "why it is");
-    EXPECT_EQ(remedies[1].remedy, "do two");
-}
-
-// Its quote is that before the name.
-TEST(RemediesPage, HasNoMessageWhosePiecesOverlap) {
-    EXPECT_FALSE(KnownMessage("Invalid Installer media, \" does not exist"));
 }
 
 }  // namespace

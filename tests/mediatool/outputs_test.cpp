@@ -8,19 +8,10 @@
 #include "mediatool/create/checksum.h"
 #include "mediatool/create/create.h"
 #include "mediatool/validate/validate.h"
+#include "tests/mediatool/seen_volumes.h"
 
 namespace launcher::mediatool {
 namespace {
-
-LauncherView SeenAs(Layout layout, int count) {
-    LauncherView view;
-    view.layout = layout;
-    view.count = VolumeCount{std::to_string(count), count};
-    view.id = "SET";
-    for (int i = 1; i <= count; ++i)
-        view.folders.push_back("M:\\" + std::to_string(i));
-    return view;
-}
 
 // --- validate
 

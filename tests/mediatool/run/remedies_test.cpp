@@ -22,6 +22,26 @@ TEST(Remedies, StandInTheThirdColumnOfTheTables) {
     EXPECT_EQ(remedies[2].remedy, "");
 }
 
+TEST(Remedies, StandInRowsOfThreeColumns) {
+    const std::vector<Remedy> remedies = RemediesOn(
+        "| `One` || do one |\n"
+        "| `Four` | b | c | d |\n"
+        "| in words | b | c |\n"
+        "| `Two` |  `why` it is  | do `two` |\n");
+    ASSERT_EQ(remedies.size(), 2u);
+    EXPECT_EQ(remedies[0].message, "One");
+    EXPECT_EQ(remedies[0].cause, "");
+    EXPECT_EQ(remedies[0].remedy, "do one");
+    EXPECT_EQ(remedies[1].message, "Two");
+    EXPECT_EQ(remedies[1].cause, "why it is");
+    EXPECT_EQ(remedies[1].remedy, "do two");
+}
+
+// Its quote is that before the name.
+TEST(Remedies, OfAMessageWhosePiecesOverlapAreNone) {
+    EXPECT_FALSE(KnownMessage("Invalid Installer media, \" does not exist"));
+}
+
 TEST(Remedies, OfAnEmptyPageAreNone) {
     EXPECT_THAT(RemediesOn(""), testing::IsEmpty());
     EXPECT_THAT(RemediesOn("\n"), testing::IsEmpty());
