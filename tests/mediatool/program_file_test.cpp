@@ -126,7 +126,7 @@ TEST_F(ProgramFileTest, IsNoneWithoutItsHeaders) {
     for (const LONG headers : {-1, 0, 1 << 20}) {
         IMAGE_DOS_HEADER dos{};
         std::memcpy(&dos, whole.data(), sizeof dos);
-        dos.e_lfanew = headers;
+        dos.e_lfanew = static_cast<decltype(dos.e_lfanew)>(headers);
         EXPECT_FALSE(Read(Bytes(dos) + whole.substr(sizeof dos))) << headers;
     }
     EXPECT_FALSE(ReadProgramFile(Path(folder_.Text("none"))));

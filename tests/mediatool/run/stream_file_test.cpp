@@ -183,5 +183,23 @@ TEST_F(Attribution, GivesAllToTheInstallerThatWasThere) {
     EXPECT_THAT(Attributed(" INFO: a\n", true), ElementsAre("> INFO: a"));
 }
 
+// A run that was killed may have left the one, another stream still uses the other.
+TEST_F(StreamFileTest, PassesOverNamesThatAreTaken) {
+    std::vector<std::wstring> names;
+    const auto firstFail = [&names](auto real, LPCWSTR name, auto... rest) -> HANDLE {
+        names.push_back(name);
+        if (names.size() > 2) return real(name, rest...);
+        SetLastError(names.size() == 1 ? ERROR_FILE_EXISTS : ERROR_SHARING_VIOLATION);
+        return INVALID_HANDLE_VALUE;
+    };
+    const test::Hook<decltype(&CreateFileW)> hook("CreateFileW", firstFail);
+    const StreamFile file;
+    const std::wstring prefix =
+        (folder_.Dir() / L"mediatool-").wstring() + std::to_wstring(GetCurrentProcessId()) + L"-";
+    EXPECT_THAT(names, ElementsAre(prefix + L"1.tmp", prefix + L"2.tmp", prefix + L"3.tmp",
+                                   prefix + L"3.tmp"))
+        << "the last one to read";
+}
+
 }  // namespace
 }  // namespace launcher::mediatool
