@@ -316,6 +316,8 @@ class Runner:
         sample, results, same = self.arguments.sample, [], 0
         for mutant in self.mutants():
             result = self.results.get(mutant.id)
+            if sample and not result:
+                break  # what other samples know of those behind it would spoil this one
             same += bool(result) and result["result"] == "same code"
             if result and result["result"] not in NOT_COUNTED:
                 results.append(dict(result, line=mutant.line))
