@@ -176,9 +176,7 @@ void WriteDownRun(DryRun& run, const Rehearsal& rehearsal, const LauncherState& 
     run.countsVolumes = IsVolumeCountAskedFor();
     run.installer = InstallerOf(*state.options);
     run.volumesChecked = AreVolumesSearched(state.options->copySkipped);
-    const Environment after = CurrentEnvironment();
     run.volumes = ViewOf(state.media);
-    RestoreEnvironment(after);
 }
 
 // Of another Windows, nobody knows whether it takes long paths.

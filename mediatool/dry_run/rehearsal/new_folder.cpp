@@ -24,11 +24,6 @@ DWORD ErrorOfMakingFolderIn(const Path& folder) {
     return handle ? ERROR_SUCCESS : GetLastError();
 }
 
-bool HasForbiddenCharacter(const Path& full) {
-    const auto afterRoot = static_cast<std::size_t>(full.RootEnd() + 1);
-    return full.Text().find_first_of("<>\"|?*", afterRoot) != std::string::npos;
-}
-
 // The error of CreateDirectoryW, as far as it can be told without calling it; 0 for none.
 DWORD ErrorOfMaking(const Path& folder) {
     if (mediatool::IsTooLong(mediatool::WideLength(folder.Text()), mediatool::kLongestFolder))
@@ -37,7 +32,6 @@ DWORD ErrorOfMaking(const Path& folder) {
     const Path full = mediatool::FullPath(folder.Text());
     const mediatool::PretendedCopy& copy = mediatool::CopyBelow(folder);
     if (copy.HasFolder(full)) return ERROR_ALREADY_EXISTS;
-    if (HasForbiddenCharacter(full)) return ERROR_INVALID_NAME;
     const Path parent = Parent(full);
     // Not by CopyKey, which would drop its blanks.
     if (copy.folders.contains(mediatool::InLowerCase(parent.Text())))
