@@ -73,7 +73,7 @@ std::map<VolumeNumber, Path> PackedVolumes(const Path& parent) {
         const std::string name = InLowerCase(entry.name);
         const std::string stem = name.substr(0, name.find('.'));
         for (const char* extension : {".zip", ".7z", ".rar", ".iso", ".tar", ".gz", ".tgz"})
-            if (!entry.isFolder && name.ends_with(extension) && NumberAtEnd(stem) > 0)
+            if (!entry.isFolder && name.ends_with(extension))
                 archives.insert({NumberAtEnd(stem), Join(parent, entry.name)});
     }
     return archives;
