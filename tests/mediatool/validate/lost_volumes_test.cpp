@@ -211,6 +211,20 @@ TEST_P(LostVolumeTest, IsFoundByItsName) {
 }
 INSTANTIATE_TEST_SUITE_P(Lost, LostVolumeTest, testing::ValuesIn(kLost), MistakeName);
 
+// There they are at the place where the launcher looks, if it is started from there. What is beside
+// them is a part of volume 1.
+TEST(VolumesAtADrivesRoot, AreNotLost) {
+    SampleMedia media(Layout::Siblings);
+    media.Rename("../2", "2").Remove("../3").Write("3.zip", "PK");
+    const MappedDrive drive("n:", FromUtf8(media.Text()));
+    mediatool::ValidateRequest request;
+    request.folders = {ToUtf8(drive.Root())};
+    const Validation validation = mediatool::Validate(request);
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-missing volumes-at-drive-root")
+        << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
 // A volume comes with its outer volume: the folder moves, not the marker.
 TEST(SwappedVolumes, InOuterVolumesTradeTheirFolders) {
     SampleMedia media(Layout::Outer);

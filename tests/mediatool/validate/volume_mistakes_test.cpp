@@ -217,6 +217,42 @@ TEST(GivenFolders, OneThatTheLauncherDoesNotComeTo) {
     EXPECT_FALSE(Has(media.Validate({"../2", "../3"}), "folder-not-a-volume"));
 }
 
+// And a volume at its place is not said to lie elsewhere.
+TEST(GivenFolders, NotAllOfTheSet) {
+    SampleMedia media(Layout::Siblings);
+    media.Remove("../3");
+    const Validation validation = media.Validate({"../2"});
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-missing") << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
+// The second marker is told once, not for the given folders again.
+TEST(GivenFolders, OneWithASecondMarker) {
+    SampleMedia media(Layout::Siblings);
+    media.Marker("../2/3.txt").Write("inst/volumes.txt", "4\r\n");
+    const Validation validation = media.Validate({"../2", "../3"});
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-missing volume-number-twice")
+        << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
+TEST(GivenFolders, BesideVolumeOneUnderOtherNames) {
+    SampleMedia media(Layout::Siblings);
+    media.Rename("../2", "../Disc 2").Rename("../3", "../Disc 3");
+    const Validation validation = media.Validate({"../Disc 2", "../Disc 3"});
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-folder-named-otherwise")
+        << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
+TEST(GivenFolders, ElsewhereUnderTheRightName) {
+    SampleMedia media(Layout::Siblings);
+    media.MakeDir("../../other").Rename("../2", "../../other/2");
+    const Validation validation = media.Validate({"../../other/2", "../3"});
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-misplaced") << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
 TEST(GivenFolders, ALaterVolumeWithACountFile) {
     SampleMedia media(Layout::Siblings);
     media.Write("../2/inst/volumes.txt", "3\r\n");
