@@ -90,6 +90,13 @@ TEST(OutputOfValidate, OfACleanMedia) {
               "  one volume; the installer runs from the media\n"
               "\n"
               "clean\n");
+    validation.verified = {"", 1, 0, 12, 0};
+    EXPECT_EQ(TextOf(validation),
+              "M:\n"
+              "  one volume; the installer runs from the media\n"
+              "  1 checksum verified, 12 bytes\n"
+              "\n"
+              "clean\n");
 }
 
 TEST(OutputOfValidate, OfEachLayout) {
