@@ -67,7 +67,10 @@ class Functions:
 class Reached:
     def __init__(self, file):
         self.file = file
-        known = json.loads(file.read_text()) if file.exists() else {}
+        self.read()
+
+    def read(self):
+        known = json.loads(self.file.read_text()) if self.file.exists() else {}
         self.sources = known.get("sources", {})  # each one's fingerprint
         self.tests = known.get("tests", {})      # by program
         # By source: first line, last line, and the tests by program.
@@ -90,11 +93,16 @@ class Reached:
         def run_all(program):
             folder = tree.folder / "entered" / program.replace("/", "_")
             start = time.monotonic()
-            for test in self.tests[program]:
+            for test in list(self.tests[program]):
                 shutil.rmtree(folder, ignore_errors=True)
                 folder.mkdir(parents=True)
-                tree.run(program, [f"--gtest_filter={test}"], 600,
-                         {"REACHED_FOLDER": "Z:" + str(folder).replace("/", "\\")})
+                outcome = tree.run(program, [f"--gtest_filter={test}"], 600,
+                                   {"REACHED_FOLDER": "Z:" + str(folder).replace("/", "\\")})
+                if outcome != "passed":
+                    # Asked for every change, like a test that was written afterwards.
+                    print(f"does not pass in this build: {program} {test}, {outcome}", flush=True)
+                    self.tests[program].remove(test)
+                    continue
                 for number, entered in enumerate(functions):
                     for function in entered.entered(folder):
                         tests_of[number, function][program].append(test)
@@ -118,7 +126,7 @@ class Reached:
         self.file.write_text(json.dumps({
             "sources": {name: fingerprint(text) for name, text in sources.items()},
             "tests": self.tests, "functions": self.functions}))
-        self.__init__(self.file)
+        self.read()
 
     @staticmethod
     def tests_in(tree, program):

@@ -157,7 +157,7 @@ TEST(ReadWhole, GivesAllInPieces) {
         },
         "read");
     EXPECT_TRUE(read == content);
-    EXPECT_EQ(pieces, 2);
+    EXPECT_GT(pieces, 1);
     try {
         ReadWhole(
             Path(scratch.Text("b.bin")), [](std::string_view) {}, "copied");

@@ -118,5 +118,9 @@ TEST(NoMedia, IsToldInOneSentence) {
     EXPECT_EQ(Complaint({""}), "\"\" is no folder.");
 }
 
+TEST(FindingsList, HasNothingWithoutATest) {
+    EXPECT_THAT(ListedWithoutATest(), testing::IsEmpty());
+}
+
 }  // namespace
 }  // namespace launcher::test

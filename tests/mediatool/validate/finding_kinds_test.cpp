@@ -10,6 +10,7 @@
 #include <string>
 
 #include "mediatool/validate/findings.h"
+#include "tests/mediatool/validate/findings_list.h"
 #include "tests/support/temporary_folder.h"
 
 namespace launcher::test {
@@ -65,6 +66,10 @@ TEST(FindingKinds, HaveATestEach) {
         if (entry.path().extension() == ".cpp") tests += ReadFile(entry.path());
     for (const auto& [identifier, severities] : KindsOfTheTable())
         EXPECT_NE(tests.find("\"" + identifier + "\""), std::string::npos) << identifier;
+}
+
+TEST(FindingsList, HasNothingWithoutATest) {
+    EXPECT_THAT(ListedWithoutATest(), testing::IsEmpty());
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -66,6 +67,25 @@ inline void ExpectListed(const std::vector<mediatool::Finding>& findings) {
     const auto listed = FindingsList().find(name);
     EXPECT_EQ(Listed(findings), listed == FindingsList().end() ? "" : listed->second)
         << "findings.txt, == " << name;
+}
+
+// What the list has under the names of this program's suites without there being such a test.
+inline std::vector<std::string> ListedWithoutATest() {
+    std::map<std::string, std::set<std::string>> tests;  // by suite
+    const testing::UnitTest& all = *testing::UnitTest::GetInstance();
+    for (int i = 0; i < all.total_test_suite_count(); ++i) {
+        const testing::TestSuite& suite = *all.GetTestSuite(i);
+        for (int k = 0; k < suite.total_test_count(); ++k)
+            tests[suite.name()].insert(suite.GetTestInfo(k)->name());
+    }
+    std::vector<std::string> left;
+    for (const auto& [name, findings] : FindingsList()) {
+        const std::size_t dot = name.find('.');
+        const auto suite = tests.find(name.substr(0, dot));
+        if (suite != tests.end() && !suite->second.contains(name.substr(dot + 1)))
+            left.push_back(name);
+    }
+    return left;
 }
 
 }  // namespace launcher::test
