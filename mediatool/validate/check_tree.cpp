@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <unordered_map>
 #include <vector>
 
@@ -15,8 +14,8 @@
 namespace launcher::mediatool {
 namespace {
 
-// The longest user name has 20 characters.
-constexpr char kUsualTemp[] = "C:\\Users\\12345678901234567890\\AppData\\Local\\Temp";
+// C:\Users\NAME\AppData\Local\Temp, of the longest user name, which has 20 characters.
+constexpr std::size_t kUsualTempLength = 48;
 constexpr std::size_t kUuidLength = 36;
 
 // False where batch scripts see UTF-8 on this machine anyway.
@@ -29,18 +28,13 @@ bool IsOutsideOemCodePage(const std::string& name) {
     return replaced != FALSE;
 }
 
-bool IsAscii(const std::string& text) {
-    return std::ranges::all_of(text, [](char c) { return static_cast<signed char>(c) >= 0; });
-}
-
 class Tree {
   public:
     Tree(const Subject& subject, Findings& out)
         : subject_(subject),
           out_(out),
-          root_(subject.Media().Text() + "\\"),
-          copyRoot_(WideLength(subject.temp.empty() ? kUsualTemp : Path(subject.temp).Text()) + 2 +
-                    kUuidLength) {}
+          copyLength_((subject.temp.empty() ? kUsualTempLength : WideLength(subject.temp)) + 1 +
+                      kUuidLength) {}
 
     void Check(const Path& folder) {
         const auto entries = List(folder);
@@ -114,7 +108,8 @@ class Tree {
     }
 
     void CheckLength(const std::string& path, const Entry& entry) {
-        const std::size_t length = copyRoot_ + WideLength(path) - WideLength(root_);
+        const std::size_t length =
+            copyLength_ + WideLength(path) - WideLength(subject_.Media().Text());
         const std::size_t most = entry.isFolder ? kLongestFolder : kLongestPath;
         if (length <= most || !MayAdd(tooLong_)) return;
         out_.AddFirst({{subject_.view.Copies(), "path-too-long-in-copy/copied"},
@@ -145,8 +140,7 @@ class Tree {
 
     const Subject& subject_;
     Findings& out_;
-    std::string root_;
-    std::size_t copyRoot_;  // characters of the temporary folder's name, last backslash included
+    std::size_t copyLength_;  // characters of the path of the folder that the medium is copied to
     std::size_t count_ = 0;
     std::size_t outsideOem_ = 0;
     std::size_t tooLong_ = 0;
@@ -162,7 +156,9 @@ void CheckTree(const Subject& subject, Findings& out) {
     Tree tree(subject, out);
     tree.CheckRoot();
     if (IsFolder(subject.Inst())) tree.Check(subject.Inst());
-    if (!IsAscii(subject.temp)) out.Add("temp-outside-oem-code-page", subject.temp);
+    // Only characters of ASCII are as many in UTF-8.
+    if (WideLength(subject.temp) != subject.temp.size())
+        out.Add("temp-outside-oem-code-page", subject.temp);
 }
 
 }  // namespace launcher::mediatool

@@ -59,22 +59,25 @@ class Volumes {
     void CheckOneFolder() {
         MissingVolumes missing(2, set_.count);
         const auto inFirst = [this](VolumeNumber) { return set_.first; };
-        for (const VolumeNumber k : inFirst_)
-            if (CheckVolume(set_, k, inFirst, out_)) missing.Remove(k);
-        bool areMixed = false;
-        for (const VolumeNumber k : beside_) {
-            areMixed = areMixed || !inFirst_.contains(k);
+        for (const VolumeNumber k : inFirst_) {
+            CheckVolume(set_, k, inFirst, out_);
             missing.Remove(k);
         }
+        for (const VolumeNumber k : beside_)
+            missing.Remove(k);
         if (missing.Total() > 0) ReportMissing(missing, set_.first);
-        if (areMixed) out_.Add("volumes-mixed-layouts", set_.first);
+        if (!std::ranges::includes(inFirst_, beside_))
+            out_.Add("volumes-mixed-layouts", set_.first);
     }
 
     void CheckSiblings() {
         MissingVolumes missing(2, set_.count);
         const auto place = [this](VolumeNumber k) { return Beside(k); };
-        for (const VolumeNumber k : beside_)
-            if (!Holds(Beside(k), lost_) && CheckVolume(set_, k, place, out_)) missing.Remove(k);
+        for (const VolumeNumber k : beside_) {
+            if (Holds(Beside(k), lost_)) continue;
+            CheckVolume(set_, k, place, out_);
+            missing.Remove(k);
+        }
         ReportLost(missing);
         if (missing.Total() > 0) ReportMissing(missing, Beside(missing.First()));
         // The launcher's search depends on the current folder then.

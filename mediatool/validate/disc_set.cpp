@@ -82,18 +82,17 @@ bool CheckDepth(const std::string& volume, const Path& folder, const std::string
     return false;
 }
 
-bool CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf, Findings& out) {
+void CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf, Findings& out) {
     const Path folder = placeOf(number);
     const Path marker = MarkerIn(folder, number);
     const std::string name = MarkerName(number);
     const std::string k = std::to_string(number);
-    const bool isInFirst = SameName(folder, set.first);
     if (Look(marker)) {
         const std::string& id = set.ids.In(marker);
         CheckMarkerText(marker, id, out);
         if (!id.empty() && id != set.id) CompareIdentifiers(id, set, marker, out);
-        if (!isInFirst) CheckContent(k, folder, out);
-        return true;
+        if (!SameName(folder, set.first)) CheckContent(k, folder, out);
+        return;
     }
     const auto meant = MarkersMeantIn(folder);
     if (const auto misnamed = meant.find(number); misnamed != meant.end()) {
@@ -101,16 +100,13 @@ bool CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf
         out.AddFirst(
             {{hasZeros, "volume-marker-leading-zeros"}, {true, "volume-marker-double-extension"}},
             file, {name});
-        return true;
+        return;
     }
-    // In the folder of volume 1 the others' markers are at home.
-    if (number > 1 && isInFirst) return false;
     const std::vector<Path> others = OtherMarkers(set, folder);
     if (number > 1 && !others.empty())
         ReportOther(set, number, placeOf, others.front(), out);
     else if (set.id.empty() || !CheckDepth("Volume " + k, folder, name, set.id, set.ids, out))
         out.Add("volume-marker-missing", marker, {k, set.id.empty() ? "identifier" : set.id});
-    return true;
 }
 
 bool MissingVolumes::Contains(VolumeNumber number) const {

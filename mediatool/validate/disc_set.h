@@ -27,9 +27,8 @@ struct DiscSet {
 // The folder where the launcher looks for a volume, in one of the layouts.
 using PlaceOf = std::function<Path(VolumeNumber)>;
 
-// Reports what is wrong with volume `number` at its place. False, and nothing reported, when that
-// is volume 1's folder and nothing in it was meant to be the marker of this volume.
-bool CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf, Findings& out);
+// Reports what is wrong with volume `number` at its place.
+void CheckVolume(const DiscSet& set, VolumeNumber number, const PlaceOf& placeOf, Findings& out);
 
 // Reports a volume, or an outer one, that is in a folder of its own in `folder`, its place, by the
 // marker `name` with the identifier `id`. False, and nothing reported, when there is none.
@@ -49,7 +48,7 @@ void CheckGivenVolumes(const DiscSet& set, const std::vector<Path>& given, Findi
 // numbers.
 std::map<VolumeNumber, Path> LostVolumes(const DiscSet& set, const std::vector<Path>& given);
 
-// Archives in `parent` that have the number of a volume for a name, or at its end: "2.zip".
+// Archives in `parent` by the number that they have for a name, or at its end: "2.zip"; 0 without.
 std::map<VolumeNumber, Path> PackedVolumes(const Path& parent);
 
 // The volumes from one number to another that are neither there nor reported for another reason.

@@ -25,14 +25,12 @@ class GivenVolumes {
     // The ones that are left over, and those that have no marker and may be these.
     void CheckRest() {
         const auto unmarked = static_cast<VolumeNumber>(unmarked_.size());
-        if (unmarked == 1 && missing_.Total() == 1) {
-            const VolumeNumber k = missing_.First();
-            out_.Add("volume-marker-missing", MarkerIn(unmarked_.front(), k),
-                     {std::to_string(k), set_.id});
-            return;
-        }
         for (const Path& folder : unmarked_)
-            out_.Add("volume-marker-missing/of-given", folder, {set_.id});
+            if (unmarked == 1 && missing_.Total() == 1)
+                out_.Add("volume-marker-missing", MarkerIn(folder, missing_.First()),
+                         {missing_.Numbers(), set_.id});
+            else
+                out_.Add("volume-marker-missing/of-given", folder, {set_.id});
         if (missing_.Total() > unmarked)
             out_.Add("volume-missing/not-given", set_.first, {missing_.Sentence("volume")});
     }

@@ -13,10 +13,13 @@ namespace {
 
 class Search {
   public:
-    explicit Search(const DiscSet& set) : set_(set) {}
+    explicit Search(const DiscSet& set) : set_(set), parent_(ParentOfVolumes(set.first)) {}
 
-    // By the markers in the folder, whatever it is called.
+    // By the markers in the folder, whatever it is called; but one beside volume 1 that is called
+    // by its marker is at its place.
     void TakeFolder(const Path& folder) {
+        const bool isBeside = SameName(Parent(folder), parent_);
+        if (isBeside && Look(Join(folder, FileName(folder) + kVolumeMarkerSuffix))) return;
         for (const Path& marker : NumberedMarkers(folder))
             Take(marker);
     }
@@ -27,11 +30,11 @@ class Search {
             Take(MarkerIn(Join(parent, std::to_string(k)), k));
     }
 
-    void TakeBeside(const Path& parent) {
-        for (const Entry& entry : EntriesOf(parent)) {
-            const Path folder = Join(parent, entry.name);
+    void TakeBeside() {
+        for (const Entry& entry : EntriesOf(parent_)) {
+            const Path folder = Join(parent_, entry.name);
             if (!entry.isFolder || SameName(folder, set_.first)) continue;
-            if (!Look(Join(folder, entry.name + kVolumeMarkerSuffix))) TakeFolder(folder);
+            TakeFolder(folder);
             TakeNumbered(folder);
         }
     }
@@ -46,6 +49,7 @@ class Search {
     }
 
     const DiscSet& set_;
+    Path parent_;
 };
 
 // The digits at the end of a name, as a number.
@@ -60,10 +64,11 @@ VolumeNumber NumberAtEnd(const std::string& name) {
 std::map<VolumeNumber, Path> LostVolumes(const DiscSet& set, const std::vector<Path>& given) {
     Search search(set);
     for (const Path& folder : given)
-        if (!SameName(folder, set.first)) search.TakeFolder(folder);
-    search.TakeBeside(ParentOfVolumes(set.first));
-    search.TakeNumbered(set.first);
-    if (const Path above = Parent(Parent(set.first)); !IsEmpty(above)) search.TakeNumbered(above);
+        search.TakeFolder(folder);
+    search.TakeBeside();
+    const Path parent = Parent(set.first);
+    if (!IsEmpty(parent)) search.TakeNumbered(set.first);  // at a drive's root, those are at home
+    search.TakeNumbered(Parent(parent));
     return search.found;
 }
 
@@ -73,7 +78,7 @@ std::map<VolumeNumber, Path> PackedVolumes(const Path& parent) {
         const std::string name = InLowerCase(entry.name);
         const std::string stem = name.substr(0, name.find('.'));
         for (const char* extension : {".zip", ".7z", ".rar", ".iso", ".tar", ".gz", ".tgz"})
-            if (!entry.isFolder && name.ends_with(extension) && NumberAtEnd(stem) > 0)
+            if (!entry.isFolder && name.ends_with(extension))
                 archives.insert({NumberAtEnd(stem), Join(parent, entry.name)});
     }
     return archives;

@@ -51,8 +51,7 @@ bool ReportOverlooked(const DiscSet& set, Findings& out) {
             const std::string lower = InLowerCase(entry.name);
             const std::string stem = lower.substr(0, lower.find(kVolumeMarkerSuffix));
             const Path file = Join(folder, entry.name);
-            if (entry.isFolder || lower != stem + kVolumeMarkerSuffix || !IsNumber(stem) ||
-                set.ids.In(file).empty())
+            if (lower != stem + kVolumeMarkerSuffix || !IsNumber(stem) || set.ids.In(file).empty())
                 continue;
             return out.AddFirst({{OuterMarkerNumber(lower) > 0, "outer-marker-upper-case"},
                                  {stem.size() > 2, "outer-marker-number-too-high"},
@@ -136,7 +135,6 @@ class OuterVolumes {
 bool IsStray(const DiscSet& set, const OuterSet& outer) {
     if (!outer.id.empty() && outer.id != set.id) return false;
     const Path parent = Parent(outer.folder);
-    if (IsEmpty(parent)) return true;
     const auto others = NumberedFolders(parent, outer.first + 1, outer.first + set.count - 1);
     return std::ranges::none_of(others, [&](VolumeNumber number) {
         return Look(MarkerIn(OuterVolumeFolder(outer, number), number)).has_value();

@@ -18,6 +18,7 @@ import time
 from mutation.tree import PROGRAMS
 
 ADDRESSES_OF_A_BYTE = 16
+PROGRAMS_AT_ONCE = 4  # their tests mostly wait
 ROW = re.compile(r"(\S.*?)\s+(\d+)\s+0x([0-9a-f]+)\b.*")
 
 
@@ -110,7 +111,7 @@ class Reached:
             print(f"{time.monotonic() - start:6.1f} s  {program}, {len(self.tests[program])} tests, "
                   "one by one", flush=True)
 
-        with concurrent.futures.ThreadPoolExecutor(2) as pool:
+        with concurrent.futures.ThreadPoolExecutor(PROGRAMS_AT_ONCE) as pool:
             list(pool.map(run_all, programs))
         found = collections.defaultdict(lambda: collections.defaultdict(
             lambda: collections.defaultdict(set)))

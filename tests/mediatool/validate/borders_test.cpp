@@ -182,6 +182,36 @@ const Border kOfTexts[] = {
 INSTANTIATE_TEST_SUITE_P(Texts, Borders, testing::ValuesIn(kOfTexts),
                          [](const auto& row) { return std::string(row.param.name); });
 
+// What is there beside the volumes that the launcher finds, and what it never looks at.
+const Border kOfVolumes[] = {
+    {"FourthVolumeBesideOneFolder", Layout::OneFolder, [](Media& m) { m.Marker("../4/4.txt"); }},
+    {"FourthVolumeBesideThoseInOuterVolumes", Layout::Outer,
+     [](Media& m) { m.Marker("../4/4.txt"); }},
+    {"FourthVolumeAsInAnOuterVolume", Layout::Siblings,
+     [](Media& m) { m.Marker("../../8/4/4.txt"); }},
+    {"FourthVolumeInAnOuterVolume0", Layout::Outer,
+     [](Media& m) { m.Marker("../../../0/media/4/4.txt"); }},
+    {"MarkerOfAnotherSetInOneFolder", Layout::OneFolder,
+     [](Media& m) { m.Marker("4.txt", "OTHER"); }},
+    {"MarkersOfAnotherSetInAVolume", Layout::Siblings,
+     [](Media& m) { m.Marker("../2/3.txt", "OTHER").Marker("../2/4.txt", "OTHER"); }},
+    {"VolumeOfAnotherSetBeside", Layout::Siblings,
+     [](Media& m) { m.Marker("../4/4.txt", "OTHER"); }},
+    {"VolumeOfAnotherSetInAnOuterVolume", Layout::Outer,
+     [](Media& m) { m.Marker("../../../10/media/4/4.txt", "OTHER"); }},
+    {"OuterMarkerAboveAnother", Layout::Outer,
+     [](Media& m) { m.Marker("../../../5.txt", "OTHER"); }},
+    {"FolderNamedAsAnOuterMarker", Layout::Outer, [](Media& m) { m.MakeDir("../../5.txt"); }},
+    {"OuterVolumesWhoseFirstWouldBe0", Layout::Outer,
+     [](Media& m) {
+         m.Remove("../../7.txt").Rename("../../../8", "../../../1");
+         m.Rename("../../../9", "../../../2");
+     },
+     "volumes-elsewhere"},
+};
+INSTANTIATE_TEST_SUITE_P(Volumes, Borders, testing::ValuesIn(kOfVolumes),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 // --- values
 
 const std::string& WhatOf(const std::vector<Finding>& findings, const std::string& id) {
@@ -232,6 +262,24 @@ TEST(ManyOfOneKind, AreFiveFindings) {
         std::erase_if(findings, [&kind](const Finding& each) { return each.id != kind.id; });
         EXPECT_EQ(findings.size(), 5u) << kind.id;
     }
+}
+
+// On a disc that tells capitals apart.
+TEST(ManyOfOneKind, ThatDifferInCapitalsAreFiveFindings) {
+    Media media;
+    for (int i = 0; i < 7; ++i)
+        for (const char* prefix : {"part", "qart"})
+            media.Write("inst/" + (prefix + std::to_string(i)), "x");
+    const Hook<decltype(&FindNextFileW)> renamed("FindNextFileW",
+                                                 [](auto real, HANDLE search, auto data) -> BOOL {
+                                                     const BOOL found = real(search, data);
+                                                     if (found && data->cFileName[0] == L'q')
+                                                         data->cFileName[0] = L'P';
+                                                     return found;
+                                                 });
+    std::vector<Finding> findings = media.Validate().findings.Sorted();
+    std::erase_if(findings, [](const Finding& each) { return each.id != "name-differs-in-case"; });
+    EXPECT_EQ(findings.size(), 5u);
 }
 
 TEST(ManyOfOneKind, ThatCannotBeReadAreFiveFindings) {
@@ -361,12 +409,12 @@ TEST(PackedVolumes, AreArchivesWithANumberAtTheirEnd) {
     const struct {
         const char* name;
         bool isOne;
-    } rows[] = {{"3.zip", true},      {"3.7z", true},       {"Disc3.rar", true},
-                {"disc-3.ISO", true}, {"3.tar", true},      {"3.gz", true},
-                {"3.tar.gz", true},   {"3.tgz", true},      {"Volume 03.zip", true},
-                {"3a.zip", false},    {"13.zip", false},    {"3.cab", false},
-                {"30.zip", false},    {"zip", false},       {".zip", false},
-                {"3", false},         {"disc.3.zip", false}};
+    } rows[] = {
+        {"3.zip", true},         {"3.7z", true},    {"Disc3.rar", true}, {"disc-3.ISO", true},
+        {"3.tar", true},         {"3.gz", true},    {"3.tar.gz", true},  {"3.tgz", true},
+        {"Volume 03.zip", true}, {"3a.zip", false}, {"13.zip", false},   {"3.cab", false},
+        {"30.zip", false},       {"zip", false},    {".zip", false},     {"3", false},
+        {"disc.3.zip", false},   {"1.zip", false},  {"2.zip", false},    {"4.zip", false}};
     for (const auto& [name, isOne] : rows) {
         Media media(Layout::Siblings);
         media.Remove("../3").Write("../" + std::string(name), "x");

@@ -79,6 +79,14 @@ const DiscRow kDiscs[] = {
     {"ALauncherWithoutAMarker",
      [](Media& m) { m.Remove("../../three/3.txt").Write("../../three/setup.exe", "x"); },
      "folder-other-medium volume-missing volumes-on-other-drives"},
+    {"ALauncherBesideAForeignMarker",
+     [](Media& m) { m.Marker("../../three/3.txt", "OTHER").Write("../../three/setup.exe", "x"); },
+     "folder-other-medium volume-missing volumes-on-other-drives"},
+    {"ACountFileWithoutAMarker",
+     [](Media& m) { m.Remove("../../three/3.txt").Write("../../three/inst/volumes.txt", "2\r\n"); },
+     "count-file-in-later-volume folder-other-medium volume-missing volumes-on-other-drives"},
+    {"TheMarkerOfTheFirst", [](Media& m) { m.Rename("../../three/3.txt", "../../three/1.txt"); },
+     "volume-marker-missing volume-number-twice volumes-on-other-drives"},
 };
 INSTANTIATE_TEST_SUITE_P(Discs, VolumesOnDrives, testing::ValuesIn(kDiscs),
                          [](const auto& row) { return std::string(row.param.name); });
@@ -177,8 +185,15 @@ const Mistake kLost[] = {
     {"volume-misplaced", Level::Error, Layout::Siblings,
      [](Media& m) { m.MakeDir("../Disk").Rename("../2", "../Disk/2").Remove("../3"); },
      "BesideAMissingOne", "volume-missing"},
+    {"volume-misplaced", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Rename("../2", "2").Marker("../Disk/2/2.txt").Remove("../3"); },
+     "InTwoFolders", "volume-missing"},
+    {"volume-misplaced", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Rename("../2", "../../2").Rename("../3", "3"); }, "HigherAndLower"},
     {"volume-too-deep", Level::Error, Layout::Siblings,
      [](Media& m) { m.Rename("../2", "../x").MakeDir("../2").Rename("../x", "../2/Disc 2"); }},
+    {"volume-too-deep", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Rename("../2", "../../2").Rename("../3", "../../3"); }, "OfVolumeOne"},
     {"volume-too-deep", Level::Error, Layout::Outer,
      [](Media& m) {
          m.Rename("../../../8", "../../../x").MakeDir("../../../8");
@@ -210,6 +225,30 @@ TEST_P(LostVolumeTest, IsFoundByItsName) {
     ExpectToBeFound(GetParam());
 }
 INSTANTIATE_TEST_SUITE_P(Lost, LostVolumeTest, testing::ValuesIn(kLost), MistakeName);
+
+// There they are at the place where the launcher looks, if it is started from there. What is beside
+// them is a part of volume 1.
+TEST(VolumesAtADrivesRoot, AreNotLost) {
+    SampleMedia media(Layout::Siblings);
+    media.Rename("../2", "2").Remove("../3").Write("3.zip", "PK");
+    const MappedDrive drive("n:", FromUtf8(media.Text()));
+    mediatool::ValidateRequest request;
+    request.folders = {ToUtf8(drive.Root())};
+    const Validation validation = mediatool::Validate(request);
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-missing volumes-at-drive-root")
+        << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
+TEST(StrayMarkers, MayBeAtTheRootOfADrive) {
+    SampleMedia media(Layout::Siblings);
+    media.Remove("../2").Remove("../3").Write("../7.txt", "notes of a meeting");
+    const MappedDrive drive("n:", FromUtf8(media.Text("..")));
+    mediatool::ValidateRequest request;
+    request.folders = {ToUtf8(drive.Root() / "1")};
+    EXPECT_EQ(Changes(mediatool::Validate(request), Layout::Siblings),
+              "outer-marker-stray volumes-elsewhere");
+}
 
 // A volume comes with its outer volume: the folder moves, not the marker.
 TEST(SwappedVolumes, InOuterVolumesTradeTheirFolders) {

@@ -73,6 +73,39 @@ TEST(Markers, AreNotAskedForWithoutEndInAFolderThatCannotBeListed) {
     EXPECT_LT(opened.times, 15000);
 }
 
+// How often a file is asked for with one of these in its path, opened or not.
+int AskedWithin(const SampleMedia& media, const std::vector<std::wstring>& parts) {
+    int times = 0;
+    const auto count = [&](LPCWSTR name) {
+        for (const std::wstring& part : parts)
+            if (std::wstring_view(name).find(part) != std::wstring_view::npos) ++times;
+    };
+    const Hook<decltype(&CreateFileW)> open("CreateFileW",
+                                            [&](auto real, LPCWSTR name, auto... others) {
+                                                count(name);
+                                                return real(name, others...);
+                                            });
+    const Hook<decltype(&GetFileAttributesExW)> look("GetFileAttributesExW",
+                                                     [&](auto real, LPCWSTR name, auto... others) {
+                                                         count(name);
+                                                         return real(name, others...);
+                                                     });
+    media.Validate();
+    return times;
+}
+
+TEST(Markers, AreNotLookedForBelowFiles) {
+    SampleMedia media(Layout::Siblings);
+    media.Remove("../2/2.txt").Write("../notes.doc", "x");
+    EXPECT_EQ(AskedWithin(media, {L"\\2\\content.bin\\", L"\\notes.doc\\"}), 0);
+}
+
+TEST(Markers, AreNotLookedForBelowFoldersThatAreNotThere) {
+    SampleMedia media(Layout::Outer);
+    media.MakeDir("../../../10");
+    EXPECT_EQ(AskedWithin(media, {L"\\10\\media\\"}), 0);
+}
+
 // Two files above volume 1 look like markers, and the system lists the one first that is none.
 TEST(OuterMarkers, OfWhichTheLauncherTakesOneAreExplainedByThatOne) {
     SampleMedia media(Layout::Outer);

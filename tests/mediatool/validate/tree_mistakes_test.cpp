@@ -269,20 +269,79 @@ TEST(TreeMistakes, AFolderThatCannotBeListed) {
 }
 
 // On a disc that tells capitals apart.
+constexpr auto kQIsPart = [](auto real, HANDLE search, auto data) -> BOOL {
+    const BOOL found = real(search, data);
+    if (found && std::wstring(data->cFileName) == L"Q.bin")
+        std::wstring(L"PART.BIN").copy(data->cFileName, 9);
+    return found;
+};
+
 TEST(TreeMistakes, NamesThatDifferInCapitals) {
     SampleMedia media;
     media.Write("inst/data/Part.bin", "x").Write("inst/data/Q.bin", "x");
-    const Hook<decltype(&FindNextFileW)> twice(
-        "FindNextFileW", [](auto real, HANDLE search, auto data) -> BOOL {
-            const BOOL found = real(search, data);
-            if (found && std::wstring(data->cFileName) == L"Q.bin")
-                std::wstring(L"PART.BIN").copy(data->cFileName, 9);
-            return found;
-        });
+    const Hook<decltype(&FindNextFileW)> twice("FindNextFileW", kQIsPart);
     const Validation validation = media.Validate();
     ExpectWhole(validation, "name-differs-in-case", Level::Error);
     EXPECT_EQ(validation.findings.Sorted().front().what,
               "The name differs from PART.BIN, beside it, only in its capitals.");
+}
+
+TEST(TreeMistakes, NamesAtTheRootThatDifferInCapitals) {
+    SampleMedia media;
+    media.Write("Part.bin", "x").Write("Q.bin", "x");
+    const Hook<decltype(&FindNextFileW)> twice("FindNextFileW", kQIsPart);
+    ExpectWhole(media.Validate(), "name-differs-in-case", Level::Error);
+}
+
+// What a link leads to has its own name and size.
+TEST(TreeMistakes, LinksToFiles) {
+    SampleMedia media;
+    media.Write("inst/data/x.tmp", "x").Write("inst/data/x.exe");
+    const Hook<decltype(&FindNextFileW)> links(
+        "FindNextFileW", [](auto real, HANDLE search, auto data) -> BOOL {
+            const BOOL found = real(search, data);
+            if (found && std::wstring(data->cFileName).starts_with(L"x."))
+                data->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+            return found;
+        });
+    ExpectWhole(media.Validate(), "link", Level::Warning);
+}
+
+// Batch scripts see them there.
+TEST(TreeMistakes, NoNameIsOutsideTheCodePageOfUtf8) {
+    SampleMedia media;
+    media.Write("inst/common/漢字.txt");
+    const Hook<decltype(&GetOEMCP)> utf8("GetOEMCP", [](auto) -> UINT { return CP_UTF8; });
+    EXPECT_EQ(Changes(media.Validate()), "");
+}
+
+TEST(TreeMistakes, AVolumeThatCannotBeListed) {
+    const SampleMedia media(Layout::Siblings);
+    const Hook<decltype(&FindFirstFileW)> denied(
+        "FindFirstFileW", [](auto real, LPCWSTR pattern, auto data) -> HANDLE {
+            if (!std::wstring(pattern).ends_with(L"\\set\\2\\*")) return real(pattern, data);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        });
+    ExpectWhole(media.Validate(), "folder-unreadable", Level::Error, "", Layout::Siblings);
+}
+
+// It has a count file, in a folder that cannot be listed.
+TEST(TreeMistakes, VolumeOneIsNotSaidToBeEmpty) {
+    SampleMedia media(Layout::Siblings);
+    for (const char* name :
+         {"setup.exe", "meta.TOCxml", "media.xml", "media.db", "StartTUI.exe", "setup_noUAC.exe"})
+        media.Remove(name);
+    media.Write("1.txt", "notes of a meeting");
+    const Hook<decltype(&FindFirstFileW)> denied(
+        "FindFirstFileW", [](auto real, LPCWSTR pattern, auto data) -> HANDLE {
+            if (!std::wstring(pattern).ends_with(L"\\inst\\*")) return real(pattern, data);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        });
+    ExpectFound(media.Validate(), "volume-marker-no-id", Level::Error,
+                "folder-unreadable launcher-missing root-entry-missing -launcher-not-signed",
+                Layout::Siblings);
 }
 
 TEST(TreeMistakes, AListingThatBreaksOff) {

@@ -28,10 +28,25 @@ const Mistake kTextMistakes[] = {
     {"volume-marker-empty", Level::Error, Layout::Siblings, [](Media& m) { m.Write(kTwo, ""); }},
     {"volume-marker-no-id", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "SET\r\n"); }},
+    {"volume-marker-no-id", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "MTBDIX=SET\r\n"); }, "AfterAnotherWord"},
+    {"volume-marker-no-id", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "# Volume 2\rMTBDIR=SET\r\n"); }, "BehindACarriageReturn"},
+    {"volume-marker-no-id", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "# Volume 2\rSET"); }, "WithCarriageReturnsAlone"},
+    {"volume-marker-no-id", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "notes of a meeting").Marker("../old/2.txt"); }, "BesideACopy"},
+    {"volume-marker-no-id", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         m.Write("1.txt", "notes of a meeting").Write("../2/9.txt", "notes of a meeting");
+     },
+     "OfVolumeOneBesideAnother"},
     {"volume-marker-lower-case", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "mtbdir=SET\r\n"); }},
     {"volume-marker-leading-blank", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, " MTBDIR=SET\r\n"); }},
+    {"volume-marker-leading-blank", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, " MTBDIR=\r\n"); }, "AndNothingBehind"},
     {"volume-marker-blank-before-equals", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "MTBDIR =SET\r\n"); }},
     {"volume-marker-no-equals", Level::Error, Layout::Siblings,
@@ -44,6 +59,8 @@ const Mistake kTextMistakes[] = {
      [](Media& m) { m.Marker(kTwo, "SET "); }, "", "volume-id-blanks-differ"},
     {"volume-id-blanks-differ", Level::Error, Layout::Siblings,
      [](Media& m) { m.Marker(kTwo, "SET "); }, "", "volume-id-trailing-blank"},
+    {"volume-id-blanks-differ", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Marker("1.txt", "SET "); }, "OfVolumeOne", "volume-id-trailing-blank"},
     {"volume-id-quoted", Level::Warning, Layout::Siblings,
      [](Media& m) { m.Marker(kTwo, "\"SET\""); }, "", "volume-id-differs"},
     {"volume-id-not-utf8", Level::Warning, Layout::Siblings,
@@ -62,6 +79,12 @@ const Mistake kTextMistakes[] = {
      [](Media& m) { m.Write(kTwo, "# Volume 2\rMTBDIR=SET\r"); }, "BeforeTheIdentifier"},
     {"volume-marker-cr-only", Level::Error, Layout::Siblings,
      [](Media& m) { m.Write(kTwo, "MTBDIR=SET\r\r"); }, "WithABlankLine", "volume-id-differs"},
+    {"volume-marker-cr-only", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "MTBDIR=SET\rMTBDIR=OLD"); }, "WithTwoIdentifiers",
+     "volume-id-differs"},
+    {"volume-marker-cr-only", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Write(kTwo, "MTBDIR= SET\rVolume 2"); }, "WithABlank",
+     "volume-id-differs volume-id-leading-blank"},
     {"volume-id-letters-differ", Level::Error, Layout::Siblings,
      [](Media& m) {
          for (const char* name : {"1.txt", "../3/3.txt"})
@@ -82,6 +105,28 @@ const Mistake kTextMistakes[] = {
          m.Marker(kTwo, "M\xD6rz");
      },
      "InALetterThatIsNotUtf8AndInCapitals", "volume-id-not-utf8"},
+    {"volume-id-differs", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         for (const char* name : {"1.txt", "../3/3.txt"})
+             m.Marker(name, "M\xC4RZ");
+         m.Marker(kTwo, "M\xD6RZ ");
+     },
+     "InALetterThatIsNotUtf8AndInABlank", "volume-id-not-utf8 volume-id-trailing-blank"},
+    // U+FFFD is what such a byte becomes.
+    {"volume-id-differs", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         for (const char* name : {"1.txt", "../3/3.txt"})
+             m.Marker(name, "M\xEF\xBF\xBDRZ");
+         m.Marker(kTwo, "M\xC4RZ");
+     },
+     "InALetterThatIsNotUtf8InOne", "volume-id-not-utf8"},
+    {"volume-id-differs", Level::Error, Layout::Siblings,
+     [](Media& m) {
+         for (const char* name : {"1.txt", "../3/3.txt"})
+             m.Marker(name, "M\xC4RZ");
+         m.Marker(kTwo, "M\xEF\xBF\xBDRZ");
+     },
+     "InALetterThatIsNotUtf8InTheOthers", "volume-id-not-utf8"},
     {"volume-id-too-long", Level::Error, Layout::Siblings,
      [](Media& m) {
          for (const char* name : {"1.txt", kTwo, "../3/3.txt"})
@@ -98,6 +143,11 @@ const Mistake kPlaceMistakes[] = {
     {"volume-marker-missing", Level::Error, Layout::Siblings, [](Media& m) { m.Remove(kTwo); }},
     {"volume-marker-missing", Level::Error, Layout::Siblings, [](Media& m) { m.Remove("1.txt"); },
      "OfVolumeOne"},
+    {"volume-marker-missing", Level::Error, Layout::OneFolder,
+     [](Media& m) { m.Remove("1.txt").Write("2.txt", "notes of a meeting"); },
+     "OfVolumeOneBesideAnother"},
+    {"volume-marker-missing", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Remove(kTwo).Marker("../2/3.txt", "OTHER"); }, "BesideThatOfAnotherSet"},
     {"volume-marker-leading-zeros", Level::Error, Layout::Siblings,
      [](Media& m) { m.Rename(kTwo, "../2/02.txt"); }},
     {"volume-marker-leading-zeros", Level::Error, Layout::OneFolder,
@@ -106,6 +156,11 @@ const Mistake kPlaceMistakes[] = {
      [](Media& m) { m.Rename(kTwo, "../2/2.txt.txt"); }},
     {"volume-marker-wrong-number", Level::Error, Layout::Siblings,
      [](Media& m) { m.Rename(kTwo, "../2/3.txt"); }, "", "volume-number-twice"},
+    {"volume-marker-wrong-number", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Rename(kTwo, "../2/4.txt"); }, "BeyondTheCount", "volume-beyond-count"},
+    {"volume-marker-wrong-number", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Rename(kTwo, "../2/3.txt").Marker("../2/4.txt"); }, "BesideAnother",
+     "volume-beyond-count volume-number-twice"},
     {"volume-id-differs", Level::Error, Layout::Siblings,
      [](Media& m) { m.Marker(kTwo, "OTHER"); }},
     {"volume-id-differs", Level::Error, Layout::OneFolder,
@@ -115,10 +170,23 @@ const Mistake kPlaceMistakes[] = {
     {"volume-missing", Level::Error, Layout::Siblings, [](Media& m) { m.Remove("../3"); }},
     {"volume-missing", Level::Error, Layout::OneFolder, [](Media& m) { m.Remove("3.txt"); },
      "InOneFolder"},
+    {"volume-missing", Level::Error, Layout::OneFolder, [](Media& m) { m.Remove("2.txt"); },
+     "InOneFolderWithTheLast"},
+    {"volume-missing", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Remove("../3").Marker("4.txt"); }, "BesideAMarkerBeyondTheCount",
+     "volume-beyond-count"},
     {"volume-folder-named-otherwise", Level::Error, Layout::Siblings,
      [](Media& m) { m.Rename("../2", "../Disc 2"); }},
+    {"volume-folder-named-otherwise", Level::Error, Layout::Siblings,
+     [](Media& m) { m.Rename("../2", "../x").Rename("../3", "../2").Rename("../x", "../3"); },
+     "InThatOfAnother"},
     {"volumes-mixed-layouts", Level::Error, Layout::OneFolder,
      [](Media& m) { m.Remove("3.txt").Marker("../3/3.txt"); }},
+    {"volumes-mixed-layouts", Level::Error, Layout::OneFolder,
+     [](Media& m) { m.Remove("2.txt").Marker("../2/2.txt").Marker("../3/3.txt"); },
+     "BesideOneInBoth", "volume-number-twice"},
+    {"count-file-zero", Level::Error, Layout::OneFolder,
+     [](Media& m) { m.Write("inst/volumes.txt", "0\r\n"); }, "BesideMarkers"},
     {"volume-beyond-count", Level::Error, Layout::Siblings,
      [](Media& m) { m.Marker("../4/4.txt"); }},
     {"volume-beyond-count", Level::Error, Layout::OneFolder, [](Media& m) { m.Marker("4.txt"); },
@@ -143,8 +211,20 @@ const Mistake kOuterMistakes[] = {
      [](Media& m) { m.Rename("../../7.txt", "../../700.txt"); }},
     {"outer-marker-zero", Level::Error, Layout::Outer,
      [](Media& m) { m.Rename("../../7.txt", "../../0.txt"); }},
+    {"outer-marker-zero", Level::Error, Layout::Outer,
+     [](Media& m) { m.Rename("../../7.txt", "../../00.txt"); }, "InTwoDigits"},
     {"outer-marker-missing", Level::Error, Layout::Outer, [](Media& m) { m.Remove("../../7.txt"); },
      "OfTheFirst"},
+    {"outer-marker-missing", Level::Error, Layout::Outer,
+     [](Media& m) { m.Rename("../../7.txt", "../../700.txt.bak"); }, "OfTheFirstBesideABackup"},
+    {"outer-marker-missing", Level::Error, Layout::Outer,
+     [](Media& m) { m.Rename("../../7.txt", "../../volume.txt"); }, "OfTheFirstBesideAWord"},
+    {"outer-marker-missing", Level::Error, Layout::Outer,
+     [](Media& m) { m.Remove("../../7.txt").Write("../../700.txt", "notes of a meeting"); },
+     "OfTheFirstBesideANumber"},
+    {"outer-marker-missing", Level::Error, Layout::Outer,
+     [](Media& m) { m.Remove("../../7.txt").Marker("../../../8/media/1/1.txt"); },
+     "OfTheFirstBesideACopy"},
     {"outer-marker-missing", Level::Error, Layout::Outer,
      [](Media& m) { m.Remove("../../7.txt").Write("../5.txt", "notes of a meeting"); },
      "OfTheFirstBesideAStray", "outer-marker-stray"},
@@ -155,6 +235,8 @@ const Mistake kOuterMistakes[] = {
      "count-file-one"},
     {"volume-beyond-count", Level::Error, Layout::Outer,
      [](Media& m) { m.Marker("../../../100/media/4/4.txt"); }, "InAnOuterVolumeAbove99"},
+    {"volume-beyond-count", Level::Error, Layout::Outer,
+     [](Media& m) { m.Marker("../../../1/media/4/4.txt"); }, "InOuterVolume1"},
     {"outer-marker-irregular", Level::Error, Layout::Outer,
      [](Media& m) { m.Rename("../../7.txt", "../../7a.txt"); }},
     {"outer-markers-two", Level::Error, Layout::Outer,
@@ -167,9 +249,21 @@ const Mistake kOuterMistakes[] = {
     {"outer-marker-stray", Level::Error, Layout::Siblings,
      [](Media& m) { m.Remove("../2").Remove("../3").Marker("../7.txt"); }, "OfTheMediaItself",
      "volumes-elsewhere"},
+    {"outer-marker-stray", Level::Error, Layout::Outer,
+     [](Media& m) { m.Marker("../../7.txt").Remove("../../../8").Remove("../../../9"); },
+     "InAFolderOfItsNumber", "volumes-elsewhere"},
+    {"outer-marker-stray", Level::Error, Layout::Outer,
+     [](Media& m) {
+         m.Marker("../../7.txt").Remove("../../../8").Remove("../../../9");
+         m.Marker("../../../10/10.txt");
+     },
+     "BesideAnOuterVolumeBeyond", "volumes-elsewhere"},
     {"outer-marker-missing", Level::Error, Layout::Outer,
      [](Media& m) { m.Remove("../../../8/8.txt"); }},
     {"outer-volume-missing", Level::Error, Layout::Outer, [](Media& m) { m.Remove("../../../8"); }},
+    {"outer-volume-missing", Level::Error, Layout::Outer,
+     [](Media& m) { m.Marker("../../7.txt").Remove("../../../8").Marker("../../../9/9.txt"); },
+     "BesideTheLast", "outer-id-same"},
     {"outer-id-differs", Level::Error, Layout::Outer,
      [](Media& m) { m.Marker("../../../8/8.txt", "OTHER"); }},
     {"outer-id-same", Level::Warning, Layout::Outer,
@@ -215,6 +309,47 @@ TEST(GivenFolders, OneThatTheLauncherDoesNotComeTo) {
     media.Marker("../../other/3.txt");
     EXPECT_TRUE(Finds(media.Validate({"../2", "../3", "../../other"}), "folder-not-a-volume"));
     EXPECT_FALSE(Has(media.Validate({"../2", "../3"}), "folder-not-a-volume"));
+}
+
+// And a volume at its place is not said to lie elsewhere.
+TEST(GivenFolders, NotAllOfTheSet) {
+    SampleMedia media(Layout::Siblings);
+    media.Remove("../3");
+    const Validation validation = media.Validate({"../2"});
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-missing") << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
+// The second marker is told once, not for the given folders again.
+TEST(GivenFolders, OneWithASecondMarker) {
+    SampleMedia media(Layout::Siblings);
+    media.Marker("../2/3.txt").Write("inst/volumes.txt", "4\r\n");
+    const Validation validation = media.Validate({"../2", "../3"});
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-missing volume-number-twice")
+        << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
+TEST(GivenFolders, BesideVolumeOneUnderOtherNames) {
+    SampleMedia media(Layout::Siblings);
+    media.Rename("../2", "../Disc 2").Rename("../3", "../Disc 3");
+    const Validation validation = media.Validate({"../Disc 2", "../Disc 3"});
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-folder-named-otherwise")
+        << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
+TEST(GivenFolders, ElsewhereUnderTheRightName) {
+    SampleMedia media(Layout::Siblings);
+    media.MakeDir("../../other").Rename("../2", "../../other/2");
+    const Validation validation = media.Validate({"../../other/2", "../3"});
+    EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-misplaced") << Ids(validation);
+    ExpectListed(validation, Layout::Siblings);
+}
+
+TEST(GivenFolders, TheOuterVolumes) {
+    const SampleMedia media(Layout::Outer);
+    EXPECT_EQ(Changes(media.Validate({"../../../8", "../../../9"}), Layout::Outer), "");
 }
 
 TEST(GivenFolders, ALaterVolumeWithACountFile) {
@@ -275,14 +410,44 @@ TEST(OuterMarkers, AreNotAskedForAbove99) {
               std::string::npos);
 }
 
+// Volume 1 under another name than 1. What is said of it is in the list.
+std::string ChangesAs(const std::string& name, SampleMedia& media) {
+    media.Rename("", "../" + name);
+    mediatool::ValidateRequest request;
+    request.folders = {media.Text("../" + name)};
+    const Validation validation = mediatool::Validate(request);
+    ExpectListed(validation, Layout::Siblings);
+    return Changes(validation, Layout::Siblings);
+}
+
+TEST(FirstVolumes, OfAnotherNameAreKnownWhereTheirMarkerIsTwice) {
+    SampleMedia media(Layout::Siblings);
+    media.Rename(kTwo, "../2/1.txt");
+    EXPECT_EQ(ChangesAs("Disc 1", media), "volume-marker-wrong-number volume-number-twice");
+}
+
+TEST(FirstVolumes, OfAnotherNameAreNotLookedForBeside) {
+    SampleMedia media(Layout::Siblings);
+    media.Remove("../3").Rename("", "../Disc 1").Marker("../1/2.txt");
+    mediatool::ValidateRequest request;
+    request.folders = {media.Text("../Disc 1")};
+    EXPECT_EQ(Changes(mediatool::Validate(request), Layout::Siblings), "volume-missing");
+}
+
+TEST(FirstVolumes, NamedByANumberBeyondTheCountHaveASecondMarkerOnce) {
+    SampleMedia media(Layout::Siblings);
+    media.Marker("5.txt");
+    EXPECT_EQ(ChangesAs("5", media), "volume-beyond-count");
+}
+
 // Bytes that only continue a letter: nothing in front of them begins one.
 TEST(Identifiers, OfNothingButContinuationsAreShortened) {
     SampleMedia media(Layout::Siblings);
     media.Marker("1.txt", std::string(300, '\x80')).Remove(kTwo);
     const mediatool::Findings findings = media.Validate().findings;
-    for (const Finding& finding : findings.Sorted(mediatool::Findings::Shown::Readable))
-        EXPECT_EQ((finding.what + finding.action).find(std::string(81, '\x80')), std::string::npos)
-            << finding.id;
+    EXPECT_EQ(
+        findings.Sorted(mediatool::Findings::Shown::Readable).front().action,
+        "Write the file with the line MTBDIR=" + std::string(77, '\x80') + "... (300 characters).");
 }
 
 // The quotation mark and 78 letters are 79 bytes; the next letter would end at the 81st.
