@@ -36,10 +36,9 @@ int Rehearse(const DryRunRequest& request, Rehearsal& rehearsal, LauncherState& 
     std::vector<std::wstring> texts = {ToWide(rehearsal.machine.launcherPath)};
     for (const std::string& argument : request.arguments)
         texts.push_back(ToWide(argument));
-    std::vector<const wchar_t*> argv;
-    argv.reserve(texts.size());
-    for (const std::wstring& text : texts)
-        argv.push_back(text.c_str());
+    std::vector<const wchar_t*> argv(texts.size());
+    std::ranges::transform(texts, argv.begin(),
+                           [](const std::wstring& text) { return text.c_str(); });
     const RehearsalScope scope(rehearsal);
     try {
         state.options.emplace(static_cast<int>(argv.size()), argv.data(), kInstallerName, true,
@@ -139,8 +138,6 @@ void HidePretendedUuid(DryRun& run) {
     const auto hideIn = [](std::string& text) { ReplaceAll(text, kPretendedUuid, kUuidShown, 0); };
     for (Message& message : run.journal.messages)
         hideIn(message.text);
-    for (Lookup& lookup : run.journal.lookups)
-        hideIn(lookup.path);
     for (auto& [key, file] : run.journal.copy.contents)
         hideIn(file.path);
     if (run.journal.commandLine) hideIn(*run.journal.commandLine);

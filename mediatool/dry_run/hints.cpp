@@ -65,7 +65,8 @@ void AddRoom(std::vector<std::string>& hints, const DryRun& run, const Path& med
 
 void AddTemp(std::vector<std::string>& hints, const DryRun& run, const Path& media) {
     if (run.journal.copy.contents.empty()) return;
-    if (std::ranges::any_of(run.temp, [](char c) { return static_cast<unsigned char>(c) >= 0x80; }))
+    // Letters outside ASCII alone take more bytes than Windows counts characters.
+    if (WideLength(run.temp) != run.temp.size())
         hints.emplace_back(
             "remove.bat cannot name the temporary folder, whose path holds letters outside ASCII: "
             "the copy stays. Set TEMP to a folder with a plain name.");
@@ -79,7 +80,7 @@ void AddTemp(std::vector<std::string>& hints, const DryRun& run, const Path& med
 bool CanBeElevated() {
     TokenHandle token;
     TOKEN_ELEVATION_TYPE type{};
-    DWORD length = 0;
+    DWORD length{};
     return OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Put()) &&
            GetTokenInformation(token.Get(), TokenElevationType, &type, sizeof type, &length) &&
            type == TokenElevationTypeLimited;

@@ -34,7 +34,7 @@ bool HasControlCharacter(const std::string& text) {
 std::string SpeltOut(const std::string& text) {
     std::string spelt;
     for (const wchar_t c : ToWide(Harmless(text, ""))) {
-        char unit[8] = {static_cast<char>(c)};
+        char unit[sizeof "\\uFFFF"] = {static_cast<char>(c)};
         if (c > 0x7F) std::snprintf(unit, sizeof unit, "\\u%04X", static_cast<unsigned>(c));
         spelt += unit;
     }

@@ -1,6 +1,5 @@
 #include "mediatool/media/markers.h"
 
-#include <algorithm>
 #include <vector>
 
 #include "media/volume_text.h"
@@ -11,10 +10,9 @@ namespace {
 // With the line ends.
 std::vector<std::string> LinesWithEnds(const std::string& text) {
     std::vector<std::string> lines;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size() - 1) + 1;
-        lines.push_back(text.substr(begin, end - begin));
-        begin = end;
+    for (const char c : text) {
+        if (lines.empty() || lines.back().ends_with('\n')) lines.emplace_back();
+        lines.back() += c;
     }
     return lines;
 }

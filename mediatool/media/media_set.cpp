@@ -1,7 +1,7 @@
 #include "mediatool/media/media_set.h"
 
-#include <algorithm>
 #include <optional>
+#include <tuple>
 
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
@@ -28,14 +28,13 @@ bool HasLauncher(const Path& folder) {
 // without.
 std::optional<Path> FirstVolume(const std::vector<Path>& given, bool needsLauncher) {
     std::optional<Path> best;
-    int bestScore = 0;
+    std::tuple bestSigns(false, false, false);
     for (const Path& folder : given) {
         if (needsLauncher && !HasLauncher(folder)) continue;
-        const int score =
-            (HasLauncher(folder) ? 4 : 0) + (Look(CountFileIn(folder)) ? 2 : 0) +
-            (Look(MarkerIn(folder, 1)) || Look(Join(folder, kUnfinishedMark)) ? 1 : 0);
-        if (score <= bestScore) continue;
-        bestScore = score;
+        const std::tuple signs(HasLauncher(folder), Look(CountFileIn(folder)).has_value(),
+                               Look(MarkerIn(folder, 1)) || Look(Join(folder, kUnfinishedMark)));
+        if (signs <= bestSigns) continue;
+        bestSigns = signs;
         best = folder;
     }
     return best;

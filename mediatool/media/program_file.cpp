@@ -100,15 +100,15 @@ bool ProgramFile::Is32Bit() const {
 
 std::optional<ProgramFile> ReadProgramFile(const Path& path) {
     const std::optional<std::string> bytes = ReadStart(path, kHeaderBytes);
-    if (!bytes) return std::nullopt;
+    const std::optional<Entry> entry = Look(path);
+    if (!bytes || !entry) return std::nullopt;
     const auto dos = At<IMAGE_DOS_HEADER>(*bytes, 0);
-    if (!dos || dos->e_magic != IMAGE_DOS_SIGNATURE || dos->e_lfanew < 0) return std::nullopt;
+    if (!dos || dos->e_magic != IMAGE_DOS_SIGNATURE) return std::nullopt;
+    // A negative one is beyond the end of any file.
     const auto start = static_cast<std::size_t>(dos->e_lfanew);
     const auto signature = At<DWORD>(*bytes, start);
     const auto header = At<IMAGE_FILE_HEADER>(*bytes, start + sizeof(DWORD));
     if (signature != DWORD{IMAGE_NT_SIGNATURE} || !header) return std::nullopt;
-    const std::optional<Entry> entry = Look(path);
-    if (!entry) return std::nullopt;
     const std::size_t optional = start + sizeof(DWORD) + sizeof(IMAGE_FILE_HEADER);
     const std::uint64_t certificates = CertificatesEnd(*bytes, optional);
     const auto sections =
@@ -123,7 +123,7 @@ std::optional<ProgramFile> ReadProgramFile(const Path& path) {
 
 std::string ProgramKind(const Path& path) {
     if (IsFolder(path)) return "folder";
-    if (!ReadStart(path, 1)) return "unreadable";
+    if (!ReadStart(path, kHeaderBytes)) return "unreadable";
     const auto program = ReadProgramFile(path);
     if (!program) return "no program";
     if (program->isCutOff) return "cut off";

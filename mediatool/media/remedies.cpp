@@ -53,10 +53,8 @@ bool IsBeginningOf(std::string_view known, std::string_view message) {
 
 std::vector<Remedy> RemediesOn(std::string_view page) {
     std::vector<Remedy> remedies;
-    while (!page.empty()) {
-        const std::size_t end = std::min(page.find('\n'), page.size() - 1);
-        const std::vector<std::string_view> cells = Between(page.substr(0, end), '|');
-        page.remove_prefix(end + 1);
+    for (const std::string& line : LinesOf(std::string(page))) {
+        const std::vector<std::string_view> cells = Between(line, '|');
         if (cells.size() != 3) continue;
         for (const std::string_view message : CodeIn(cells[0]))
             remedies.push_back({std::string(message), Plain(cells[1]), Plain(cells[2])});

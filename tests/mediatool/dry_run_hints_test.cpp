@@ -83,9 +83,9 @@ TEST_F(HintTest, AnInstallerThatAsksForTheHighestRights) {
         const Hook<decltype(&GetTokenInformation)> token(
             "GetTokenInformation",
             [type = type](auto real, HANDLE handle, auto kind, LPVOID value, auto... rest) {
-                if (kind != TokenElevationType) return real(handle, kind, value, rest...);
-                *static_cast<TOKEN_ELEVATION_TYPE*>(value) = type;
-                return TRUE;
+                const BOOL isTold = real(handle, kind, value, rest...);
+                if (kind == TokenElevationType) *static_cast<TOKEN_ELEVATION_TYPE*>(value) = type;
+                return isTold;
             });
         request_.machine.isAdministrator.reset();
         EXPECT_EQ(Hints(media, {}, allowed).size(), isHint ? 1u : 0u);

@@ -32,7 +32,7 @@ DryRun Rehearsed() {
                            {"M:\\d", false},
                            {"M:\\e", false},
                            {"M:\\f", false}};
-    run.journal.messages = {{"Plain\nmore\n", Severity::Plain, false, false, false},
+    run.journal.messages = {{"Plain\nmore\n\r", Severity::Plain, false, false, false},
                             {"Info", Severity::Info, false, true, false},
                             {"First\r\nsecond\r\n", Severity::Warning, true, false, false},
                             {"Where is it?", Severity::Error, true, false, true}};
@@ -176,7 +176,7 @@ TEST(OutputOfDryRun, ForPrograms) {
         "exitCode": 7, "exitCodeIsInstallers": true, "meaning": "It means this.", "started": true,
         "waits": 2, "commandLine": "inst.exe -x \"\"", "arguments": ["-x", ""],
         "messages": [
-            {"text": "Plain\nmore\n", "severity": "plain", "box": false, "dialog": false,
+            {"text": "Plain\nmore\n\r", "severity": "plain", "box": false, "dialog": false,
              "stream": "output"},
             {"text": "Info", "severity": "info", "box": false, "dialog": false,
              "stream": "errors"},

@@ -189,6 +189,7 @@ TEST_F(SentencesTest, OfTheFolderDialog) {
     request_.machine.picked = temp_.Text();
     EXPECT_EQ(said(), dialog + "it does not let \"" + temp_.Text() +
                           "\" be picked, and is cancelled here.");
+    EXPECT_EQ(Dry(without).Waits(), 2u);  // in the dialog, and as nothing is found
 }
 
 TEST_F(SentencesTest, OfWhatCannotBeRehearsed) {
@@ -288,6 +289,13 @@ TEST_F(SentencesTest, OfRoomThatIsMissing) {
                                 mediatool::Grouped(needed) + " instead of " +
                                 mediatool::Grouped(free) + "."));
     }
+    // The disk is full before the copy comes to an entry that is not there.
+    SampleMedia lacking = Incomplete();
+    lacking.Remove("StartTUI.exe");
+    free = 0;
+    const std::uint64_t rest = needed - ProgramBytes(kX64).size();
+    EXPECT_THAT(Dry(lacking).hints, ElementsAre(testing::HasSubstr(": " + mediatool::Grouped(rest) +
+                                                                   " instead of 0.")));
 }
 
 TEST_F(SentencesTest, OfLongPathsOfAnotherWindows) {
@@ -326,6 +334,7 @@ TEST_F(SentencesTest, OfARunThatLeavesTheEnvironmentAsItWas) {
     const DryRun run = Dry(media_, {"-env", "TEST_A=1", "-env", "PATH"},
                            {{"TEST_B", "2"}, {"ZEPAdmInstAllowNotAdminUser", "1"}});
     EXPECT_EQ(mediatool::CurrentEnvironment(), before);
+    EXPECT_EQ(mediatool::CurrentRehearsal(), nullptr);
     EXPECT_THAT(run.variables, ElementsAre("TEMP", "TEST_B", "ZEPAdmInstAllowNotAdminUser"));
     bool isThere = false;
     for (const mediatool::Change& change : run.environment) {

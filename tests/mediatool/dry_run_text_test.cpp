@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "fs/exceptions.h"
+#include "launcher/base/message.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "tests/mediatool/rehearsing.h"
 #include "tests/support/hook.h"
@@ -101,6 +102,8 @@ TEST_F(DryRunText, TellsWhyTheLauncherCrashes) {
     EXPECT_EQ(run.verdict, mediatool::Verdict::Refused);
     EXPECT_EQ(run.summary, "Crashes, exit code 3: " + message);
     EXPECT_EQ(run.Waits(), 0u);
+    EXPECT_EQ(run.journal.messages.back().severity, Severity::Error);
+    EXPECT_TRUE(run.journal.messages.back().toErrors);
     EXPECT_THAT(mediatool::TextOf(run, false), EndsWith("\n  console  " + message + "\n"));
 }
 

@@ -169,7 +169,8 @@ TEST(ReadVariables, AreThoseOfTheReadme) {
     for (const mediatool::ReadVariable& variable : mediatool::kReadVariables) {
         std::getline(readme, line);
         std::erase(line, '`');
-        EXPECT_THAT(line, StartsWith("| " + std::string(variable.name) + " | " + variable.effect));
+        const std::string row = "| " + std::string(variable.name) + " | " + variable.effect;
+        EXPECT_THAT(line, testing::AnyOf(StartsWith(row + " |"), StartsWith(row + "; [")));
     }
     std::getline(readme, line);
     EXPECT_FALSE(line.starts_with("|")) << line;

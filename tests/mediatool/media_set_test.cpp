@@ -99,6 +99,9 @@ TEST_F(MediaSetTest, HasALauncherOrIsRefused) {
     }
     EXPECT_EQ(Complaint(OpenMediaSet, {half}),
               "\"" + half + "\" has no launcher (setup.exe) in it.");
+    EXPECT_EQ(Complaint(OpenMediaSet, {started}),
+              "\"" + started + "\" has no launcher (setup.exe) in it.");
+    EXPECT_EQ(Complaint(OpenUnfinishedSet, {started}), "none");
     EXPECT_EQ(Complaint(OpenUnfinishedSet, {half}),
               "\"" + half + "\" has no launcher (setup.exe) in it; \"" + started +
                   "\" is volume 1: give that folder.");
@@ -113,6 +116,14 @@ TEST_F(LauncherViewTest, IsTheSameWhateverTheEnvironmentForbids) {
     EXPECT_EQ(view.layout, Layout::Siblings);
     EXPECT_EQ(view.id, "SET");
     EXPECT_THAT(view.folders, ElementsAre(media.Text(), media.Text("../2"), media.Text("../3")));
+}
+
+TEST_F(LauncherViewTest, HasTheFirstVolumeAloneWhileTheSetIsNotWhole) {
+    SampleMedia media(Layout::Siblings);
+    media.Remove("../3");
+    const LauncherView view = ViewOf(Path(media.Text()));
+    EXPECT_EQ(view.layout, Layout::Incomplete);
+    EXPECT_THAT(view.folders, ElementsAre(media.Text()));
 }
 
 TEST_F(LauncherViewTest, OfACountOfFarTooManyEndsAfterTenThousandInVain) {

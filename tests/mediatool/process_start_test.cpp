@@ -66,6 +66,8 @@ TEST_F(ProcessStartTest, TakesTheShortestBeginningThatIsAProgram) {
     EXPECT_EQ(Start("b"), "2");
     EXPECT_EQ(Start("\"b c d e\""), "2");
     EXPECT_EQ(Start(" a"), "2");
+    Program(here_, " a.exe");
+    EXPECT_EQ(Start(" a"), " a");
 }
 
 TEST_F(ProcessStartTest, LooksInTheFoldersOfTheSearchAlone) {
@@ -141,6 +143,10 @@ TEST_F(ProcessStartTest, OfAFullPathTellsWhyNot) {
     // The first reason, not that of the whole line.
     EXPECT_EQ(Start(here_.Text("folder x\\none")), "5");
     EXPECT_EQ(Start(here_.Text("none x")), "2");
+    // It has come to be there since it was looked for.
+    const test::Hook<decltype(&SearchPathW)> search(
+        "SearchPathW", test::FailsWith(ERROR_FILE_NOT_FOUND, DWORD{0}));
+    EXPECT_EQ(Start(full + ".exe"), "2");
 }
 
 TEST_F(ProcessStartTest, TellsOfWhatIsTooLong) {
@@ -200,6 +206,9 @@ TEST_F(StartInCopyTest, IsFoundByTheSearch) {
     EXPECT_EQ(Start("text"), "193");
     EXPECT_EQ(Start("noext"), "2");
     EXPECT_EQ(Start("folder"), "2");
+    // Relative to the current folder alone.
+    for (const std::string name : {".\\inst", "./inst", "..\\inst", "../inst"})
+        EXPECT_EQ(Start(name), "2");
     Program(media_, "last.exe");
     Program(here_, "after/last2.exe");
     SetEnvVar("PATH", copy_ + ";" + here_.Text("after"));

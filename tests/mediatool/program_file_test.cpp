@@ -15,6 +15,7 @@
 #include "mediatool/dry_run/rehearsal/rehearsal.h"
 #include "tests/e2e/support/media.h"
 #include "tests/mediatool/support/sample_media.h"
+#include "tests/support/hook.h"
 #include "tests/support/wine.h"
 
 namespace launcher::mediatool {
@@ -29,6 +30,14 @@ template <class T>
 std::string Bytes(const T& value) {
     std::string bytes(sizeof value, '\0');
     std::memcpy(bytes.data(), &value, sizeof value);
+    return bytes;
+}
+
+// As a resource has it.
+std::string Wide(const std::string& text) {
+    std::string bytes;
+    for (const char c : text)
+        bytes += {c, '\0'};
     return bytes;
 }
 
@@ -130,6 +139,30 @@ TEST_F(ProgramFileTest, IsNoneWithoutItsHeaders) {
         EXPECT_FALSE(Read(Bytes(dos) + whole.substr(sizeof dos))) << headers;
     }
     EXPECT_FALSE(ReadProgramFile(Path(folder_.Text("none"))));
+}
+
+// In the first 64 KiB of the file.
+TEST_F(ProgramFileTest, HasItsHeadersAtTheBeginning) {
+    const std::string whole = ProgramBytes(kX64);
+    const std::string headers = whole.substr(sizeof(IMAGE_DOS_HEADER));
+    for (const auto& [end, isProgram] : {std::pair(65536, true), std::pair(65537, false)}) {
+        IMAGE_DOS_HEADER dos{};
+        std::memcpy(&dos, whole.data(), sizeof dos);
+        const std::size_t start = static_cast<std::size_t>(end) - headers.size();
+        dos.e_lfanew = static_cast<decltype(dos.e_lfanew)>(start);
+        std::string bytes = Bytes(dos);
+        bytes.resize(start);
+        EXPECT_EQ(Read(bytes + headers).has_value(), isProgram) << end;
+    }
+    EXPECT_EQ(Kind(HeadersOf64(0, {}, std::vector<Part>(1000))), "64-bit");
+    EXPECT_EQ(Kind(HeadersOf64(0, {}, std::vector<Part>(2000))), "cut off");
+}
+
+TEST_F(ProgramFileTest, IsUnreadableOnADiscWithAScratch) {
+    const Path file = File(ProgramBytes(kX64));
+    const test::Hook<decltype(&::ReadFile)> read("ReadFile", test::FailsWith(ERROR_CRC, FALSE));
+    EXPECT_EQ(ProgramKind(file), "unreadable");
+    EXPECT_FALSE(ReadProgramFile(file));
 }
 
 TEST_F(ProgramFileTest, EndsWithItsLastPart) {
@@ -264,10 +297,7 @@ TEST_F(ProgramFileTest, IsTheLauncherByItsNameAndVersion) {
     EXPECT_EQ(ReadProgramVersion(File("text")).product, "");
     EXPECT_EQ(WhyNotThisLauncher(File("text")), "setup.exe is no Windows program.");
     EXPECT_EQ(WhyNotThisLauncher(File(ProgramBytes(kX64))), "setup.exe is not this launcher.");
-    const std::wstring name = L"Installation media launcher";
-    std::string nameBytes;
-    for (const wchar_t c : name)
-        nameBytes += {static_cast<char>(c), '\0'};
+    const std::string nameBytes = Wide("Installation media launcher");
     std::string other = launcher;
     for (std::size_t at = other.find(nameBytes); at != std::string::npos;
          at = other.find(nameBytes))
@@ -277,6 +307,46 @@ TEST_F(ProgramFileTest, IsTheLauncherByItsNameAndVersion) {
     EXPECT_EQ(WhyNotThisLauncher(File(test::OtherLauncherBytes())),
               "setup.exe is version " + test::kOtherVersion +
                   " of the launcher, not " LAUNCHER_VERSION ".");
+}
+
+// Neither of the bytes before it, nor of those after it.
+TEST_F(ProgramFileTest, HasNoNameButThatInItsResource) {
+    std::string bytes = test::LauncherBytes();
+    bytes.at(bytes.find(Wide("ProductName"))) = 'X';
+    EXPECT_EQ(WhyNotThisLauncher(File(bytes)), "setup.exe is not this launcher.");
+    constexpr std::size_t kHeader = 6;  // bytes, of which the first two are the resource's length
+    const std::size_t resource = bytes.find(Wide("VS_VERSION_INFO")) - kHeader;
+    WORD length = 0;
+    std::memcpy(&length, bytes.data() + resource, sizeof length);
+    const std::string decoy = Wide(std::string("ProductName\0other\0other\0", 24));
+    bytes.replace(resource + length, decoy.size(), decoy);
+    EXPECT_EQ(ReadProgramVersion(File(bytes)).product, "");
+}
+
+TEST_F(ProgramFileTest, IsAskedForNoResourceThatItDoesNotHave) {
+    StandIn();
+    const Path file(folder_.Text("stand in.exe"));
+    const test::Hook<decltype(&FindResourceW)> find("FindResourceW",
+                                                    [](auto real, HMODULE program, auto... rest) {
+                                                        EXPECT_NE(program, nullptr);
+                                                        return real(program, rest...);
+                                                    });
+    const test::Hook<decltype(&LoadResource)> load("LoadResource",
+                                                   [](auto real, HMODULE program, HRSRC found) {
+                                                       EXPECT_NE(found, nullptr);
+                                                       return real(program, found);
+                                                   });
+    EXPECT_EQ(ReadProgramVersion(file).product, "");
+    EXPECT_EQ(ReadProgramVersion(File("text")).product, "");
+    EXPECT_EQ(RightsAskedBy(File("text")), AskedRights::Users);
+}
+
+TEST_F(ProgramFileTest, HasNoResourceThatCannotBeLoaded) {
+    const Path file = File(test::LauncherBytes());
+    const test::Hook<decltype(&LoadResource)> load(
+        "LoadResource", test::FailsWith(ERROR_NOT_ENOUGH_MEMORY, HGLOBAL{}));
+    EXPECT_EQ(ReadProgramVersion(file).product, "");
+    EXPECT_EQ(RightsAskedBy(file), AskedRights::Users);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "fs/file_type.h"
 #include "fs/new_folder.h"
 #include "fs/open_file.h"
+#include "fs/owners.h"
 #include "fs/path.h"
 #include "launcher/base/message.h"
 #include "launcher/base/message_output.h"
@@ -26,6 +27,7 @@
 #include "platform/windows_version.h"
 #include "tests/support/hook.h"
 #include "tests/support/isolated_test.h"
+#include "tests/support/links.h"
 #include "tests/support/temporary_folder.h"
 
 namespace launcher::mediatool {
@@ -191,6 +193,30 @@ TEST_F(PretendedCopyTest, HasNoFoldersWithForbiddenNames) {
                 << parent << c;
             EXPECT_EQ(ErrorOf(temp_.Text() + "\\" + c + "\\a"), DWORD{ERROR_INVALID_NAME}) << c;
         }
+}
+
+// Of which a drive's name alone is another folder.
+TEST_F(PretendedCopyTest, HasFoldersAtTheRootOfADrive) {
+    const test::MappedDrive drive(temp_.Dir());
+    std::vector<std::wstring> asked;
+    const Hook<decltype(&CreateFileW)> open(
+        "CreateFileW", [&asked](auto real, LPCWSTR name, DWORD access, auto... rest) {
+            if (access == FILE_ADD_SUBDIRECTORY) asked.emplace_back(name);
+            return real(name, access, rest...);
+        });
+    EXPECT_EQ(ErrorOf(test::ToUtf8(drive.Root()) + "new"), 0u);
+    EXPECT_EQ(ErrorOf(temp_.Text("new")), 0u);
+    EXPECT_THAT(asked, ElementsAre(drive.Root().wstring(), temp_.Dir().wstring()));
+}
+
+TEST_F(PretendedCopyTest, HasFoldersWhereOthersAreAtWork) {
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    for (const DWORD access : {DWORD{GENERIC_READ}, DWORD{GENERIC_WRITE}, DWORD{DELETE}}) {
+        const FileHandle other(CreateFileW(temp_.Dir().c_str(), access, kShareAll, nullptr,
+                                           OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+        ASSERT_TRUE(other);
+        EXPECT_EQ(ErrorOf(temp_.Text("new " + std::to_string(access))), 0u);
+    }
 }
 
 TEST_F(PretendedCopyTest, HasNoNamesThatAreTooLong) {

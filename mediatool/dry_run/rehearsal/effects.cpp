@@ -62,20 +62,14 @@ std::int32_t InstallerProcess::WaitForExit() {
 
 bool SelectInstallerFolder(LaunchOptions& options) {
     const std::optional<std::string>& picked = CurrentRehearsal()->machine.picked;
-    const auto say = [](const std::string& end) {
-        WriteDown({"The folder dialog is open, for the folder of the installer media" + end,
-                   Severity::Info, /*box=*/true, /*toErrors=*/false, /*dialog=*/true});
-    };
-    if (!picked) {
-        say("; here it is cancelled.");
-        return false;
-    }
-    if (LocateInstaller(options, *picked, /*quiet=*/true)) {
-        say("; here \"" + *picked + "\" is picked.");
-        return true;
-    }
-    say("; it does not let \"" + *picked + "\" be picked, and is cancelled here.");
-    return false;
+    const bool isFound = picked && LocateInstaller(options, *picked, /*quiet=*/true);
+    const std::string end =
+        !picked   ? "here it is cancelled."
+        : isFound ? "here \"" + *picked + "\" is picked."
+                  : "it does not let \"" + *picked + "\" be picked, and is cancelled here.";
+    WriteDown({"The folder dialog is open, for the folder of the installer media; " + end,
+               Severity::Info, /*box=*/true, /*toErrors=*/false, /*dialog=*/true});
+    return isFound;
 }
 
 void WriteRemoveScript(const std::string&) {

@@ -23,11 +23,6 @@ const mediatool::PretendedMachine& Machine() {
     return rehearsal == nullptr ? own : rehearsal->machine;
 }
 
-void WriteDownLookup(const std::string& path, bool found) {
-    if (mediatool::Rehearsal* const rehearsal = mediatool::CurrentRehearsal())
-        rehearsal->journal.lookups.push_back({mediatool::FullPath(path).Text(), found});
-}
-
 }  // namespace
 
 bool IsAdministrator() {
@@ -67,13 +62,15 @@ std::string NewUuidText(bool) {
 
 bool PathExists(const std::string& path) {
     const bool found = IsThere(path);
-    WriteDownLookup(path, found);
+    if (mediatool::Rehearsal* const rehearsal = mediatool::CurrentRehearsal())
+        rehearsal->journal.lookups.push_back({mediatool::FullPath(path).Text(), found});
     return found;
 }
 
-// A volume's marker, which the launcher opens without a question whether it is there.
+// A volume's marker, which the launcher opens without a question whether it is there: for the
+// journal.
 std::string ReadMtbDir(const std::string& path) {
-    if (mediatool::CurrentRehearsal() != nullptr) WriteDownLookup(path, IsThere(path));
+    PathExists(path);
     std::string id = MtbDirInFile(path);
     mediatool::WriteDownMarker(path, id);
     return id;

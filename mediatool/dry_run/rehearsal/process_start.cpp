@@ -46,8 +46,7 @@ std::vector<std::wstring> SearchFolders() {
 
 // Relative to the folders that are searched.
 bool IsSearchedFor(const std::wstring& name) {
-    return !name.starts_with(L'\\') && !name.starts_with(L'/') &&
-           (name.size() < 2 || name[1] != L':');
+    return !name.starts_with(L'\\') && !name.starts_with(L'/') && name.find(L':', 1) != 1;
 }
 
 // Relative to the current folder alone.
@@ -81,6 +80,14 @@ Judgement JudgeInCopysFolder(const std::wstring& folder, const std::wstring& nam
     return JudgeInCopy(Path(ToNarrow(program.c_str())));
 }
 
+// The path of what has that name in a folder; empty for nothing, and for what lies too far down.
+Path FoundIn(const std::wstring& folder, const std::wstring& name) {
+    wchar_t found[MAX_PATH] = {};
+    const DWORD length =
+        SearchPathW(folder.c_str(), name.c_str(), L".exe", MAX_PATH, found, nullptr);
+    return length < MAX_PATH ? Path(ToNarrow(found)) : Path();
+}
+
 // A folder of that name is no program, but ends the search.
 Judgement JudgeSearched(const std::wstring& name) {
     using Folders = std::vector<std::wstring>;
@@ -88,14 +95,11 @@ Judgement JudgeSearched(const std::wstring& name) {
         if (IsInCopy(folder)) {
             const Judgement inCopy = JudgeInCopysFolder(folder, name);
             if (inCopy.found) return inCopy;
-            continue;
         }
-        wchar_t found[MAX_PATH] = {};
-        const DWORD length =
-            SearchPathW(folder.c_str(), name.c_str(), L".exe", MAX_PATH, found, nullptr);
-        if (length == 0 || length >= MAX_PATH) continue;
-        if ((GetFileAttributesW(found) & FILE_ATTRIBUTE_DIRECTORY) != 0) break;
-        return {true, ImageError(found)};
+        const Path found = FoundIn(folder, name);
+        if (IsEmpty(found)) continue;
+        if (IsFolder(found)) break;
+        return {true, ImageError(ToWide(found.Text()))};
     }
     return {false, ERROR_FILE_NOT_FOUND};
 }
@@ -103,11 +107,8 @@ Judgement JudgeSearched(const std::wstring& name) {
 Judgement Judge(const std::wstring& name) {
     if (IsInCopy(name)) return JudgeInCopy(Path(ToNarrow(name.c_str())));
     if (IsSearchedFor(name)) return JudgeSearched(name);
-    wchar_t found[MAX_PATH] = {};
-    const DWORD length = SearchPathW(L".", name.c_str(), L".exe", MAX_PATH, found, nullptr);
-    const bool fits = length > 0 && length < MAX_PATH;
-    if (fits && (GetFileAttributesW(found) & FILE_ATTRIBUTE_DIRECTORY) == 0)
-        return {true, ImageError(found)};
+    const Path found = FoundIn(L".", name);
+    if (!IsEmpty(found) && !IsFolder(found)) return {true, ImageError(ToWide(found.Text()))};
     if (IsTooLong(name.size(), kLongestPath)) return {false, ERROR_PATH_NOT_FOUND};
     // The reason is that of an attempt to open it: a folder cannot be.
     const FileHandle file = OpenSharedFile(name, GENERIC_READ, OPEN_EXISTING);

@@ -27,7 +27,7 @@ TEST(Remedies, StandInRowsOfThreeColumns) {
         "| `One` || do one |\n"
         "| `Four` | b | c | d |\n"
         "| in words | b | c |\n"
-        "| `Two` |  `why` it is  | do `two` |\n");
+        "| `Two` |  `why` it is  | do `two` |");
     ASSERT_EQ(remedies.size(), 2u);
     EXPECT_EQ(remedies[0].message, "One");
     EXPECT_EQ(remedies[0].cause, "");
