@@ -42,7 +42,7 @@ std::size_t Distance(const std::string& from, const std::string& to) {
     return least[from.size()][to.size()];
 }
 
-// The name that may have been meant; one that only begins so as well.
+// Which of the names, one at least, may have been meant; one that only begins so as well.
 std::optional<std::string> Meant(const std::string& word, const std::vector<std::string>& names) {
     const std::string lower = InLowerCase(word);
     const auto mistakes = [&lower](const std::string& name) {
@@ -50,8 +50,7 @@ std::optional<std::string> Meant(const std::string& word, const std::vector<std:
         return isBeginning ? 0 : Distance(lower, name);
     };
     const auto nearest = std::ranges::min_element(names, {}, mistakes);
-    if (nearest == names.end() || mistakes(*nearest) > std::max<std::size_t>(1, word.size() / 3))
-        return std::nullopt;
+    if (mistakes(*nearest) > std::max<std::size_t>(1, word.size() / 3)) return std::nullopt;
     return *nearest;
 }
 
@@ -70,9 +69,8 @@ std::vector<std::string> OptionNames(const CLI::App& command) {
     return names;
 }
 
-bool IsPath(const CLI::Option& option) {
-    return option.get_positional() || option.get_type_name() == "FOLDER" ||
-           option.get_type_name() == "FILE";
+bool TakesPath(const CLI::Option& option) {
+    return option.get_type_name() == "FOLDER" || option.get_type_name() == "FILE";
 }
 
 // In "C:\a b\" the last backslash makes the quote a part of the text, which goes on behind it. One
@@ -111,7 +109,7 @@ class Check {
         const bool isAgain = IsGiven(option);
         given_.push_back(&option);
         if (!takesValue) {
-            if (!isAgain) checked_.push_back(name);
+            checked_.push_back(name);
             return 0;
         }
         if (isAgain && option.get_multi_option_policy() != CLI::MultiOptionPolicy::TakeAll)
@@ -120,7 +118,7 @@ class Check {
         if (equals == std::string::npos && !hasNext)
             throw BadInput(name + " is there without its value.");
         const std::string value = equals == std::string::npos ? *next : word.substr(equals + 1);
-        if (IsPath(option)) CheckQuotes(value);
+        if (TakesPath(option)) CheckQuotes(value);
         checked_.insert(checked_.end(), {name, value});
         return equals == std::string::npos ? 1 : 0;
     }

@@ -96,7 +96,7 @@ struct DryRunCommand {
         request.arguments = std::move(launcherArguments);
         PretendedMachine& machine = request.machine;
         if (!windows.empty()) machine.isWindows8OrNewer = windows != "7";
-        if (windows.starts_with("7") || windows.starts_with("8")) machine.longPaths = false;
+        if (windows == "7" || windows.starts_with("8")) machine.longPaths = false;
         if (!bits.empty()) machine.is64Bit = bits == "64";
         if (!administrator.empty()) machine.isAdministrator = administrator == "yes";
         if (command->count("--pick") > 0) machine.picked = pick;

@@ -26,7 +26,7 @@ constexpr std::size_t kAtOnce = 8192;  // characters
 void PrintOnTerminal(HANDLE terminal, std::wstring_view text) {
     while (!text.empty()) {
         std::size_t size = std::min(text.size(), kAtOnce);
-        if (size < text.size() && IS_HIGH_SURROGATE(text[size - 1])) --size;
+        if (IS_HIGH_SURROGATE(text[size - 1])) --size;
         DWORD written = 0;
         if (!WriteConsoleW(terminal, text.data(), static_cast<DWORD>(size), &written, nullptr) ||
             written == 0)

@@ -18,27 +18,30 @@ namespace {
 // Of any of the records in which Windows tells of a file.
 template <class Data>
 Entry EntryFrom(std::string name, const Data& data) {
-    Entry entry;
-    entry.name = std::move(name);
-    entry.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    entry.isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    if (!entry.isFolder) entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
-    const FILETIME& written = data.ftLastWriteTime;
-    entry.modified = (std::uint64_t{written.dwHighDateTime} << 32) | written.dwLowDateTime;
-    entry.attributes = data.dwFileAttributes;
-    return entry;
+    const auto joined = [](DWORD high, DWORD low) { return (std::uint64_t{high} << 32) | low; };
+    const bool isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return {
+        .name = std::move(name),
+        .isFolder = isFolder,
+        .isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0,
+        .size = isFolder ? 0 : joined(data.nFileSizeHigh, data.nFileSizeLow),
+        .modified = joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime),
+        .attributes = data.dwFileAttributes};
 }
 
-// A file or folder, links followed, to be asked about and not read.
-FileHandle OpenToAsk(const std::string& path) {
-    return OpenForAttributes(Extended(path));
+// Of a file or folder, links followed; nothing when it cannot be asked.
+std::optional<BY_HANDLE_FILE_INFORMATION> InformationOf(const std::string& path) {
+    const FileHandle file = OpenForAttributes(Extended(path));
+    BY_HANDLE_FILE_INFORMATION data{};
+    if (!file || !GetFileInformationByHandle(file.Get(), &data)) return std::nullopt;
+    return data;
 }
 
-// A file, also while others are about to delete it.
-FileHandle OpenToRead(const std::string& path, DWORD flags = FILE_ATTRIBUTE_NORMAL) {
+// A file, from its start on, also while others are about to delete it.
+FileHandle OpenToRead(const std::string& path) {
     return FileHandle(CreateFileW(Extended(path).c_str(), GENERIC_READ,
                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                  OPEN_EXISTING, flags, nullptr));
+                                  OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
 }
 
 }  // namespace
@@ -49,9 +52,8 @@ void AskNobodyForDiscs() {
 
 Path FullPath(const std::string& text) {
     const std::wstring wide = ToWide(Path(text).Text());
-    if (wide.empty()) return Path();
     // A bare drive means its root here, not the current folder of that drive.
-    const std::wstring asked = wide.back() == L':' ? wide + L'\\' : wide;
+    const std::wstring asked = wide.ends_with(L':') ? wide + L'\\' : wide;
     std::wstring full(32768, L'\0');
     full.resize(
         GetFullPathNameW(asked.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
@@ -60,8 +62,8 @@ Path FullPath(const std::string& text) {
 
 bool IsFull(const Path& path) {
     const std::string& text = path.Text();
-    const bool hasDrive = path.RootEnd() == 1 && (text.size() == 2 || text[2] == '\\');
-    return hasDrive || path.RootEnd() > 1;
+    if (path.RootEnd() == 1) return text.size() == 2 || text[2] == '\\';
+    return path.RootEnd() != Path::kRelative;
 }
 
 std::wstring Extended(const std::string& path) {
@@ -80,10 +82,9 @@ std::optional<Entry> Look(const Path& path) {
 }
 
 std::optional<Entry> LookThrough(const Path& path) {
-    const FileHandle file = OpenToAsk(path.Text());
-    BY_HANDLE_FILE_INFORMATION data{};
-    if (!file || !GetFileInformationByHandle(file.Get(), &data)) return std::nullopt;
-    return EntryFrom(FileName(path), data);
+    const auto data = InformationOf(path.Text());
+    if (!data) return std::nullopt;
+    return EntryFrom(FileName(path), *data);
 }
 
 bool IsFile(const Path& path) {
@@ -136,7 +137,7 @@ std::optional<std::string> ReadStart(const Path& path, std::size_t limit) {
 void ReadWhole(const Path& file, const std::function<void(std::string_view)>& take,
                const std::string& what) {
     constexpr DWORD kPiece = 256 * 1024;  // bytes
-    const FileHandle handle = OpenToRead(file.Text(), FILE_FLAG_SEQUENTIAL_SCAN);
+    const FileHandle handle = OpenToRead(file.Text());
     if (!handle) RefuseFor(file, what);
     const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
     for (DWORD count = 0;;) {
@@ -168,24 +169,23 @@ bool CanBeOverwritten(const std::string& path) {
 }
 
 std::optional<FileIdentity> IdentityOf(const std::string& path) {
-    const FileHandle file = OpenToAsk(path);
-    BY_HANDLE_FILE_INFORMATION data{};
-    if (!file || !GetFileInformationByHandle(file.Get(), &data)) return std::nullopt;
-    const std::uint64_t index = (std::uint64_t{data.nFileIndexHigh} << 32) | data.nFileIndexLow;
+    const auto data = InformationOf(path);
+    if (!data) return std::nullopt;
+    const std::uint64_t index = (std::uint64_t{data->nFileIndexHigh} << 32) | data->nFileIndexLow;
     if (index == 0) return std::nullopt;
-    return FileIdentity{data.dwVolumeSerialNumber, index};
+    return FileIdentity{data->dwVolumeSerialNumber, index};
 }
 
 Path FinalPath(const Path& path) {
-    const FileHandle file = OpenToAsk(path.Text());
+    const FileHandle file = OpenForAttributes(Extended(path.Text()));
     const Path parent = Parent(path);
     if (!file) return IsEmpty(parent) ? path : Join(FinalPath(parent), FileName(path));
     std::wstring name(32768, L'\0');
     name.resize(
         GetFinalPathNameByHandleW(file.Get(), name.data(), static_cast<DWORD>(name.size()), 0));
     if (name.starts_with(L"\\\\?\\UNC\\"))
-        name.replace(0, 8, L"\\\\");
-    else if (name.size() > 5 && name[5] == L':')
+        name.replace(0, 7, L"\\");
+    else if (name.find(L':') == 5)
         name.erase(0, 4);
     return name.empty() ? path : Path(ToNarrow(name.c_str()));
 }

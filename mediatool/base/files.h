@@ -22,11 +22,11 @@ void AskNobodyForDiscs();
 
 struct Entry {
     std::string name;
-    bool isFolder = false;
-    bool isLink = false;
-    std::uint64_t size = 0;      // bytes; 0 for a folder
-    std::uint64_t modified = 0;  // in units of 100 ns, as Windows counts
-    std::uint32_t attributes = 0;
+    bool isFolder;
+    bool isLink;
+    std::uint64_t size;      // bytes; 0 for a folder
+    std::uint64_t modified;  // in units of 100 ns, as Windows counts
+    std::uint32_t attributes;
 };
 
 // The absolute, normalised path that `text` means. Empty for the empty text.
@@ -67,8 +67,8 @@ bool CanBeOverwritten(const std::string& path);
 // Which file or folder a path leads to in the end, links followed. Nothing when that is not there,
 // or is on a disk that does not tell.
 struct FileIdentity {
-    std::uint32_t volume = 0;
-    std::uint64_t index = 0;
+    std::uint32_t volume;
+    std::uint64_t index;
     // NOLINTNEXTLINE(modernize-use-nullptr): takes the 0 of the comparison for a pointer.
     auto operator<=>(const FileIdentity&) const = default;
 };

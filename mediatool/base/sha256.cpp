@@ -10,8 +10,12 @@ namespace {
 constexpr wchar_t kLibrary[] = L"bcrypt.dll";
 constexpr std::size_t kHashSize = 32;  // bytes
 
+void Need(bool isThere) {
+    if (!isThere) throw std::runtime_error("Windows computes no SHA-256 checksums.");
+}
+
 void Check(NTSTATUS status) {
-    if (status < 0) throw std::runtime_error("Windows computes no SHA-256 checksums.");
+    Need(status >= 0);
 }
 
 // Both stay open and loaded: they are used to the end of the run.
@@ -32,7 +36,7 @@ Cryptography::Cryptography() {
     GetSystemDirectoryW(folder, MAX_PATH);
     const std::wstring path = folder + std::wstring(L"\\") + kLibrary;
     library = Library(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
-    Check(library ? 0 : -1);
+    Need(static_cast<bool>(library));
     openProvider = ModuleFunction<decltype(openProvider)>(kLibrary, "BCryptOpenAlgorithmProvider");
     createHash = ModuleFunction<decltype(createHash)>(kLibrary, "BCryptCreateHash");
     hashData = ModuleFunction<decltype(hashData)>(kLibrary, "BCryptHashData");

@@ -16,8 +16,8 @@ struct ChecksumRequest {
 
 struct Checksums {
     std::vector<std::string> written;  // the lists
-    std::size_t files = 0;
-    std::uint64_t bytes = 0;
+    std::size_t files;
+    std::uint64_t bytes;
 };
 
 // Writes the list of checksums of each volume of a medium: of those that the launcher finds and

@@ -46,7 +46,6 @@ class Obstacles {
 
     // Whether the folder is there already.
     bool NeedFolder(const Path& folder) {
-        if (IsEmpty(folder)) return false;
         const auto [known, isNew] = folders_.insert({InLowerCase(folder.Text()), false});
         if (!isNew) return known->second;
         const auto entry = Look(folder);
@@ -69,7 +68,7 @@ class Obstacles {
     // The unfinished run before this one wrote it.
     bool IsSame(PlannedFile& file, const Entry& there) const {
         if (there.size != file.size) return false;
-        if (!file.IsCopy()) return ReadStart(file.path, file.content.size() + 1) == file.content;
+        if (!file.IsCopy()) return ReadStart(file.path, file.content.size()) == file.content;
         const std::uint64_t apart =
             std::max(there.modified, file.modified) - std::min(there.modified, file.modified);
         if (apart > kSameTime) return false;

@@ -55,11 +55,8 @@ bool IsOneInOther(const Path& left, const Path& right) {
 
 // The folder and those that it is in, or is going to be in, whatever its name.
 std::set<FileIdentity> WithFoldersAbove(const Path& folder) {
-    Path there = folder;
-    while (!IsEmpty(there) && !Look(there))
-        there = Parent(there);
     std::set<FileIdentity> identities;
-    for (const Path& name : {folder, FinalPath(there)})
+    for (const Path& name : {folder, FinalPath(folder)})
         for (Path above = name; !IsEmpty(above); above = Parent(above))
             if (const auto identity = IdentityOf(above.Text())) identities.insert(*identity);
     return identities;

@@ -6,7 +6,6 @@
 #include "mediatool/base/failures.h"
 #include "mediatool/base/files.h"
 #include "mediatool/create/plan.h"
-#include "mediatool/media/marker_bytes.h"
 #include "mediatool/validate/volume_markers.h"
 
 namespace launcher::mediatool {
@@ -24,15 +23,12 @@ class StaleMarkers {
     }
 
     void Refuse() const {
-        CheckEntriesOf(plan_.VolumeOne());
-        if (request_.layout != Layout::OneFolder)
-            std::for_each(plan_.volumes.begin() + 1, plan_.volumes.end(),
-                          [this](const Path& folder) { CheckEntriesOf(folder); });
-        for (const Path& folder : above_)
-            CheckEntriesOf(folder);
+        for (const std::vector<Path>& folders : {plan_.FoldersOfVolumes(), above_})
+            for (const Path& folder : folders)
+                CheckEntriesOf(folder);
         if (LooksBeside())
             for (const Entry& entry : EntriesOf(parent_))
-                if (entry.isFolder && IsNumber(entry.name)) CheckBeside(Join(parent_, entry.name));
+                CheckBeside(Join(parent_, entry.name));
         CheckOuterVolumes();
         for (const PlannedFile& file : plan_.files)
             if (file.IsCopy()) Check(file.path, file.source);
@@ -63,9 +59,10 @@ class StaleMarkers {
             if (!entry.isFolder) Check(Join(folder, entry.name), Join(folder, entry.name));
     }
 
+    // Whatever is there: what is no folder of a volume holds no such marker.
     void CheckBeside(const Path& folder) const {
         const Path marker = Join(folder, FileName(folder) + kVolumeMarkerSuffix);
-        if (IsFile(marker)) Check(marker, marker);
+        Check(marker, marker);
     }
 
     // `file` is at `place`, or is going to be.

@@ -59,13 +59,10 @@ void Writer::Mark() {
 }
 
 void Writer::MakeFolder(const Path& folder) {
-    if (IsEmpty(folder) || folder.Text() == lastFolder_) return;
-    if (!IsFolder(folder)) {
-        MakeFolder(Parent(folder));
-        if (!CreateDirectoryW(Extended(folder.Text()).c_str(), nullptr)) RefuseFor(folder, "made");
-        made_.push_back(folder);
-    }
-    lastFolder_ = folder.Text();
+    if (IsEmpty(folder) || IsFolder(folder)) return;
+    MakeFolder(Parent(folder));
+    if (!CreateDirectoryW(Extended(folder.Text()).c_str(), nullptr)) RefuseFor(folder, "made");
+    made_.push_back(folder);
 }
 
 void Writer::Write(const PlannedFile& file, const std::string& content) {
@@ -102,7 +99,6 @@ void Writer::Finish() {
     replaced_ = 0;
     held_.Reset();
     if (!Remove(mark_)) RefuseFor(mark_, "removed");
-    wasMarked_ = false;
 }
 
 std::string Writer::TakeBack() {
@@ -121,7 +117,6 @@ std::string Writer::TakeBack() {
         stays += " " + Quoted(*path) + " could not be taken back.";
     }
     made_.clear();
-    replaced_ = 0;
     if (keepsMark)
         stays += " " + Quoted(mark_) + " stays until the same create has run to its end.";
     return stays;

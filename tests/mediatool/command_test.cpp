@@ -44,6 +44,10 @@ TEST_F(Command, ValidateThatIsStrict) {
     EXPECT_THAT(Run({"validate", "--help"}).output, testing::HasSubstr("or warning with --strict"));
 }
 
+TEST_F(Command, FlagsMayBeGivenAgain) {
+    EXPECT_EQ(Output({"validate", "--json", media.Text(), "--json"})["clean"], true);
+}
+
 TEST_F(Command, ValidateOfSeveralFolders) {
     SampleMedia split(Layout::Siblings);
     const Json output =
@@ -59,6 +63,14 @@ TEST_F(Command, CreateOfEveryLayout) {
         EXPECT_EQ(output["layout"], layout);
         EXPECT_EQ(output["written"].size(), layout == "outer" ? 7u : 4u);
     }
+}
+
+TEST_F(Command, CreateOfNamedOuterVolumes) {
+    const Json output =
+        Output({"create", "--id", "SET", "--layout", "outer", "--volumes", "1", "--outer-id",
+                "OUTER", "--first-outer", "5", "--inner", "a", "--json", scratch.Text("out")});
+    EXPECT_EQ(output["folders"], Json::array({scratch.Text("out\\5\\a\\1")}));
+    EXPECT_EQ(output["outerId"], "OUTER");
 }
 
 TEST_F(Command, CreateWithContent) {
@@ -154,6 +166,10 @@ TEST_F(Command, WrongUse) {
                   "\" cannot be picked: there is no such folder.\n");
     EXPECT_EQ(Complaint({"dry-run", media.Text(), "--temp", "temp"}),
               "mediatool: --temp takes a full path, not \"temp\".\n");
+    EXPECT_EQ(Complaint({"create", "--id", "X", "--layout", "outer", "--volumes", "2",
+                         scratch.Text("out"), scratch.Text("more")}),
+              "mediatool: \"" + scratch.Text("more") +
+                  "\" is one argument too many; a path with blanks needs quotes.\n");
     EXPECT_EQ(Complaint({"create", scratch.Text("out")}),
               "mediatool: --id is required; mediatool help create tells more.\n");
     for (const std::string layout : {"spiral", "2"})
@@ -204,6 +220,10 @@ TEST_F(Command, WrongUseOfOptions) {
               "launcher's own arguments go after --).\n");
     EXPECT_EQ(Complaint({"dry-run", folder, "--windows", "XP"}),
               "mediatool: --windows: 7, 8, 8.1, 10 or 11, not \"XP\".\n");
+    EXPECT_EQ(Complaint({"dry-run", "--windows=XP", folder}),
+              "mediatool: --windows: 7, 8, 8.1, 10 or 11, not \"XP\".\n");
+    EXPECT_EQ(Complaint({"validate", "-x", folder}), "mediatool: There is no option \"-x\".\n");
+    EXPECT_THAT(Complaint({"validate", "-"}), HasSubstr("\\-\" cannot be opened: "));
     EXPECT_EQ(Complaint({"dry-run", folder, "--env", "X=1", "--env", "x=2"}),
               "mediatool: --env x=... is given twice.\n");
     EXPECT_EQ(Complaint({"dry-run", folder, "--temp", "C:temp"}),
@@ -216,10 +236,18 @@ TEST_F(Command, WrongUseThatMayBeASlip) {
               "mediatool: There is no command \"validat\"; did you mean validate?\n");
     EXPECT_EQ(Complaint({"rnu", folder}),
               "mediatool: There is no command \"rnu\"; did you mean run?\n");
-    for (const std::string none : {"nru", "va"})  // letters too few for a beginning
+    // Too few letters for a beginning; two too many, two missing, three pairs that changed places.
+    for (const std::string none : {"nru", "va", "rrunn", "crte", "rcaeet"})
         EXPECT_EQ(Complaint({none, folder}),
                   "mediatool: There is no command \"" + none +
                       "\"; there are run, dry-run, validate, create and checksum.\n");
+    for (const std::string run : {"ron", "urn", "ru"})
+        EXPECT_EQ(Complaint({run, folder}),
+                  "mediatool: There is no command \"" + run + "\"; did you mean run?\n");
+    EXPECT_EQ(Complaint({"reate", folder}),
+              "mediatool: There is no command \"reate\"; did you mean create?\n");
+    EXPECT_EQ(Complaint({"valdte", folder}),
+              "mediatool: There is no command \"valdte\"; did you mean validate?\n");
     EXPECT_EQ(Complaint({"val", folder}),
               "mediatool: There is no command \"val\"; did you mean validate?\n");
     EXPECT_EQ(Complaint({"DryRun", folder}),
@@ -369,6 +397,7 @@ TEST_F(Command, HelpSaysWhatTheListHas) {
 
 TEST_F(Command, HelpAndVersion) {
     EXPECT_THAT(Run({"--help"}).output, HasSubstr("dry-run"));
+    EXPECT_THAT(Run({"--help"}).output, HasSubstr("Usage: mediatool [OPTIONS] SUBCOMMAND\n"));
     EXPECT_THAT(Run({"validate", "--help"}).output, HasSubstr("Exit code: 0 clean"));
     EXPECT_EQ(Run({"--version"}).output, "mediatool " LAUNCHER_VERSION "\n");
     EXPECT_EQ(Run({"--help"}).exitCode, 0u);

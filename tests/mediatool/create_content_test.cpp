@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cctype>
+#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -36,7 +37,8 @@ class Content : public Creating {
 TEST_F(Content, OtherLinesOfAMarkerStay) {
     scratch.Write("one/1.txt", "Disc 1\r\nMTBDIR=OLD\r\nMTBDIR=OLDER\nCopyright");
     scratch.Write("two/2.txt", "MTBDIR=OLD");
-    Create(request);
+    for (const mediatool::CreatedFile& file : Create(request).files)
+        EXPECT_EQ(file.size, stdfs::file_size(FromUtf8(file.path))) << file.path;
     EXPECT_EQ(Written("out\\1\\1.txt"), "Disc 1\r\nMTBDIR=SET\r\nMTBDIR=SET\nCopyright");
     EXPECT_EQ(Written("out\\2\\2.txt"), "MTBDIR=SET\r\n");
 }
@@ -118,24 +120,65 @@ TEST_F(Content, ALinkIsCopiedAsWhatItLeadsTo) {
                 data->ftLastWriteTime = {0, 1};
                 return found;
             });
+        {
+            const Hook<decltype(&CreateFileW)> broken(
+                "CreateFileW", [](auto real, LPCWSTR name, auto... rest) -> HANDLE {
+                    if (!std::wstring(name).ends_with(L"\\a.bin")) return real(name, rest...);
+                    SetLastError(ERROR_FILE_NOT_FOUND);
+                    return INVALID_HANDLE_VALUE;
+                });
+            EXPECT_EQ(Complaint(),
+                      "refused: \"" + scratch.Text("one\\a.bin") +
+                          "\" cannot be read: " + mediatool::ErrorText(ERROR_FILE_NOT_FOUND) + ".");
+        }
         EXPECT_EQ(Create(request).copiedBytes, 3u);
     }
     EXPECT_EQ(stdfs::last_write_time(FromUtf8(scratch.Text("out\\1\\a.bin"))),
               stdfs::last_write_time(FromUtf8(scratch.Text("one\\a.bin"))));
 }
 
-TEST_F(Content, EveryStepIsTold) {
-    scratch.Write("one/a.bin", "12345");
-    scratch.Write("two/b.bin", "123");
-    scratch.Write("out/1/1.txt", "old");
-    request.checksums = true;
-    request.force = true;
+// Of the attributes, those that people set; the file system's own are none of a copy's.
+TEST_F(Content, ACopyHasTheAttributesOfItsSource) {
+    scratch.Write("one/a.bin", "123");
+    std::vector<DWORD> given;
+    const Hook<decltype(&FindNextFileW)> listed(
+        "FindNextFileW", [](auto real, HANDLE search, auto data) -> BOOL {
+            const BOOL found = real(search, data);
+            if (found && std::wstring(data->cFileName) == L"a.bin") data->dwFileAttributes = 0x3827;
+            return found;
+        });
+    const Hook<decltype(&CreateFileW)> made(
+        "CreateFileW", [&given](auto real, LPCWSTR name, auto access, auto share, auto security,
+                                auto how, DWORD attributes, HANDLE like) {
+            if (!std::wstring(name).ends_with(L".tmp"))
+                return real(name, access, share, security, how, attributes, like);
+            given.push_back(attributes);
+            return real(name, access, share, security, how, FILE_ATTRIBUTE_NORMAL, like);
+        });
+    Create(request);
+    ASSERT_FALSE(given.empty());
+    EXPECT_EQ(given.front(), static_cast<DWORD>(FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN |
+                                                FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE));
+}
+
+class Steps : public Content {
+  protected:
+    Steps() {
+        scratch.Write("one/a.bin", "12345");
+        scratch.Write("two/b.bin", "123");
+        request.checksums = true;
+        request.progress = [this](const mediatool::Amounts& amounts) {
+            told.push_back(std::string(amounts.what) + " " + std::to_string(amounts.files) + "/" +
+                           std::to_string(amounts.allFiles) + " " + std::to_string(amounts.bytes) +
+                           "/" + std::to_string(amounts.allBytes));
+        };
+    }
     std::vector<std::string> told;
-    request.progress = [&told](const mediatool::Amounts& amounts) {
-        told.push_back(std::string(amounts.what) + " " + std::to_string(amounts.files) + "/" +
-                       std::to_string(amounts.allFiles) + " " + std::to_string(amounts.bytes) +
-                       "/" + std::to_string(amounts.allBytes));
-    };
+};
+
+TEST_F(Steps, OfANewSetAreTold) {
+    scratch.Write("out/1/1.txt", "old");
+    request.force = true;
     Create(request);
     EXPECT_THAT(
         told, testing::ElementsAre(
@@ -149,6 +192,27 @@ TEST_F(Content, EveryStepIsTold) {
                   // and the list of each volume, for which the markers are read.
                   "Copying 2/2 8/8", "Checksums 1/0 12/0", "Checksums 2/0 15/0", "Copying 2/2 8/8",
                   "Checksums 3/0 27/0"));
+}
+
+TEST_F(Steps, OfARunThatGoesOnAreThoseThatAreLeft) {
+    Create(request);
+    stdfs::remove(FromUtf8(scratch.Text("out\\2\\b.bin")));
+    scratch.Write("out/1/mediatool-unfinished.txt");
+    told.clear();
+    Create(request);
+    EXPECT_THAT(told,
+                testing::ElementsAre("Content 1/0 5/0", "Content 2/0 8/0",
+                                     // Both a.bin are read,
+                                     "Comparing 0/7 0/0", "Comparing 0/7 0/0", "Comparing 1/7 0/0",
+                                     "Comparing 2/7 0/0", "Comparing 3/7 0/0", "Comparing 4/7 0/0",
+                                     "Comparing 5/7 0/0", "Comparing 6/7 0/0", "Comparing 7/7 0/0",
+                                     // and it stays; b.bin is copied,
+                                     "Copying 0/1 0/3", "Copying 0/1 0/3", "Copying 0/1 3/3",
+                                     // the count file and the markers stay,
+                                     "Copying 1/1 3/3", "Copying 1/1 3/3", "Copying 1/1 3/3",
+                                     // and are all that is read for the lists.
+                                     "Copying 1/1 3/3", "Checksums 1/0 12/0", "Checksums 2/0 15/0",
+                                     "Copying 1/1 3/3", "Checksums 3/0 27/0"));
 }
 
 TEST_F(Content, ADryRunSaysAllAndChangesNothing) {
@@ -184,11 +248,13 @@ TEST_F(Content, ADryRunSaysAllAndChangesNothing) {
     const mediatool::Json json = mediatool::JsonOfDry(creation, request);
     EXPECT_EQ(json["files"][0]["source"], scratch.Text("one\\a.bin"));
     EXPECT_EQ(json["totals"]["copy"]["bytes"], 8);
+    EXPECT_EQ(json["outerId"], mediatool::Json());
 }
 
 TEST_F(Content, ProgressHasTotalsFromTheFirstByte) {
     scratch.Write("one/big.bin", std::string(1000000, 'x'));
     scratch.Write("two/small.bin", "x");
+    request.force = true;
     std::map<std::string, std::vector<mediatool::Amounts>> told;
     request.progress = [&](const mediatool::Amounts& amounts) {
         told[amounts.what].push_back(amounts);
@@ -198,6 +264,7 @@ TEST_F(Content, ProgressHasTotalsFromTheFirstByte) {
     EXPECT_EQ(told["Content"].back().bytes, 1000001u);
     ASSERT_EQ(told["Comparing"].size(), 5u) << "with the count file and the markers";
     EXPECT_EQ(told["Comparing"].back().files, told["Comparing"].front().allFiles);
+    EXPECT_FALSE(told.contains("Checking")) << "nothing is written over";
     const std::vector<mediatool::Amounts>& copying = told["Copying"];
     EXPECT_EQ(copying.front().bytes, 0u);
     for (const mediatool::Amounts& amounts : copying) {
@@ -246,6 +313,41 @@ TEST_F(Content, ChecksumsOfOneFolderAreOneList) {
     request.layout = Layout::OneFolder;
     EXPECT_EQ(Create(request).checksums.size(), 1u);
     EXPECT_EQ(std::ranges::count(Written("out\\SHA256SUMS"), '\n'), 3);
+}
+
+TEST_F(Content, AListThatIsThereIsWrittenOverByForceOrWhenTheSetGoesOn) {
+    const auto refusal = [](const std::string& file) {
+        return "refused: \"" + file + "\" is there already; --force writes over it.";
+    };
+    request.checksums = true;
+    EXPECT_EQ(Complaint(), "none");
+    for (const char* file : {"inst\\volumes.txt", "1.txt"})
+        stdfs::remove(FromUtf8(scratch.Text("out\\1\\") + file));
+    stdfs::remove_all(FromUtf8(scratch.Text("out\\2")));
+    EXPECT_EQ(Complaint(), refusal(scratch.Text("out\\1\\SHA256SUMS")));
+    scratch.Write("out/1/mediatool-unfinished.txt");
+    const std::string other = scratch.Write("out/1/1.txt", "old");
+    EXPECT_EQ(Complaint(), refusal(other));
+    stdfs::remove(FromUtf8(other));
+    EXPECT_EQ(Complaint(), "none");
+}
+
+using ContentDeathTest = Content;
+
+// A process asks for the library once.
+TEST_F(ContentDeathTest, IsCopiedWithoutChecksumsWhereWindowsComputesNone) {
+    const auto copyAndExit = [this] {
+        scratch.Write("one/a.bin", "123");
+        std::string complaint;
+        {
+            const Hook<decltype(&LoadLibraryExW)> none("LoadLibraryExW",
+                                                       [](auto&&...) { return HMODULE{}; });
+            complaint = Complaint();
+        }
+        RemoveAll(scratch.Dir());
+        std::exit(complaint == "none" ? 0 : 1);
+    };
+    EXPECT_EXIT(copyAndExit(), testing::ExitedWithCode(0), "");
 }
 
 // It would say of the new markers that they are damaged.

@@ -80,7 +80,9 @@ TEST_F(Meanwhile, ASecondCreateIsRefused) {
         std::string second;
         When("Copying", 1, [this, &second] {
             CreateRequest other = request;
-            other.progress = [](const mediatool::Amounts&) {};
+            other.progress = [](const mediatool::Amounts& amounts) {
+                EXPECT_STREQ(amounts.what, "Content") << "nothing is compared in vain";
+            };
             second = Complaint(other);
         });
         EXPECT_EQ(Complaint(), "none");

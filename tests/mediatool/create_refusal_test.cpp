@@ -5,7 +5,10 @@
 #include <filesystem>
 
 #include "fs/encoding.h"
+#include "fs/owners.h"
+#include "mediatool/base/files.h"
 #include "tests/mediatool/creating.h"
+#include "tests/support/hook.h"
 #include "tests/support/links.h"
 
 namespace launcher::test {
@@ -78,7 +81,30 @@ TEST_F(Creating, RefusesTheSameContentTwice) {
     request.from = {scratch.Text("one"), scratch.Text("ONE") + "\\"};
     EXPECT_EQ(Complaint(),
               "wrong use: \"" + scratch.Text("ONE") + "\" is given twice, with --from.");
+    const FolderLink link(scratch.Dir() / "linked", scratch.Dir() / "one");
+    request.from = {scratch.Text("one"), scratch.Text("linked")};
+    EXPECT_EQ(Complaint(),
+              "wrong use: \"" + scratch.Text("linked") + "\" is given twice, with --from.");
     EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
+}
+
+// Which folder a name leads to, nobody can know there.
+TEST_F(Creating, ComparesNamesOnADiskThatDoesNotTellMore) {
+    scratch.Write("one/a.bin", "1");
+    scratch.Write("two/b.bin", "2");
+    scratch.MakeDir("out/content");
+    const Hook<decltype(&GetFileInformationByHandle)> ask("GetFileInformationByHandle",
+                                                          [](auto&&...) { return TRUE; });
+    for (const std::string& other : {scratch.Text(), scratch.Text("out\\content")}) {
+        request.from = {scratch.Text("one"), other};
+        EXPECT_EQ(Complaint(),
+                  "wrong use: \"" + other + "\" and the folder to write into are in one another.");
+    }
+    request.from = {scratch.Text("one"), scratch.Text("ONE")};
+    EXPECT_EQ(Complaint(),
+              "wrong use: \"" + scratch.Text("ONE") + "\" is given twice, with --from.");
+    request.from = {scratch.Text("one"), scratch.Text("two")};
+    EXPECT_EQ(Complaint(), "none");
 }
 
 TEST_F(Creating, RefusesContentThatIsNoMarkerButHasItsName) {
@@ -86,6 +112,9 @@ TEST_F(Creating, RefusesContentThatIsNoMarkerButHasItsName) {
     scratch.Write("two/2.txt", "chapter 2");
     request.from = {scratch.Text("one"), scratch.Text("two")};
     EXPECT_EQ(Complaint(), "wrong use: \"" + scratch.Text("two\\2.txt") +
+                               "\" has the name of a volume's marker and is none; rename it.");
+    const std::string folder = scratch.MakeDir("one/inst/volumes.txt");
+    EXPECT_EQ(Complaint(), "wrong use: \"" + folder +
                                "\" has the name of a volume's marker and is none; rename it.");
     EXPECT_FALSE(stdfs::exists(FromUtf8(scratch.Text("out"))));
 }
@@ -122,6 +151,13 @@ TEST_F(OtherNames, OnAnotherDrive) {
     ExpectRefusal({out + "\\2", out + "\\1"}, kOneAnother);
 }
 
+TEST_F(OtherNames, OfAFolderBesideTheVolumes) {
+    scratch.Write("one/b.bin");
+    scratch.Write("out/content/b.bin");
+    const MappedDrive drive(scratch.Dir());
+    ExpectRefusal({scratch.Text("one"), ToUtf8(drive.Root()) + "out\\content"}, kOneAnother);
+}
+
 TEST_F(OtherNames, OfADrivesRoot) {
     scratch.Write("one/b.bin");
     const MappedDrive drive(scratch.Dir() / "out" / "2");
@@ -140,7 +176,9 @@ TEST_F(OtherNames, OfALinkBelowAVolume) {
     scratch.Write("one/data/a.bin", "1");
     scratch.Write("two/data/a.bin", "2");
     const FolderLink link(scratch.Dir() / "out" / "1" / "data", scratch.Dir() / "two" / "data");
-    ExpectRefusal({scratch.Text("one"), scratch.Text("two")}, " are the same file.");
+    ExpectRefusal({scratch.Text("one"), scratch.Text("two")},
+                  ": \"" + scratch.Text("out\\1\\data\\a.bin") + "\" and \"" +
+                      scratch.Text("two\\data\\a.bin") + "\" are the same file.");
 }
 
 TEST_F(OtherNames, OfAFolderThatIsNotThereYetBelowALink) {
@@ -158,7 +196,9 @@ TEST_F(OtherNames, OfOneFolderForTwoVolumes) {
     const FolderLink link(scratch.Dir() / "linked" / "1", scratch.Dir() / "out" / "2");
     const FolderLink other(scratch.Dir() / "linked" / "2", scratch.Dir() / "out" / "2");
     request.out = scratch.Text("linked");
-    ExpectRefusal({scratch.Text("one"), scratch.Text("two")}, " are the same folder.");
+    ExpectRefusal({scratch.Text("one"), scratch.Text("two")},
+                  ": \"" + scratch.Text("linked\\1") + "\" and \"" + scratch.Text("linked\\2") +
+                      "\" are the same folder.");
 }
 
 // Files and folders in the way, below out.
@@ -186,7 +226,7 @@ TEST_F(Obstacle, IsAFolderWhereAFileIsToBe) {
 }
 
 TEST_F(Obstacle, IsAFileWhereAFolderIsToBe) {
-    scratch.Write("two/data/c.bin");
+    scratch.Write("two/data/deep/c.bin");
     scratch.MakeDir("two/empty");
     for (const char* name : {"out\\2\\data", "out\\2\\empty", "out\\1\\inst", "out\\2"}) {
         stdfs::remove(FromUtf8(scratch.Text("out\\2")));
@@ -204,6 +244,19 @@ TEST_F(Obstacle, IsAFileThatCannotBeWritten) {
     EXPECT_THAT(Complaint(), testing::StartsWith("refused: \"" + file + "\" cannot be written: "));
     EXPECT_EQ(TreeBelow(scratch.Dir()), before);
     SetFileAttributesW(ToWide(file).c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+// Found before anything is written over.
+TEST_F(Obstacle, IsContentThatCannotBeRead) {
+    const std::string file = scratch.Text("two\\b.bin");
+    const Tree before = TreeBelow(scratch.Dir());
+    {
+        const FileHandle user(
+            CreateFileW(ToWide(file).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        EXPECT_EQ(Complaint(), "refused: \"" + file + "\" cannot be read: " +
+                                   mediatool::ErrorText(ERROR_SHARING_VIOLATION) + ".");
+    }
+    EXPECT_EQ(TreeBelow(scratch.Dir()), before);
 }
 
 // What an older set left behind, in the folder that the new one of two volumes is written into.
@@ -258,6 +311,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Leftover{"OuterAbove99", Layout::Outer, "out/100/media/3/3.txt", kOurs},
                     Leftover{"OuterOfLowerNumber", Layout::Outer, "out/6/media/2/2.txt", kOurs},
                     Leftover{"AboveVolumeOne", Layout::Outer, "out/7/media/5.txt", "notes", true},
+                    Leftover{"OfNumberOne", Layout::Outer, "out/7/media/1.txt", "notes", true},
                     Leftover{"OfTheSameNumber", Layout::Outer, "out/7/media/7.txt", kOld, true},
                     Leftover{"InTheOuterVolume", Layout::Outer, "out/7/12.txt", kOld, true},
                     Leftover{"InOtherLetters", Layout::Outer, "out/7/7.TXT", kOld, true}),
@@ -283,10 +337,41 @@ TEST_F(Creating, LeavesWhatIsBesideOneFolderAlone) {
     EXPECT_THAT(Ids(validation), testing::Not(testing::HasSubstr("volume-")));
 }
 
+// A single volume names no count, and whoever looks beside it takes what has its identifier.
+TEST_F(Creating, RefusesMarkersOfItsOwnBesideASingleVolume) {
+    request.layout = Layout::OneFolder;
+    request.volumes = 1;
+    request.force = true;
+    scratch.Write("1/1.txt", kOurs);
+    EXPECT_EQ(Complaint(), "none");
+    const std::string marker = scratch.Write("2/2.txt", kOurs);
+    EXPECT_THAT(Complaint(), testing::StartsWith("refused: \"" + marker + "\" is the marker of"));
+}
+
+TEST_F(Creating, MindsOuterVolumesOfASingleVolumeOnly) {
+    const std::string marker = scratch.Write("8/media/2/2.txt", kOurs);
+    request.out = scratch.Text("7\\media");
+    EXPECT_EQ(Complaint(), "none");
+    stdfs::remove_all(FromUtf8(scratch.Text("7")));
+    request.volumes = 1;
+    EXPECT_THAT(Complaint(), testing::StartsWith("refused: \"" + marker + "\" is the marker of"));
+}
+
+// Nor are other files of theirs, or folders, whatever their names.
+TEST_F(Creating, LeavesWhatIsNoMarkerAboveAnOuterVolumeAlone) {
+    request.layout = Layout::Outer;
+    request.firstOuter = 7;
+    scratch.Write("out/7/notes.txt", kOld);
+    scratch.Write("out/7/media/3/3.txt", kOld);
+    scratch.MakeDir("out/7/media/5.txt");
+    EXPECT_EQ(Complaint(), "none");
+}
+
 // Volumes of other sets are not in the way.
 TEST_F(Creating, LeavesOtherSetsAlone) {
     scratch.Write("out/3/3.txt", kOld);
     scratch.Write("out/1/5.txt", "chapter 5");
+    scratch.Write("out/1/notes.txt", kOld);
     EXPECT_EQ(Complaint(), "none");
     mediatool::ValidateRequest check;
     check.folders = {scratch.Text("out\\1")};

@@ -108,6 +108,15 @@ TEST_F(Creating, OuterVolumesHaveAnIdentifierOfTheirOwn) {
     EXPECT_EQ(ReadFile(FromUtf8(scratch.Text("out\\99\\media\\2\\2.txt"))), "MTBDIR=SET\r\n");
 }
 
+TEST_F(Creating, OuterVolumesHoldTheMediaBelowAnyFolder) {
+    request.layout = Layout::Outer;
+    request.inner = "a\\b\\c";
+    EXPECT_EQ(Create(request).folders.back(), scratch.Text("out\\2\\a\\b\\c\\2"));
+    request.inner = "";
+    request.out = scratch.Text("other");
+    EXPECT_EQ(Create(request).folders.back(), scratch.Text("other\\2\\2"));
+}
+
 TEST_F(Creating, WritesIntoFoldersThatAreThere) {
     scratch.Write("out/1/setup.exe", "launcher");
     EXPECT_EQ(Complaint(), "none");
@@ -181,13 +190,15 @@ TEST_F(Creating, SaysWhatMakesNoSense) {
     request.layout = Layout::Outer;
     request.outerId = "SET";
     EXPECT_EQ(Complaint(), "wrong use: --outer-id has to differ from --id.");
+    request.outerId = "OUTER ";
+    EXPECT_EQ(Complaint(), "wrong use: --outer-id begins or ends with a blank.");
     request.outerId = {};
     for (const int first : {0, 100}) {
         request.firstOuter = first;
         EXPECT_EQ(Complaint(), "wrong use: --first-outer takes a number from 1 to 99.");
     }
     request.firstOuter = 1;
-    for (const char* inner : {"a*b", "..", "a\\..\\b", "\\a", "C:\\a", "nul", "a."}) {
+    for (const char* inner : {"a*b", "..", "a\\..\\b", "a\\*b", "\\a", "C:\\a", "nul", "a."}) {
         request.inner = inner;
         EXPECT_EQ(Complaint(),
                   "wrong use: --inner takes the name of a folder in each outer volume, not \"" +
@@ -209,6 +220,8 @@ TEST_F(Creating, SaysWhereItCannotWrite) {
     }
     request.out = "";
     EXPECT_EQ(Complaint(), "wrong use: \"\" is no folder.");
+    request.out = "nul";
+    EXPECT_EQ(Complaint(), "wrong use: \"\\\\.\\nul\" is no folder.");
     EXPECT_THAT(TreeBelow(scratch.Dir()), testing::ElementsAre(testing::Key("file")));
 }
 

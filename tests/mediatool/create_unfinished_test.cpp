@@ -2,11 +2,11 @@
 
 #include <windows.h>
 
-#include <chrono>
 #include <filesystem>
 
 #include "fs/encoding.h"
 #include "fs/owners.h"
+#include "mediatool/base/files.h"
 #include "tests/mediatool/creating.h"
 #include "tests/support/hook.h"
 
@@ -17,6 +17,14 @@ namespace stdfs = std::filesystem;
 
 bool IsCopying(const mediatool::Amounts& amounts) {
     return std::string_view(amounts.what) == "Copying";
+}
+
+// In units of 100 ns.
+void SetModified(const std::string& file, std::uint64_t time) {
+    const FileHandle handle(CreateFileW(ToWide(file).c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr,
+                                        OPEN_EXISTING, 0, nullptr));
+    const FILETIME modified{static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
+    ASSERT_TRUE(SetFileTime(handle.Get(), nullptr, nullptr, &modified));
 }
 
 // Over an older set of two volumes, the first of which is changed before anything goes wrong.
@@ -80,6 +88,14 @@ TEST_F(Unfinished, OlderSetStaysMarkedAfterCtrlC) {
     EXPECT_THAT(IdsOfErrors(), testing::HasSubstr("set-unfinished"));
 }
 
+TEST_F(Unfinished, OlderSetTellsHowManyFilesStay) {
+    scratch.Write("out/2/b.bin", "old");
+    EXPECT_EQ(ComplaintOfInterruptedRun(2),
+              "refused: Interrupted; what was new is taken back. 2 files written over before "
+              "stay so. \"" +
+                  Mark() + "\" stays until the same create has run to its end.");
+}
+
 TEST_F(Unfinished, OlderSetIsAsItWasWhenNothingWasWrittenOver) {
     const Tree before = TreeBelow(scratch.Dir());
     EXPECT_EQ(ComplaintOfInterruptedRun(0), "refused: Interrupted; what was new is taken back.");
@@ -91,6 +107,9 @@ TEST_F(Unfinished, TheNextRunGoesOn) {
     EXPECT_EQ(ReadFile(FromUtf8(Mark())),
               "mediatool create has not written this set to its end. Run it again, with the same "
               "arguments: it goes on where it stopped.\r\n");
+    scratch.Write("out/1/mediatool-unfinished.txt", "of the first");
+    ComplaintOfInterruptedRun(1);
+    EXPECT_EQ(ReadFile(FromUtf8(Mark())), "of the first");
     scratch.Write("out/1/mediatool-unfinished.tmp", "n");
     std::vector<std::size_t> all;
     request.progress = [&](const mediatool::Amounts& progress) {
@@ -111,19 +130,21 @@ TEST_F(Unfinished, TheNextRunGoesOn) {
 TEST_F(Unfinished, WhatIsNotOfTheSameSizeAndTimeIsCopiedAgain) {
     scratch.Write("out/2/mediatool-unfinished.tmp", "n");
     const std::string file = scratch.Text("out\\1\\a.bin");
-    const auto time = stdfs::last_write_time(FromUtf8(scratch.Text("one\\a.bin")));
-    const auto after = [&](const std::string& content, int seconds) {
+    constexpr std::uint64_t kTime = 134'596'373'480'000'000;
+    constexpr std::uint64_t kTwoSeconds = 20'000'000;
+    SetModified(scratch.Text("one\\a.bin"), kTime);
+    const auto after = [&](const std::string& content, std::uint64_t time) {
         scratch.Write("out/1/mediatool-unfinished.txt");
         scratch.Write("out/1/a.bin", content);
-        stdfs::last_write_time(FromUtf8(file), time + std::chrono::seconds(seconds));
+        SetModified(file, time);
         Create(request);
         return ReadFile(FromUtf8(file));
     };
-    EXPECT_EQ(after("odd", 1), "odd");
-    EXPECT_EQ(after("odd", -1), "odd");
-    EXPECT_EQ(after("odd", 4), "new");
-    EXPECT_EQ(after("odd", -4), "new");
-    EXPECT_EQ(after("longer", 0), "new");
+    EXPECT_EQ(after("odd", kTime + kTwoSeconds), "odd");
+    EXPECT_EQ(after("odd", kTime - kTwoSeconds), "odd");
+    EXPECT_EQ(after("odd", kTime + kTwoSeconds + 1), "new");
+    EXPECT_EQ(after("odd", kTime - kTwoSeconds - 1), "new");
+    EXPECT_EQ(after("longer", kTime), "new");
     EXPECT_FALSE(IsThere("out\\2\\mediatool-unfinished.tmp"));
 }
 
@@ -151,6 +172,8 @@ TEST_F(Unfinished, EveryFileIsWrittenUnderAnotherNameInAMarkedSet) {
         }
         if (progress.bytes == 3 && progress.files == 0) {
             EXPECT_TRUE(IsThere("out\\1\\mediatool-unfinished.tmp"));
+            EXPECT_FALSE(mediatool::CanBeRead(scratch.Text("out\\1\\mediatool-unfinished.tmp")));
+            EXPECT_TRUE(mediatool::CanBeRead(Mark())) << "people may look what it says";
             ++seen;
         }
     };
@@ -167,10 +190,13 @@ TEST_F(Unfinished, SetIsAnErrorOfValidate) {
 }
 
 TEST_F(Unfinished, SetIsNoContentOfAnother) {
-    const std::string left = scratch.Write("two/mediatool-unfinished.txt");
-    EXPECT_EQ(Complaint(), "wrong use: \"" + left +
-                               "\" is left from a set that was not written to its end; finish that "
-                               "set, or remove the file.");
+    for (const char* name : {"two/mediatool-unfinished.txt", "two/data/mediatool-unfinished.tmp"}) {
+        const std::string left = scratch.Write(name);
+        EXPECT_EQ(Complaint(), "wrong use: \"" + left +
+                                   "\" is left from a set that was not written to its end; finish "
+                                   "that set, or remove the file.");
+        stdfs::remove(FromUtf8(left));
+    }
 }
 
 // A new set, while one of Windows' functions fails.
@@ -238,6 +264,23 @@ TEST_F(FailingCall, ForTheMark) {
     ExpectTakenBack(complaint, "out\\1\\mediatool-unfinished.txt", "written");
 }
 
+TEST_F(FailingCall, ForADriveThatIsPulledOut) {
+    bool isGone = false;
+    request.progress = [&isGone](const mediatool::Amounts& amounts) {
+        isGone = std::string(amounts.what) == "Comparing" && amounts.files == amounts.allFiles;
+    };
+    const Hook<decltype(&GetFileAttributesExW)> look(
+        "GetFileAttributesExW", [&isGone](auto real, auto... arguments) -> BOOL {
+            if (!isGone) return real(arguments...);
+            SetLastError(ERROR_NOT_READY);
+            return FALSE;
+        });
+    const Hook<decltype(&CreateDirectoryW)> make("CreateDirectoryW",
+                                                 FailsWith(ERROR_NOT_READY, FALSE));
+    EXPECT_EQ(Complaint(), "refused: \"" + scratch.Text().substr(0, 2) +
+                               "\" cannot be made: " + mediatool::ErrorText(ERROR_NOT_READY) + ".");
+}
+
 TEST_F(FailingCall, ForTheNewFile) {
     std::string complaint;
     {
@@ -299,6 +342,7 @@ TEST_F(FailingCall, ForAMomentIsTriedAgain) {
 
 // All is written: it stays, and the next run has nothing to do but this.
 TEST_F(FailingCall, ForTheEndOfTheMark) {
+    scratch.Write("out/1/a.bin", "old");
     std::string complaint;
     std::vector<DWORD> waited;
     {
@@ -312,7 +356,8 @@ TEST_F(FailingCall, ForTheEndOfTheMark) {
         complaint = Complaint();
     }
     EXPECT_EQ(waited, std::vector<DWORD>(19, 100));
-    EXPECT_THAT(complaint, testing::StartsWith("refused: \"" + Mark() + "\" cannot be removed: "));
+    EXPECT_EQ(complaint, "refused: \"" + Mark() + "\" cannot be removed: " +
+                             mediatool::ErrorText(ERROR_SHARING_VIOLATION) + ".");
     EXPECT_TRUE(IsThere("out\\2\\c.bin"));
     request.force = false;
     EXPECT_EQ(Create(request).copiedFiles, 0u);

@@ -140,10 +140,12 @@ TEST_F(DryRun, HasNoColoursInAFile) {
 TEST_F(DryRun, OfLongPathsSaysBothEndsForANewerWindowsOnly) {
     const SampleMedia incomplete = Incomplete();
     const std::string temp = scratch.Text() + "\\" + std::string(240 - scratch.Text().size(), 'x');
+    EXPECT_EQ(Dry(media)["pretended"]["isWindows8OrNewer"], Json());
     for (const std::string windows : {"7", "8", "8.1", "10", "11"}) {
         const Json dry = Dry(incomplete, {"--temp", temp, "--windows", windows});
         EXPECT_EQ(dry["hints"].size(), windows.starts_with('1') ? 1u : 0u) << windows;
         EXPECT_EQ(dry["temporaryCopy"]["made"], false) << windows;
+        EXPECT_EQ(dry["pretended"]["isWindows8OrNewer"], windows != "7");
     }
 }
 

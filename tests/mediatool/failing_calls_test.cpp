@@ -161,17 +161,28 @@ TEST(Listing, ThatBreaksOffIsNone) {
     scratch.Write("b.bin");
     ASSERT_EQ(mediatool::EntriesOf(Path(scratch.Text())).size(), 2u);
     const Hook<decltype(&FindNextFileW)> next("FindNextFileW", FailsWith(ERROR_CRC, FALSE));
+    const Hook<decltype(&FindClose)> close("FindClose", [](auto real, HANDLE search) {
+        const BOOL isClosed = real(search);
+        SetLastError(ERROR_INVALID_HANDLE);
+        return isClosed;
+    });
     EXPECT_FALSE(mediatool::List(Path(scratch.Text())));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CRC));
 }
 
 // Other folders have "." and "..".
 TEST(Listing, OfAnEmptyDriveIsEmpty) {
-    const Hook<decltype(&FindFirstFileW)> first(
-        "FindFirstFileW", FailsWith(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE));
+    std::wstring asked;
+    const Hook<decltype(&FindFirstFileW)> first("FindFirstFileW",
+                                                [&asked](auto, LPCWSTR pattern, auto) {
+                                                    asked = pattern;
+                                                    SetLastError(ERROR_FILE_NOT_FOUND);
+                                                    return INVALID_HANDLE_VALUE;
+                                                });
     const auto entries = mediatool::List(Path("C:"));
     ASSERT_TRUE(entries);
     EXPECT_TRUE(entries->empty());
+    EXPECT_EQ(asked, L"\\\\?\\C:\\*");
 }
 
 // The same disc: nothing of the file is not an empty file.

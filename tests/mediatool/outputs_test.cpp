@@ -147,7 +147,7 @@ Creation Created() {
     creation.written = {"O:\\7\\media\\1\\1.txt", "O:\\8\\media\\2\\2.txt"};
     creation.checksums = {"O:\\7\\media\\1\\SHA256SUMS"};
     creation.outerId = "OUTER";
-    creation.copiedFiles = 2;
+    creation.copiedFiles = 1;
     creation.copiedBytes = 1003;
     creation.keptFiles = 1;
     creation.files = {{Fate::New, "O:\\a", "F:\\a", 1000},
@@ -166,7 +166,7 @@ TEST(OutputOfCreate, ForPeople) {
               "  O:\\8\\media\\2\\2.txt\n"
               "  O:\\7\\media\\1\\SHA256SUMS\n"
               "1 file of the unfinished set kept\n"
-              "2 files copied, 1003 bytes\n");
+              "1 file copied, 1003 bytes\n");
     creation.copiedFiles = 0;
     creation.keptFiles = 0;
     creation.checksums.clear();
@@ -198,7 +198,7 @@ TEST(OutputOfCreate, ForPrograms) {
         "schema": 1, "command": "create", "id": "SET", "outerId": "OUTER", "layout": "outer",
         "folders": ["O:\\7\\media\\1", "O:\\8\\media\\2"],
         "written": ["O:\\7\\media\\1\\1.txt", "O:\\8\\media\\2\\2.txt"],
-        "copied": {"files": 2, "bytes": 1003}, "kept": 1,
+        "copied": {"files": 1, "bytes": 1003}, "kept": 1,
         "checksums": ["O:\\7\\media\\1\\SHA256SUMS"]})"));
     EXPECT_EQ(JsonOfDry(Created(), request), Json::parse(R"({
         "schema": 1, "command": "create", "id": "SET", "outerId": "OUTER", "layout": "outer",
@@ -212,6 +212,18 @@ TEST(OutputOfCreate, ForPrograms) {
         "totals": {
             "copy": {"files": 2, "bytes": 1003}, "keep": {"files": 1, "bytes": 600},
             "replace": {"files": 1, "bytes": 50}, "write": {"files": 1, "bytes": 7}}})"));
+    Creation creation = Created();
+    creation.outerId.clear();
+    creation.keptFiles = 0;
+    creation.files.clear();
+    request.checksums = false;
+    const Json json = JsonOf(creation, request);
+    EXPECT_EQ(json["outerId"], Json());
+    EXPECT_FALSE(json.contains("kept"));
+    EXPECT_FALSE(json.contains("checksums"));
+    EXPECT_EQ(JsonOfDry(creation, request)["totals"], Json::parse(R"({
+        "copy": {"files": 0, "bytes": 0}, "keep": {"files": 0, "bytes": 0},
+        "replace": {"files": 0, "bytes": 0}, "write": {"files": 0, "bytes": 0}})"));
 }
 
 // --- checksum

@@ -40,7 +40,7 @@ std::vector<std::wstring> SearchFolders() {
     std::size_t start = 0;
     for (std::size_t end = path.find(L';'); end != std::wstring::npos;
          start = end + 1, end = path.find(L';', start))
-        if (end > start) folders.push_back(path.substr(start, end - start));
+        folders.push_back(path.substr(start, end - start));  // an empty one is none, or "." again
     return folders;
 }
 

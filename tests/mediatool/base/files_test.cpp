@@ -99,6 +99,7 @@ TEST(Look, AtWhatIsNotThere) {
     EXPECT_FALSE(ReadStart(missing, 1));
     EXPECT_FALSE(CanBeRead(missing.Text()));
     EXPECT_FALSE(CanBeOverwritten(missing.Text()));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
     EXPECT_FALSE(IdentityOf(missing.Text()));
 }
 
@@ -148,24 +149,52 @@ TEST(ReadWhole, GivesAllInPieces) {
         content += std::to_string(i);
     const Path file(scratch.Write("a.bin", content));
     std::string read;
-    int pieces = 0;
+    std::vector<std::size_t> pieces;
     ReadWhole(
         file,
         [&](std::string_view bytes) {
             read += bytes;
-            ++pieces;
+            pieces.push_back(bytes.size());
         },
         "read");
     EXPECT_TRUE(read == content);
-    EXPECT_GT(pieces, 1);
-    try {
-        ReadWhole(
-            Path(scratch.Text("b.bin")), [](std::string_view) {}, "copied");
-        FAIL() << "it was read";
-    } catch (const Refused& failure) {
-        EXPECT_EQ(failure.what(), "\"" + scratch.Text("b.bin") + "\" cannot be copied: " +
-                                      ErrorText(ERROR_FILE_NOT_FOUND) + ".");
-    }
+    EXPECT_THAT(pieces, testing::ElementsAre(262'144u, content.size() - 262'144));
+}
+
+TEST(ReadWhole, SaysWhatCannotBeReadToItsEnd) {
+    const TemporaryFolder scratch;
+    const auto complaint = [&scratch](const char* name) -> std::string {
+        try {
+            ReadWhole(
+                Path(scratch.Text(name)), [](std::string_view) {}, "copied");
+        } catch (const Refused& failure) {
+            return failure.what();
+        }
+        return "none";
+    };
+    const auto expected = [&scratch](const char* name, DWORD error) {
+        return "\"" + scratch.Text(name) + "\" cannot be copied: " + ErrorText(error) + ".";
+    };
+    EXPECT_EQ(complaint("b.bin"), expected("b.bin", ERROR_FILE_NOT_FOUND));
+    scratch.Write("a.bin", "x");
+    const Hook<decltype(&::ReadFile)> broken("ReadFile", FailsWith(ERROR_CRC, FALSE));
+    EXPECT_EQ(complaint("a.bin"), expected("a.bin", ERROR_CRC));
+}
+
+// A hint to the cache, for media that answer slowly.
+TEST(ReadWhole, SaysThatItReadsFromTheStartToTheEnd) {
+    const TemporaryFolder scratch;
+    const Path file(scratch.Write("a.bin", "x"));
+    DWORD asked = 0;
+    const Hook<decltype(&CreateFileW)> open(
+        "CreateFileW", [&asked](auto real, auto name, auto access, auto share, auto security,
+                                auto disposition, DWORD flags, HANDLE like) {
+            asked = flags;
+            return real(name, access, share, security, disposition, flags, like);
+        });
+    ReadWhole(
+        file, [](std::string_view) {}, "read");
+    EXPECT_EQ(asked, static_cast<DWORD>(FILE_FLAG_SEQUENTIAL_SCAN));
 }
 
 // A file that others have open, in ways that do and do not keep it from them.
@@ -184,12 +213,20 @@ TEST(OpenFiles, CanBeReadWhereTheyAreShared) {
         EXPECT_FALSE(CanBeOverwritten(file));
     }
     {
-        const FileHandle reader = opened(GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
+        const FileHandle reader =
+            opened(GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
         EXPECT_TRUE(CanBeRead(file));
         EXPECT_FALSE(CanBeOverwritten(file));
     }
     const FileHandle alone = opened(GENERIC_READ, 0);
     EXPECT_FALSE(CanBeRead(file));
+}
+
+TEST(OpenFiles, ThatAreRunningProgramsAreNotOverwritten) {
+    wchar_t program[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    EXPECT_TRUE(CanBeRead(ToNarrow(program)));
+    EXPECT_FALSE(CanBeOverwritten(ToNarrow(program)));
 }
 
 TEST(ProtectedFiles, AreNotOverwritten) {
@@ -235,11 +272,24 @@ TEST(Identity, IsTheDisksAndItsOwn) {
     EXPECT_EQ(seen->size, 6u);
 }
 
+TEST(Identity, IsNoneWhereItCannotBeAskedFor) {
+    const TemporaryFolder scratch;
+    const std::string file = scratch.Write("a.bin", "x");
+    const Hook<decltype(&GetFileInformationByHandle)> ask("GetFileInformationByHandle",
+                                                          [](auto, HANDLE, auto data) {
+                                                              data->nFileIndexLow = 5;
+                                                              return FALSE;
+                                                          });
+    EXPECT_FALSE(IdentityOf(file));
+    EXPECT_FALSE(LookThrough(Path(file)));
+}
+
 TEST(FinalPath, HasNoPrefixOfWindows) {
     const TemporaryFolder scratch;
     std::wstring full;
     const Hook<decltype(&GetFinalPathNameByHandleW)> name(
-        "GetFinalPathNameByHandleW", [&full](auto, HANDLE, LPWSTR path, DWORD size, DWORD) {
+        "GetFinalPathNameByHandleW", [&full](auto, HANDLE, LPWSTR path, DWORD size, DWORD how) {
+            EXPECT_EQ(how, DWORD{VOLUME_NAME_DOS});
             return static_cast<DWORD>(full.copy(path, size));
         });
     const auto path = [&](const wchar_t* answer) {
