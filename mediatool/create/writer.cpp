@@ -59,10 +59,13 @@ void Writer::Mark() {
 }
 
 void Writer::MakeFolder(const Path& folder) {
-    if (IsEmpty(folder) || IsFolder(folder)) return;
-    MakeFolder(Parent(folder));
-    if (!CreateDirectoryW(Extended(folder.Text()).c_str(), nullptr)) RefuseFor(folder, "made");
-    made_.push_back(folder);
+    if (IsEmpty(folder) || folder.Text() == lastFolder_) return;
+    if (!IsFolder(folder)) {
+        MakeFolder(Parent(folder));
+        if (!CreateDirectoryW(Extended(folder.Text()).c_str(), nullptr)) RefuseFor(folder, "made");
+        made_.push_back(folder);
+    }
+    lastFolder_ = folder.Text();
 }
 
 void Writer::Write(const PlannedFile& file, const std::string& content) {

@@ -44,6 +44,7 @@ class Writer {
     Path mark_;
     FileHandle held_;  // the mark
     bool wasMarked_;
+    std::string lastFolder_;  // that is there for certain
 };
 
 // Opens the mark of a set, which is there already or is made. Nobody else can hold it meanwhile.

@@ -251,6 +251,27 @@ TEST_F(Content, ADryRunSaysAllAndChangesNothing) {
     EXPECT_EQ(json["outerId"], mediatool::Json());
 }
 
+// On a network share, each look costs as much as a small file.
+TEST_F(Content, IsCopiedWithOneLookAtItsFolder) {
+    int looks = 0;
+    scratch.MakeDir("one/data");
+    const Hook<decltype(&GetFileAttributesExW)> look(
+        "GetFileAttributesExW", [&looks](auto real, LPCWSTR name, auto... rest) {
+            looks += std::wstring_view(name).ends_with(L"\\1\\data") ? 1 : 0;
+            return real(name, rest...);
+        });
+    std::vector<int> counts;
+    for (const char* file : {"one/data/a.bin", "one/data/b.bin", "one/data/c.bin"}) {
+        scratch.Write(file, "x");
+        request.out = scratch.Text("out" + std::to_string(counts.size()));
+        looks = 0;
+        Create(request);
+        counts.push_back(looks);
+    }
+    EXPECT_THAT(counts, testing::Each(counts.front()));
+    EXPECT_GT(counts.front(), 0);
+}
+
 TEST_F(Content, ProgressHasTotalsFromTheFirstByte) {
     scratch.Write("one/big.bin", std::string(1000000, 'x'));
     scratch.Write("two/small.bin", "x");
