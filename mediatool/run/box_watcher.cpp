@@ -32,7 +32,7 @@ std::optional<std::string> TextOf(HWND window) {
 }
 
 std::wstring ClassOf(HWND window) {
-    std::wstring name(64, L'\0');
+    std::wstring name(MAX_PATH, L'\0');
     const int length = GetClassNameW(window, name.data(), static_cast<int>(name.size()));
     name.resize(static_cast<std::size_t>(length));
     return name;

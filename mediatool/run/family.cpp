@@ -11,7 +11,6 @@ namespace {
 
 constexpr DWORD kPatience = 10000;   // milliseconds for processes to end that were told to
 constexpr DWORD kBetweenLooks = 10;  // milliseconds
-constexpr int kRounds = 100;         // of ending processes that start others meanwhile
 constexpr char kCrashReporter[] = "WerFault.exe";
 
 // With fewer rights, when not all are to be had: to be waited for at least.
@@ -45,7 +44,7 @@ bool Family::AdoptChildren() {
     for (std::size_t i = 0; i < members_.size(); ++i)
         for (const ProcessEntry& entry : processes) {
             if (entry.parent != members_[i].id || SameName(entry.program, kCrashReporter) ||
-                std::ranges::count(members_, entry.id, &Member::id) > 0)
+                std::ranges::find(members_, entry.id, &Member::id) != members_.end())
                 continue;
             KernelObject process = OpenMember(entry.id);
             if (process && CanBeChildOf(process.Get(), members_[i].process.Get()))
@@ -55,7 +54,7 @@ bool Family::AdoptChildren() {
 }
 
 bool Family::LookForInstaller() {
-    if (members_.size() == 1) AdoptChildren();
+    AdoptChildren();
     return members_.size() > 1;
 }
 
@@ -81,17 +80,16 @@ void Family::Tell(Member& member, UINT exitCode) {
 }
 
 void Family::EndAll(UINT exitCode) {
+    const ULONGLONG end = GetTickCount64() + kPatience;
     AdoptChildren();
     for (Member& member : members_)
         member.wasToldToEnd = IsRunning(member.process.Get());
     if (job_) TerminateJobObject(job_.Get(), exitCode);
     // Without a job, and for those that left it. One that ends may just have started another.
-    int rounds = 0;
     do {
         for (Member& member : members_)
             Tell(member, exitCode);
-    } while (AdoptChildren() && ++rounds < kRounds);
-    const ULONGLONG end = GetTickCount64() + kPatience;
+    } while (AdoptChildren() && GetTickCount64() < end);
     while (AnyRuns() && GetTickCount64() < end)
         Sleep(kBetweenLooks);
 }

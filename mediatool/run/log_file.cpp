@@ -27,7 +27,7 @@ bool IsDevice(const Path& path) {
 }  // namespace
 
 bool IsNoLog(const std::string& log) {
-    return log.empty() || SameName(log, "NUL") || SameName(log, "NUL:");
+    return SameName(log, "NUL") || SameName(log, "NUL:");
 }
 
 void CheckLog(const Path& folder, const Path& launcher, const std::string& log) {

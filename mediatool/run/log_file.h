@@ -6,7 +6,7 @@
 
 namespace launcher::mediatool {
 
-// Whether `log`, what the user gave, asks for none: it is empty, or the device that keeps nothing.
+// Whether `log`, what the user gave, is the device that keeps nothing.
 bool IsNoLog(const std::string& log);
 
 // Throws BadInput when what the user gave is empty, is another device, or is a file of the media in

@@ -1,6 +1,6 @@
 #include "mediatool/run/moment.h"
 
-#include <windows.h>
+#include <algorithm>
 
 namespace launcher::mediatool {
 namespace {
@@ -21,13 +21,12 @@ SYSTEMTIME InLocalTime(Moment moment) {
 
 // With zeros in front.
 std::string Digits(std::uint64_t number, std::size_t count) {
-    std::string digits = std::to_string(number);
-    if (digits.size() < count) digits.insert(0, count - digits.size(), '0');
-    return digits;
+    const std::string digits = std::to_string(number);
+    return std::string(count - std::min(count, digits.size()), '0') + digits;
 }
 
 std::string DateOf(const SYSTEMTIME& time) {
-    return Digits(time.wYear, 4) + "-" + Digits(time.wMonth, 2) + "-" + Digits(time.wDay, 2);
+    return std::to_string(time.wYear) + "-" + Digits(time.wMonth, 2) + "-" + Digits(time.wDay, 2);
 }
 
 std::string ClockOf(const SYSTEMTIME& time) {
@@ -39,18 +38,23 @@ std::string ZoneOf(Moment moment, const SYSTEMTIME& local) {
     constexpr Moment kMinute = 600'000'000;
     FILETIME time{};
     SystemTimeToFileTime(&local, &time);
-    const Moment there = ((Moment{time.dwHighDateTime} << 32) | time.dwLowDateTime) / kMinute;
+    const Moment there = MomentOf(time) / kMinute;
     const Moment here = moment / kMinute;
-    const Moment minutes = there > here ? there - here : here - there;
-    return (there < here ? "-" : "+") + Digits(minutes / 60, 2) + ":" + Digits(minutes % 60, 2);
+    const bool isBehind = there < here;
+    const Moment minutes = isBehind ? here - there : there - here;
+    return (isBehind ? "-" : "+") + Digits(minutes / 60, 2) + ":" + Digits(minutes % 60, 2);
 }
 
 }  // namespace
 
+Moment MomentOf(const FILETIME& time) {
+    return (Moment{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+}
+
 Moment Now() {
     FILETIME time{};
     GetSystemTimeAsFileTime(&time);
-    return (Moment{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+    return MomentOf(time);
 }
 
 std::string ClockText(Moment moment) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <windows.h>
+
 #include <cstdint>
 #include <string>
 
@@ -7,6 +9,7 @@ namespace launcher::mediatool {
 
 // A point in time, in units of 100 nanoseconds, as Windows counts them in UTC.
 using Moment = std::uint64_t;
+Moment MomentOf(const FILETIME& time);
 
 // The present, to the millisecond or so that the system's clock ticks in.
 Moment Now();

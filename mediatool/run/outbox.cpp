@@ -28,10 +28,10 @@ std::size_t FirstPiece(std::string_view text) {
     if (text.size() <= kPiece) return text.size();
     const std::size_t lineEnd = text.rfind('\n', kPiece - 1);
     if (lineEnd != std::string_view::npos) return lineEnd + 1;
-    std::size_t end = kPiece;
-    while (end < text.size() && (text[end] & 0xC0) == 0x80)
-        ++end;
-    return end;
+    const std::string_view rest = text.substr(kPiece);
+    const auto isInCharacter = [](char byte) { return (byte & 0xC0) == 0x80; };
+    return kPiece +
+           static_cast<std::size_t>(std::ranges::find_if_not(rest, isInCharacter) - rest.begin());
 }
 
 }  // namespace

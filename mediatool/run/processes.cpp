@@ -17,7 +17,7 @@ Moment StartOf(HANDLE process) {
     FILETIME start{};
     FILETIME other{};
     GetProcessTimes(process, &start, &other, &other, &other);
-    return (Moment{start.dwHighDateTime} << 32) | start.dwLowDateTime;
+    return MomentOf(start);
 }
 
 // What the query below writes: a text that points behind itself.

@@ -93,7 +93,7 @@ void AddAdvice(Summary& summary, const WatchedRun& run) {
         if (line.origin == Origin::LauncherOutput || line.origin == Origin::LauncherErrors)
             messages.emplace_back(line.at, MessageOf(line.text));
     for (const AnsweredBox& box : run.boxes)
-        if (!box.box.dialog) messages.emplace_back(box.at, box.box.text);
+        messages.emplace_back(box.at, box.box.text);
     std::ranges::stable_sort(messages, {}, &std::pair<Moment, std::string>::first);
     std::set<std::string> told;  // first lines
     for (const auto& [at, message] : messages) {
@@ -122,9 +122,9 @@ std::string MeaningOf(const WatchedRun& run, const RunRequest& request) {
     if (run.endedBy == EndedBy::Failure)
         return MeaningOfAnEnd(run, request, "mediatool failed (" + run.failure + ")");
     const bool waits = WaitsForInstaller(request.arguments);
-    if (run.installer && waits && !AnyBox(run, kCrashed)) return "The installer's own.";
     if (AnyBox(run, kCrashed))
         return "The launcher's, for an installer that crashed; see the installer's own log.";
+    if (run.installer && waits) return "The installer's own.";
     const bool asks = AsksForVolumes(request.arguments);
     const auto refuses = [&](const AnsweredBox& box) {
         return !(waits || asks) || KnownMessage(box.box.text);

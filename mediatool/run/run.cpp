@@ -5,7 +5,6 @@
 
 #include "mediatool/base/interruption.h"
 #include "mediatool/run/command_line.h"
-#include "mediatool/run/processes.h"
 #include "mediatool/run/start.h"
 #include "mediatool/run/streams.h"
 
@@ -167,7 +166,7 @@ class Watch {
 
     void EndAfterFailure() {
         run_.exitCode = static_cast<std::uint32_t>(kOwnMistake);
-        if (IsRunning(family_.Launcher())) family_.EndLauncher(run_.exitCode);
+        family_.EndLauncher(run_.exitCode);
         run_.launcher = family_.SeenLauncher();
     }
 

@@ -29,10 +29,10 @@ struct RunLog::File {
 };
 
 RunLog::RunLog(const std::string& path) : name_(path), file_(std::make_shared<File>()) {
-    file_->handle = FileHandle(
-        CreateFileW(Extended(FullPath(path).Text()).c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
-                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
-                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_WRITE_THROUGH, nullptr));
+    file_->handle =
+        FileHandle(CreateFileW(Extended(FullPath(path).Text()).c_str(),
+                               FILE_APPEND_DATA | SYNCHRONIZE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                               nullptr, OPEN_ALWAYS, FILE_FLAG_WRITE_THROUGH, nullptr));
     if (file_->handle) return;
     const std::string reason = LastErrorText();
     throw BadInput("The log " + Quoted(name_) + " cannot be written: " + reason + ".");

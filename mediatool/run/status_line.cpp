@@ -47,7 +47,7 @@ void StatusLine::Show(std::uint64_t milliseconds, const std::string& message) {
     if (columns == 0) return;
     const std::wstring text = StatusText(milliseconds, message, columns);
     const std::size_t cells = CellsOf(text);
-    const std::size_t blanks = shown_ > cells ? shown_ - cells : 0;
+    const std::size_t blanks = shown_ - std::min(shown_, cells);
     screen_.Error("\r" + ToNarrow(text.c_str()) + std::string(blanks, ' '));
     shown_ = cells;
 }

@@ -66,7 +66,7 @@ void CheckChoice(const Subject& subject, Findings& out) {
 void CheckInstallers(const Subject& subject, Findings& out) {
     if (!IsFolder(subject.Inst())) return;
     for (const FlavourHere& flavour : subject.flavours)
-        if (flavour.hasInstaller) CheckProgram(flavour, out);
+        CheckProgram(flavour, out);
     CheckEachWindows(subject, out);
     CheckChoice(subject, out);
 }

@@ -80,6 +80,13 @@ TEST_F(VolumeQuery, IsMadeByTheEnvironment) {
     EXPECT_FALSE(AsksForVolumes({"-env", "ZEPAdmODTMultiVolumes="}));
 }
 
+// What is asked of the arguments of another program has no effect here.
+TEST_F(VolumeQuery, SetsNoVariable) {
+    EXPECT_TRUE(AsksForVolumes({"-env", "ZEPAdmODTMultiVolumes=1"}));
+    EXPECT_FALSE(WaitsForInstaller({"-env", "ZEPAdmODTMultiVolumes=1"}));
+    EXPECT_EQ(GetEnvVar("ZEPAdmODTMultiVolumes"), "");
+}
+
 TEST_F(VolumeQuery, IsMadeByTheArguments) {
     SetEnvVar("ZEPAdmODTMultiVolumes", "");
     EXPECT_TRUE(AsksForVolumes({"-wait", "-env", "ZEPAdmODTMultiVolumes"}));

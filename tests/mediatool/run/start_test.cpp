@@ -153,12 +153,16 @@ TEST_F(NoStart, IsToldToProgramsToo) {
     ExpectError(Told(media, {"-wait"}, {"--json"}), 126);
 }
 
-// Longer than mediatool's own command line: the launcher's path is full.
+// Longer by one character than Windows takes, and not: mediatool's own command line is shorter, as
+// the launcher's path is full there.
 TEST_F(NoStart, WithMoreArgumentsThanWindowsTakes) {
     const stdfs::path deep = scratch.Dir() / std::string(150, 'd');
     stdfs::create_directories(deep);
-    const std::string argument(32730 - BuiltFile(MEDIATOOL_PROGRAM).string().size(), 'x');
-    ExpectComplaint(RunMediatool({"run", ".", "--", argument}, deep, Variables()), 125,
+    const std::string launcher = "\"" + ToUtf8(deep) + "\\setup.exe\"";
+    const std::string argument(32766 - launcher.size() - std::string(" \"\"").size(), 'x');
+    ExpectComplaint(RunMediatool({"run", ".", "--", argument}, deep, Variables()), 127,
+                    "There is no launcher " + launcher + ".");
+    ExpectComplaint(RunMediatool({"run", ".", "--", argument + "x"}, deep, Variables()), 125,
                     "The launcher's arguments are longer than Windows takes.");
 }
 

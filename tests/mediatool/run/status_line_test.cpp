@@ -26,11 +26,17 @@ TEST(StatusLineText, GivesWideSignsTwoCells) {
     EXPECT_EQ(StatusText(0, "日本語", 14), L"0:00:00  日本");
     EXPECT_EQ(StatusText(0, "日本語", 15), L"0:00:00  日本語");
     EXPECT_EQ(StatusText(0, "Größe", 14), L"0:00:00  Größe");
+    EXPECT_EQ(StatusText(0, "\u10FF\u10FF", 11), L"0:00:00  \u10FF\u10FF");
+    EXPECT_EQ(StatusText(0, "\u1100\u1100", 11), L"0:00:00  \u1100");
 }
 
 TEST(StatusLineText, HasTheFirstLineOnly) {
     EXPECT_EQ(StatusText(0, "one\r\ntwo", 79), L"0:00:00  one");
     EXPECT_EQ(StatusText(0, "\ntwo", 79), L"0:00:00  ");
+}
+
+TEST(StatusLineText, IsFoundSoonInALineOfAMegabyte) {
+    EXPECT_EQ(StatusText(0, std::string(1 << 20, 'x'), 12), L"0:00:00  xxx");
 }
 
 TEST(StatusLineText, MovesNothingOnTheTerminal) {

@@ -29,6 +29,11 @@ class StreamFileTest : public test::IsolatedTest {
         return static_cast<std::size_t>(
             std::distance(stdfs::directory_iterator(folder_.Dir()), stdfs::directory_iterator()));
     }
+    // Of a stream's file.
+    std::wstring Name(int number) const {
+        return (folder_.Dir() / L"mediatool-").wstring() + std::to_wstring(GetCurrentProcessId()) +
+               L"-" + std::to_wstring(number) + L".tmp";
+    }
 
     test::TemporaryFolder folder_;
 };
@@ -65,8 +70,13 @@ TEST_F(StreamFileTest, EndsALineWithoutAnEndAfterAMegabyte) {
     WriteTo(file.Writer(), "\n");
     EXPECT_THAT(file.TakeLines(), ElementsAre("y"));
     // Not within a character.
-    WriteTo(file.Writer(), megabyte.substr(1) + "\u00FC\n");
-    EXPECT_THAT(file.TakeLines(), ElementsAre(megabyte.substr(1) + "\u00FC"));
+    for (const std::string character : {"\u00E9", "\U0001F4BF"}) {
+        WriteTo(file.Writer(), megabyte.substr(1) + character + "\n");
+        EXPECT_THAT(file.TakeLines(), ElementsAre(megabyte.substr(1) + character));
+    }
+    // But none is longer than four bytes.
+    WriteTo(file.Writer(), megabyte + std::string(4, '\x80') + "\n");
+    EXPECT_THAT(file.TakeLines(), ElementsAre(megabyte + "\uFFFD\uFFFD\uFFFD", "\uFFFD"));
 }
 
 TEST_F(StreamFileTest, TakesNoMoreThanTwoMegabytesAtOnce) {
@@ -194,11 +204,40 @@ TEST_F(StreamFileTest, PassesOverNamesThatAreTaken) {
     };
     const test::Hook<decltype(&CreateFileW)> hook("CreateFileW", firstFail);
     const StreamFile file;
-    const std::wstring prefix =
-        (folder_.Dir() / L"mediatool-").wstring() + std::to_wstring(GetCurrentProcessId()) + L"-";
-    EXPECT_THAT(names, ElementsAre(prefix + L"1.tmp", prefix + L"2.tmp", prefix + L"3.tmp",
-                                   prefix + L"3.tmp"))
-        << "the last one to read";
+    EXPECT_THAT(names, ElementsAre(Name(1), Name(2), Name(3), Name(3))) << "the last one to read";
+}
+
+TEST_F(StreamFileTest, LeavesWhatIsThereAsItIs) {
+    test::WriteFile(Name(1), "of another run");
+    {
+        const StreamFile file;
+        EXPECT_EQ(FilesLeft(), 2u);
+    }
+    EXPECT_EQ(test::ReadFile(Name(1)), "of another run");
+}
+
+// Wine has no such attribute.
+TEST_F(StreamFileTest, IsKeptInMemoryWherePossible) {
+    DWORD flags = 0;
+    const test::Hook<decltype(&CreateFileW)> hook(
+        "CreateFileW", [&flags](auto real, LPCWSTR name, DWORD access, DWORD share, auto* security,
+                                DWORD disposition, DWORD asked, HANDLE model) {
+            flags |= asked;
+            return real(name, access, share, security, disposition, asked, model);
+        });
+    const StreamFile file;
+    EXPECT_NE(flags & FILE_ATTRIBUTE_TEMPORARY, 0u);
+}
+
+TEST_F(StreamFileTest, IsGivenUpAfterAThousandNamesInEachFolder) {
+    int asked = 0;
+    const test::Hook<decltype(&CreateFileW)> hook("CreateFileW", [&asked](auto&&...) {
+        ++asked;
+        SetLastError(ERROR_FILE_EXISTS);
+        return INVALID_HANDLE_VALUE;
+    });
+    EXPECT_THROW(StreamFile(), std::runtime_error);
+    EXPECT_EQ(asked, 2000);
 }
 
 }  // namespace

@@ -33,6 +33,8 @@ TEST_F(Streams, OfTheInstallerAreKeptApart) {
     EXPECT_THAT(outcome.Lines("output"),
                 ElementsAre(" INFO: " + OsTrace(), StartsWith(" INFO: Installer found")));
     EXPECT_THAT(outcome.Lines("errors"), IsEmpty());
+    EXPECT_EQ(outcome.report["bytesLeftOut"], 0);
+    EXPECT_EQ(outcome.run.errors, "");
 }
 
 TEST_F(Streams, OfAnInstallerThatWasSeenAreItsOwnWhateverTheySay) {
@@ -48,8 +50,10 @@ TEST_F(Streams, OfAnInstallerThatWasSeenAreItsOwnWhateverTheySay) {
 }
 
 TEST_F(Streams, GiveTheLastLineOfAnInstallerThatHasEnded) {
-    const WatchedOutcome outcome = Watched(ActingMedia("print one|piece two"), {"-wait"});
+    const Media media = ActingMedia("print one|piece two|mutter three");
+    const WatchedOutcome outcome = Watched(media, {"-wait"});
     EXPECT_THAT(outcome.Lines("installer-output"), ElementsAre("one", "two"));
+    EXPECT_THAT(outcome.Lines("installer-errors"), ElementsAre("three"));
 }
 
 TEST_F(Streams, GiveNoHalfLineOfAnInstallerThatGoesOn) {

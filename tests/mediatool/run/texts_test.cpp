@@ -99,6 +99,7 @@ TEST(MomentText, OfZonesOnBothSidesOfUtc) {
     for (const auto& [minutes, text] : {std::pair(330, "2027-07-10 01:39:08 +05:30"),
                                         std::pair(-210, "2027-07-09 16:39:08 -03:30"),
                                         std::pair(-720, "2027-07-09 08:09:08 -12:00"),
+                                        std::pair(59, "2027-07-09 21:08:08 +00:59"),
                                         std::pair(0, "2027-07-09 20:09:08 +00:00")}) {
         const auto zone = Zone(minutes);
         EXPECT_EQ(DateAndClockText(kMoment), text);
@@ -106,8 +107,32 @@ TEST(MomentText, OfZonesOnBothSidesOfUtc) {
     }
 }
 
+// Down to parts of a second.
+TEST(MomentText, OfAZoneIsTheSameAtEveryMoment) {
+    const auto zone = Zone(0);
+    for (const Moment moment : {Moment{600'000'001}, Moment{599'999'999}})
+        EXPECT_THAT(DateAndClockText(moment * 224'000'001), testing::EndsWith(" +00:00"));
+}
+
+TEST(MomentText, OfNowIsThatOfTheSystemsClock) {
+    SYSTEMTIME before{};
+    SYSTEMTIME after{};
+    GetSystemTime(&before);
+    const std::string text = UtcText(Now());
+    GetSystemTime(&after);
+    const auto inText = [](const SYSTEMTIME& time) {
+        FILETIME file{};
+        SystemTimeToFileTime(&time, &file);
+        return UtcText(MomentOf(file));
+    };
+    EXPECT_GE(text, inText(before));
+    EXPECT_LE(text, inText(after));
+    EXPECT_EQ(std::stoi(text), before.wYear);
+}
+
 TEST(MomentText, OfALengthHasHoursInFront) {
     EXPECT_EQ(LengthText(999), "0:00:00");
+    EXPECT_EQ(LengthText(3'599'999), "0:59:59");
     EXPECT_EQ(LengthText(3'899'000), "1:04:59");
     EXPECT_EQ(LengthText(360'000'000), "100:00:00");
 }
@@ -181,13 +206,14 @@ TEST(Meaning, OfTheNumberOfVolumes) {
     request.arguments = {"-env", "ZEPAdmODTMultiVolumes=1"};
     const std::string number =
         "The number of volumes, which ZEPAdmODTMultiVolumes asks for; nothing was started.";
-    for (const std::uint32_t count : {0u, 1u, 3u})
+    for (const std::uint32_t count : {0u, 1u, 3u, 0x7FFFFFFFu})
         EXPECT_EQ(MeaningOf(RunWith(count, false), request), number);
     request.arguments.emplace_back("-wait");
     EXPECT_EQ(MeaningOf(RunWith(3, false), request), number);
     EXPECT_EQ(MeaningOf(RunWith(1, false, kRefusal), request),
               "The launcher refuses; the message says why.");
-    EXPECT_THAT(MeaningOf(RunWith(0xC0000005, false), request), testing::EndsWith("launcher's."));
+    for (const std::uint32_t code : {0x80000000, 0xC0000005})
+        EXPECT_THAT(MeaningOf(RunWith(code, false), request), testing::EndsWith("launcher's."));
 }
 
 TEST(Meaning, OfAnEndNamesTheInstaller) {
@@ -296,6 +322,13 @@ TEST(ControlsShownInText, LeavesOtherCharacters) {
     EXPECT_EQ(ControlsShown("\tb\r\xC2\x9B\u202E\uFEFF", "\t"), "\tb\\x0D\\x9B\u202E\uFEFF");
 }
 
+TEST(Summary, ShowsACodeThatIsNotLargeAsItIs) {
+    EXPECT_EQ(TextOf(RunWith(0x7FFFFFFF, false), {}, false),
+              "Exit code\n"
+              "  2147483647: The launcher's; not one that it has of its own.\n"
+              "Time\n  0:00:00\n");
+}
+
 TEST(Summary, ShowsALargeCodeAsPeopleKnowItToo) {
     EXPECT_EQ(TextOf(RunWith(0xC0000005, false), {}, false),
               "Exit code\n"
@@ -321,18 +354,28 @@ TEST(Summary, HasAllOfIt) {
               "  1:01:01\n");
 }
 
+// And gives no advice on what nobody knows.
 TEST(Summary, ShowsABoxOfSeveralLinesAsOne) {
     const WatchedRun run = RunWith(1, false, "First\r\nsecond\x1B\r\n");
-    EXPECT_THAT(TextOf(run, {}, false), testing::HasSubstr("waited\n  First\n    second\\x1B\n"));
+    EXPECT_EQ(TextOf(run, {}, false),
+              "Boxes, each of which would have waited\n"
+              "  First\n    second\\x1B\n"
+              "Exit code\n  1: The launcher refuses; the message says why.\nTime\n  0:00:00\n");
 }
 
 TEST(Summary, GivesRemediesInTheOrderOfTheMessages) {
     WatchedRun run = RunWith(1, false, "Bad -env argument");
+    run.lines = {{" WARN: Bad -installerPath argument", Origin::LauncherOutput, 3},
+                 {"ERROR: -List must be used with the -SoftMgt flag.", Origin::LauncherErrors, 1}};
     run.boxes.back().at = 2;
-    run.lines.push_back({" WARN: Bad -installerPath argument", Origin::LauncherOutput, 1});
-    const std::string text = TextOf(run, {}, false);
-    EXPECT_LT(text.find("  Bad -installerPath argument\n    "),
-              text.rfind("  Bad -env argument\n    "));
+    EXPECT_EQ(TextOf(run, {}, false),
+              "Boxes, each of which would have waited\n"
+              "  Bad -env argument\n"
+              "What to do\n"
+              "  -List must be used with the -SoftMgt flag.\n    add -SoftMgt\n"
+              "  Bad -env argument\n    give it its value\n"
+              "  Bad -installerPath argument\n    give it its value\n"
+              "Exit code\n  1: The launcher refuses; the message says why.\nTime\n  0:00:00\n");
 }
 
 TEST(Summary, NamesEachRemedyOnce) {

@@ -49,6 +49,8 @@ void Autorun(Media& media, std::string_view text) {
 const Border kOfPrograms[] = {
     {"AutorunOfAnotherSection", Layout::NotSplit,
      [](Media& m) { Autorun(m, "[autorun]\r\n[other]\r\nopen=menu.exe\r\n"); }},
+    {"AutorunBeforeAnySection", Layout::NotSplit,
+     [](Media& m) { Autorun(m, "open=menu.exe\r\n[autorun]\r\n"); }},
     {"AutorunInCapitals", Layout::NotSplit,
      [](Media& m) { Autorun(m, " [AUTORUN]\r\n OPEN = menu.exe\r\n"); }, "autorun-other-program"},
     {"AutorunOfAnotherKey", Layout::NotSplit,
@@ -91,6 +93,17 @@ const Border kOfPrograms[] = {
     {"InstallerInAnyOtherFolder", Layout::NotSplit,
      [](Media& m) { m.Rename("inst/win_b64/code", "inst/data").Remove("inst/win_b64"); },
      "installer-misplaced installer-on-other-media"},
+    {"InstallerOutsideWithoutInst", Layout::NotSplit,
+     [](Media& m) { m.Remove("inst").Write("ZEPInsAppliGUI.exe", ProgramBytes(kX64)); },
+     "inst-missing -not-for-32-bit-windows"},
+    {"InstallersInTwoWrongPlaces", Layout::NotSplit,
+     [](Media& m) {
+         m.Remove(kInstaller);
+         for (const char* folder : {"a", "b"})
+             m.Write("inst/win_b64/" + std::string(folder) + "/ZEPInsAppliGUI.exe",
+                     ProgramBytes(kX64));
+     },
+     "installer-misplaced installer-on-other-media"},
     {"InstallersBesideTheRightOne", Layout::NotSplit,
      [](Media& m) {
          for (const char* name : {"inst/", "", "bin/", "code/bin/", "inst/data/", "1/"})
@@ -129,6 +142,8 @@ const Border kOfTexts[] = {
     {"CountNegativeAndTooLong", Layout::Siblings,
      [](Media& m) { m.Write(kCount, "-30000000000\r\n"); }, "count-file-out-of-range"},
     {"CountOfASign", Layout::Siblings, [](Media& m) { m.Write(kCount, "+x\r\n"); },
+     "count-file-not-a-number"},
+    {"CountOfALetterAndADigit", Layout::Siblings, [](Media& m) { m.Write(kCount, "x3\r\n"); },
      "count-file-not-a-number"},
     {"CountBehindABlank", Layout::Siblings, [](Media& m) { m.Write(kCount, " 3\r\n"); },
      "count-file-blanks"},

@@ -7,8 +7,10 @@
 #include "fs/encoding.h"
 #include "fs/owners.h"
 #include "mediatool/create/checksum.h"
+#include "mediatool/media/checksums.h"
 #include "tests/mediatool/validate/mistake_row.h"
 #include "tests/support/hook.h"
+#include "tests/support/links.h"
 
 namespace launcher::test {
 namespace {
@@ -110,15 +112,15 @@ TEST_F(ListedSet, KnowsAFileInOtherCapitals) {
 }
 
 TEST_F(ListedSet, TellsOfThousandsInAFewLines) {
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 7; ++i)
         media.Write("data/" + std::to_string(i) + ".bin", "x");
     WriteLists();
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 7; ++i)
         media.Write("data/" + std::to_string(i) + ".bin", "y");
     const std::string found = Found();
     EXPECT_EQ(std::ranges::count(found, '\n'), 6) << found;
     EXPECT_EQ(validation.findings.Sorted()[5].what,
-              "3 more files are not those of the list of checksums.");
+              "2 more files are not those of the list of checksums.");
     ExpectListed(validation, Layout::Siblings);
 }
 
@@ -221,6 +223,33 @@ TEST_F(ListedSet, HasFoldersThatChangedPlacesUnderTheirMarkers) {
     EXPECT_EQ(
         WhatOfTheFirst(),
         "The list of checksums names 3.txt and fits the files here, but the marker is 2.txt.");
+    EXPECT_EQ(validation.verified.files, validation.verified.allFiles) << "each is read once";
+}
+
+// Which of the two is the folder's own nobody can tell.
+TEST_F(ListedSet, HasADamagedMarkerBesideAnother) {
+    media.Write("../2/2.txt", "MTBDIR=SET\r\nchanged\r\n").Marker("../2/3.txt");
+    EXPECT_EQ(Found(), Error("checksum-differs", "..\\2\\2.txt") +
+                           Warning("checksum-file-unlisted", "..\\2\\3.txt"));
+}
+
+TEST_F(ListedSet, HasADamagedFileBesideAVolumeWithTheSameNames) {
+    media.Remove("../2/data").Remove("../3/data");
+    WriteLists();
+    media.Write("../2/content.bin", "damaged");
+    EXPECT_EQ(Found(), Error("checksum-differs", "..\\2\\content.bin"));
+}
+
+// Other programs list what is below a link.
+TEST_F(ListedSet, KnowsAFileBelowALink) {
+    media.Write("../../target/x.bin", "x");
+    const FolderLink link(FromUtf8(media.Text("linked")), FromUtf8(media.Text("../../target")));
+    const std::string hash = mediatool::ChecksumOf(Path(media.Text("../../target/x.bin")), {});
+    const std::string list = ReadFile(FromUtf8(media.Text("SHA256SUMS")));
+    media.Write("SHA256SUMS", list + mediatool::ChecksumLine(hash, "linked/x.bin"));
+    EXPECT_EQ(Found(), "");
+    media.Write("../../target/x.bin", "y");
+    EXPECT_EQ(Found(), Error("checksum-differs", "linked\\x.bin"));
 }
 
 TEST_F(ListedSet, HasListsThatChangedPlaces) {
@@ -265,6 +294,18 @@ TEST_F(ListedSet, HasAFolderThatCannotBeListed) {
     EXPECT_EQ(Found(), "");
     EXPECT_TRUE(Has(validation, "folder-unreadable"));
     ExpectListed(validation, Layout::Siblings);
+}
+
+TEST(FolderWithoutAList, NeedNotBeRead) {
+    SampleMedia media;
+    media.MakeDir("data");
+    const Hook<decltype(&FindFirstFileW)> denied(
+        "FindFirstFileW", [](auto real, LPCWSTR pattern, auto data) -> HANDLE {
+            if (!std::wstring(pattern).ends_with(L"\\1\\data\\*")) return real(pattern, data);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        });
+    EXPECT_EQ(Changes(media.Validate()), "");
 }
 
 TEST(OneListedFolder, HasOneListForAllVolumes) {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "mediatool/media/program_file.h"
 #include "tests/mediatool/validate/mistake_row.h"
 #include "tests/support/wine.h"
 
@@ -71,6 +72,21 @@ TEST(LauncherOfAnotherVersion, IsToldWithBoth) {
     EXPECT_EQ(found->file, media.Text("setup.exe"));
     EXPECT_EQ(found->what, "setup.exe is version " + kOtherVersion + " of the launcher.");
     EXPECT_EQ(found->why, "These findings apply to version " LAUNCHER_VERSION ".");
+}
+
+TEST(AnotherProgramInTheLaunchersPlace, IsToldByItsName) {
+    std::string name;  // in UTF-16
+    for (const char c : std::string(mediatool::kLauncherProduct))
+        name += {c, '\0'};
+    std::string bytes = LauncherBytes();
+    for (std::size_t at = 0; (at = bytes.find(name, at)) != std::string::npos;)
+        bytes[at] = '9';
+    SampleMedia media;
+    const Validation validation = media.Write("setup.exe", bytes).Validate();
+    EXPECT_EQ(Changes(validation), "launcher-not-this-one");
+    const std::vector<Finding> findings = validation.findings.Sorted();
+    EXPECT_EQ(findings.front().what,
+              "setup.exe is not this launcher but \"9nstallation media launcher\".");
 }
 
 }  // namespace

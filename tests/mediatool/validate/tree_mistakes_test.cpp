@@ -187,28 +187,37 @@ TEST(TreeMistakes, ALinkThatLeadsNowhere) {
     ExpectWhole(media.Validate(), "link-broken", Level::Error);
 }
 
-TEST(PlaceMistakes, ALauncherWhosePathIsCut) {
+// The launcher, empty and with an empty inst beside it, at a path of this length.
+Validation WithALauncherAt(std::size_t length) {
     const TemporaryFolder folder;
+    const std::string parent = folder.Text() + "\\" + std::string(120, 'm');
+    const std::string name = "\\setup.exe";
     const std::string media =
-        folder.Text() + "\\" + std::string(120, 'm') + "\\" + std::string(120, 'n');
-    CreateDirectoryW(mediatool::Extended(folder.Text() + "\\" + std::string(120, 'm')).c_str(),
-                     nullptr);
+        parent + "\\" + std::string(length - parent.size() - 1 - name.size(), 'n');
+    CreateDirectoryW(mediatool::Extended(parent).c_str(), nullptr);
     CreateDirectoryW(mediatool::Extended(media).c_str(), nullptr);
-    ASSERT_TRUE(WriteRaw(media + "\\setup.exe"));
+    EXPECT_TRUE(WriteRaw(media + name));
     CreateDirectoryW(mediatool::Extended(media + "\\inst").c_str(), nullptr);
     mediatool::ValidateRequest request;
     request.folders = {media};
     const Validation validation = mediatool::Validate(request);
-    RemoveRaw(media + "\\setup.exe");
+    RemoveRaw(media + name);
     RemoveDirectoryW(mediatool::Extended(media + "\\inst").c_str());
     RemoveDirectoryW(mediatool::Extended(media).c_str());
-    ExpectFound(validation, "launcher-path-cut", Level::Error,
-                "launcher-empty not-for-windows root-entry-missing -launcher-not-signed "
-                "-not-for-32-bit-windows");
+    return validation;
+}
+
+TEST(PlaceMistakes, ALauncherWhosePathIsCut) {
+    const std::string others =
+        "launcher-empty not-for-windows root-entry-missing -launcher-not-signed "
+        "-not-for-32-bit-windows";
+    const Validation validation = WithALauncherAt(260);
+    ExpectFound(validation, "launcher-path-cut", Level::Error, others);
     const std::vector<Finding> findings = validation.findings.Sorted();
     const auto found = std::ranges::find(findings, "launcher-path-cut", &Finding::id);
-    EXPECT_EQ(found->what, "The path of setup.exe has " + std::to_string(media.size() + 10) +
-                               " characters; the launcher reads its own up to 259.");
+    EXPECT_EQ(found->what,
+              "The path of setup.exe has 260 characters; the launcher reads its own up to 259.");
+    EXPECT_EQ(Changes(WithALauncherAt(259)), others);
 }
 
 TEST(PlaceMistakes, AnInstallerWhosePathIsTooLong) {
@@ -394,6 +403,24 @@ TEST(LockedFiles, AnInstaller) {
     const Validation validation = media.Validate();
     ExpectWhole(validation, "installer-unreadable", Level::Error);
     EXPECT_FALSE(Has(validation, "file-unreadable"));
+}
+
+// It can be opened, as on a damaged disc.
+TEST(UnreadableFiles, AnInstaller) {
+    constexpr LONGLONG kSize = 1000;
+    SampleMedia media;
+    std::string program = ProgramBytes(kX64);
+    program.resize(kSize);
+    media.Write(kExe, program);
+    const Hook<decltype(&::ReadFile)> broken(
+        "ReadFile", [](auto real, HANDLE file, LPVOID data, DWORD size, auto... rest) {
+            LARGE_INTEGER length{};
+            GetFileSizeEx(file, &length);
+            if (length.QuadPart != kSize || size == 0) return real(file, data, size, rest...);
+            SetLastError(ERROR_CRC);
+            return FALSE;
+        });
+    ExpectFound(media.Validate(), "installer-unreadable", Level::Error);
 }
 
 TEST(LockedFiles, AnyFileBelowInst) {

@@ -4,6 +4,7 @@
 //   print TEXT      a line on the standard output, when there is one
 //   complain TEXT   a line on the standard error stream
 //   piece TEXT      on the standard output, without a line end
+//   mutter TEXT     on the standard error stream, without a line end
 //   lines COUNT     lines of 100 bytes, together with their ends, on the standard output
 //   box TEXT        a message box with the launcher's caption, which the program does not wait for
 //   child ACTS      starts this program again, to do one thing: "," stands for its "|"
@@ -79,6 +80,7 @@ void Act(const std::wstring& verb, const std::wstring& value) {
     if (verb == L"print") Write(STD_OUTPUT_HANDLE, text + "\r\n");
     if (verb == L"complain") Write(STD_ERROR_HANDLE, text + "\r\n");
     if (verb == L"piece") Write(STD_OUTPUT_HANDLE, text);
+    if (verb == L"mutter") Write(STD_ERROR_HANDLE, text);
     if (verb == L"lines") WriteLines(std::atoi(text.c_str()));
     if (verb == L"box")
         CreateThread(nullptr, 0, &ShowOwnBox, (new std::wstring(value))->data(), 0, nullptr);
