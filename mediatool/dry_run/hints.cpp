@@ -65,7 +65,7 @@ void AddRoom(std::vector<std::string>& hints, const DryRun& run, const Path& med
 
 void AddTemp(std::vector<std::string>& hints, const DryRun& run, const Path& media) {
     if (run.journal.copy.contents.empty()) return;
-    // Letters outside ASCII alone take more bytes than Windows counts characters.
+    // Only letters outside ASCII take more bytes than Windows counts characters.
     if (WideLength(run.temp) != run.temp.size())
         hints.emplace_back(
             "remove.bat cannot name the temporary folder, whose path holds letters outside ASCII: "

@@ -54,7 +54,7 @@ bool Family::AdoptChildren() {
 }
 
 bool Family::LookForInstaller() {
-    AdoptChildren();
+    if (members_.size() == 1) AdoptChildren();
     return members_.size() > 1;
 }
 

@@ -28,7 +28,7 @@ std::uint64_t TimeLimitOf(const std::string& text) {
     const auto [rest, error] = std::from_chars(text.data(), end, number);
     const auto unit = SecondsIn({rest, static_cast<std::size_t>(end - rest)});
     const bool isHuge = error == std::errc::result_out_of_range;
-    if (!unit || (number == 0 && !isHuge))  // 0 as well where there is none
+    if (!unit || (number == 0 && !isHuge))  // 0 too when there is no number
         throw BadInput("--time-limit takes a time such as 90m, 2h or 45s, not " + Quoted(text) +
                        ".");
     if (isHuge || number > kYear / *unit)

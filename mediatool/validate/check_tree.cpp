@@ -156,7 +156,7 @@ void CheckTree(const Subject& subject, Findings& out) {
     Tree tree(subject, out);
     tree.CheckRoot();
     if (IsFolder(subject.Inst())) tree.Check(subject.Inst());
-    // Only characters of ASCII are as many in UTF-8.
+    // Only ASCII has as many bytes in UTF-8 as characters.
     if (WideLength(subject.temp) != subject.temp.size())
         out.Add("temp-outside-oem-code-page", subject.temp);
 }

@@ -48,7 +48,7 @@ void CheckGivenVolumes(const DiscSet& set, const std::vector<Path>& given, Findi
 // numbers.
 std::map<VolumeNumber, Path> LostVolumes(const DiscSet& set, const std::vector<Path>& given);
 
-// Archives in `parent` by the number that they have for a name, or at its end: "2.zip"; 0 without.
+// Archives in `parent` by the number that they have for a name, or at its end: "2.zip"; 0 for none.
 std::map<VolumeNumber, Path> PackedVolumes(const Path& parent);
 
 // The volumes from one number to another that are neither there nor reported for another reason.

@@ -15,11 +15,11 @@ class Search {
   public:
     explicit Search(const DiscSet& set) : set_(set), parent_(ParentOfVolumes(set.first)) {}
 
-    // By the markers in the folder, whatever it is called; but one beside volume 1 that is called
-    // by its marker is at its place.
+    // By the markers in the folder, whatever it is called; but a numbered one beside volume 1 that
+    // holds its own marker is at its place.
     void TakeFolder(const Path& folder) {
-        const bool isBeside = SameName(Parent(folder), parent_);
-        if (isBeside && Look(Join(folder, FileName(folder) + kVolumeMarkerSuffix))) return;
+        const Path own = Join(folder, FileName(folder) + kVolumeMarkerSuffix);
+        if (SameName(Parent(folder), parent_) && NumberIn(own) > 0 && Look(own)) return;
         for (const Path& marker : NumberedMarkers(folder))
             Take(marker);
     }

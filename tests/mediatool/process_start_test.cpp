@@ -103,6 +103,17 @@ TEST_F(ProcessStartTest, LooksInTheFoldersOfTheSearchAlone) {
         EXPECT_EQ(Start(name), name);
 }
 
+// Which lies beside mediatool here, not beside the launcher.
+TEST_F(ProcessStartTest, DoesNotLookBesideMediatool) {
+    wchar_t own[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, own, MAX_PATH);
+    const std::string name = FileName(Path(ToNarrow(own)));
+    for (const char* path : {"", ";", "C:\\;", ";;C:\\"}) {
+        SetEnvVar("PATH", path);
+        EXPECT_EQ(Start(name), "2") << path;
+    }
+}
+
 TEST_F(ProcessStartTest, LooksInTheFoldersOfWindows) {
     const TemporaryFolder windows;
     Program(windows, "old.exe");

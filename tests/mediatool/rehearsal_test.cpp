@@ -99,6 +99,18 @@ TEST_F(RehearsedMachineTest, AnswersAsItIsPretended) {
     EXPECT_FALSE(HasRequiredWebLibrary());
 }
 
+// On a share, each question costs as much as the reading.
+TEST(Marker, IsReadWithoutAQuestionWhereNobodyWritesItDown) {
+    const test::TemporaryFolder folder;
+    const std::string file = folder.Write("1.txt", "MTBDIR=SET\r\n");
+    const test::Hook<decltype(&GetFileAttributesW)> question("GetFileAttributesW",
+                                                             [](auto real, LPCWSTR name) {
+                                                                 ADD_FAILURE() << "asked";
+                                                                 return real(name);
+                                                             });
+    EXPECT_EQ(ReadMtbDir(file), "SET");
+}
+
 TEST_F(RehearsedMachineTest, WritesDownWhatWasLookedFor) {
     const test::TemporaryFolder folder;
     const std::string file = folder.Write("1.txt", "MTBDIR=SET\r\n");

@@ -67,10 +67,10 @@ bool PathExists(const std::string& path) {
     return found;
 }
 
-// A volume's marker, which the launcher opens without a question whether it is there: for the
-// journal.
+// The launcher opens a volume's marker without asking whether it is there; the journal has the
+// answer all the same.
 std::string ReadMtbDir(const std::string& path) {
-    PathExists(path);
+    if (mediatool::CurrentRehearsal() != nullptr) PathExists(path);
     std::string id = MtbDirInFile(path);
     mediatool::WriteDownMarker(path, id);
     return id;

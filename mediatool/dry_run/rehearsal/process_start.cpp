@@ -40,7 +40,7 @@ std::vector<std::wstring> SearchFolders() {
     std::size_t start = 0;
     for (std::size_t end = path.find(L';'); end != std::wstring::npos;
          start = end + 1, end = path.find(L';', start))
-        folders.push_back(path.substr(start, end - start));  // an empty one is none, or "." again
+        if (end > start) folders.push_back(path.substr(start, end - start));
     return folders;
 }
 
@@ -85,7 +85,7 @@ Path FoundIn(const std::wstring& folder, const std::wstring& name) {
     wchar_t found[MAX_PATH] = {};
     const DWORD length =
         SearchPathW(folder.c_str(), name.c_str(), L".exe", MAX_PATH, found, nullptr);
-    return length < MAX_PATH ? Path(ToNarrow(found)) : Path();
+    return length > 0 && length < MAX_PATH ? Path(ToNarrow(found)) : Path();
 }
 
 // A folder of that name is no program, but ends the search.

@@ -113,6 +113,14 @@ TEST_F(FamilyTest, KnowsTheInstallerOnceItIsThere) {
     ASSERT_TRUE(family.Installer());
     EXPECT_NE(family.Installer()->processId, family.LauncherId());
     EXPECT_TRUE(family.Installer()->stillRunning);
+    {
+        const test::Hook<decltype(&CreateToolhelp32Snapshot)> again(
+            "CreateToolhelp32Snapshot", [](auto real, auto... given) {
+                ADD_FAILURE() << "looked for again";
+                return real(given...);
+            });
+        EXPECT_TRUE(family.LookForInstaller());
+    }
     event_.Set();
     EXPECT_TRUE(test::NoneRunsBelow(folder_.Dir()));
     EXPECT_FALSE(family.Installer()->stillRunning);

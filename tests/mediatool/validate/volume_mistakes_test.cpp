@@ -333,6 +333,7 @@ TEST(GivenFolders, OneWithASecondMarker) {
 TEST(GivenFolders, BesideVolumeOneUnderOtherNames) {
     SampleMedia media(Layout::Siblings);
     media.Rename("../2", "../Disc 2").Rename("../3", "../Disc 3");
+    media.Write("../Disc 2/Disc 2.txt", "named by its folder, and no marker");
     const Validation validation = media.Validate({"../Disc 2", "../Disc 3"});
     EXPECT_EQ(Changes(validation, Layout::Siblings), "volume-folder-named-otherwise")
         << Ids(validation);
