@@ -17,11 +17,11 @@ namespace {
 
 // Of any of the records in which Windows tells of a file.
 template <class Data>
-Entry EntryFrom(std::string name, const Data& data) {
+Entry EntryFrom(const std::string& name, const Data& data) {
     const auto joined = [](DWORD high, DWORD low) { return (std::uint64_t{high} << 32) | low; };
     const bool isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     return {
-        .name = std::move(name),
+        .name = name,
         .isFolder = isFolder,
         .isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0,
         .size = isFolder ? 0 : joined(data.nFileSizeHigh, data.nFileSizeLow),
