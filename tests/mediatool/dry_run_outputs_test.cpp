@@ -10,7 +10,7 @@
 #include "launcher/base/message.h"
 #include "mediatool/dry_run/dry_run.h"
 #include "tests/mediatool/seen_volumes.h"
-#include "tests/support/hook.h"
+#include "tests/mediatool/support/coloured_terminal.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -273,33 +273,25 @@ TEST(OutputOfDryRun, OfARunWithOneOfEach) {
 TEST(OutputOfDryRunDeathTest, IsInColours) {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
     const auto check = [] {
-        SetEnvironmentVariableW(L"NO_COLOR", nullptr);
-        const test::Hook<decltype(&GetConsoleMode)> terminal("GetConsoleMode",
-                                                             [](auto&&...) { return TRUE; });
-        const test::Hook<decltype(&SetConsoleMode)> colours("SetConsoleMode",
-                                                            [](auto&&...) { return TRUE; });
-        const std::string bold = "\x1b[1m";
-        const std::string red = "\x1b[1;31m";
-        const std::string yellow = "\x1b[33m";
-        const std::string green = "\x1b[32m";
-        const std::string plain = "\x1b[0m";
+        using namespace test::colours;
+        const test::ColouredTerminal terminal;
         DryRun run = Rehearsed();
         run.installer->fault = "it is cut off";
         const std::string text = TextOf(run, false);
         bool isRight = true;
         for (const std::string& line :
-             {yellow + "Waits in a box." + plain, bold + "M:\\setup.exe -wait \"a b\"" + plain,
-              "  " + yellow + "It is older." + plain + " It may do something else than this:",
-              "  " + yellow + "A hint." + plain, bold + "Looked for" + plain,
-              "  " + green + "found    " + plain + "M:\\a", std::string("  missing  M:\\b"),
-              "  " + red + "Windows cannot start it: it is cut off." + plain,
-              "  " + red + "1,000,000 bytes are free there: too few" + plain,
-              "  " + yellow + "box      " + plain + "First"})
+             {kYellow + "Waits in a box." + kPlain, kBold + "M:\\setup.exe -wait \"a b\"" + kPlain,
+              "  " + kYellow + "It is older." + kPlain + " It may do something else than this:",
+              "  " + kYellow + "A hint." + kPlain, kBold + "Looked for" + kPlain,
+              "  " + kGreen + "found    " + kPlain + "M:\\a", std::string("  missing  M:\\b"),
+              "  " + kRed + "Windows cannot start it: it is cut off." + kPlain,
+              "  " + kRed + "1,000,000 bytes are free there: too few" + kPlain,
+              "  " + kYellow + "box      " + kPlain + "First"})
             isRight = isRight && ("\n" + text).find("\n" + line + "\n") != std::string::npos;
         run.verdict = Verdict::Starts;
-        isRight = isRight && TextOf(run, false).starts_with(green + "Waits");
+        isRight = isRight && TextOf(run, false).starts_with(kGreen + "Waits");
         run.verdict = Verdict::Refused;
-        isRight = isRight && TextOf(run, false).starts_with(red + "Waits");
+        isRight = isRight && TextOf(run, false).starts_with(kRed + "Waits");
         std::exit(isRight ? 0 : 1);
     };
     EXPECT_EXIT(check(), testing::ExitedWithCode(0), "");

@@ -11,7 +11,7 @@
 #include "mediatool/create/create.h"
 #include "mediatool/validate/validate.h"
 #include "tests/mediatool/seen_volumes.h"
-#include "tests/support/hook.h"
+#include "tests/mediatool/support/coloured_terminal.h"
 
 namespace launcher::mediatool {
 namespace {
@@ -55,27 +55,21 @@ TEST(OutputOfValidate, ForPeople) {
 TEST(OutputOfValidateDeathTest, IsInColours) {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
     const auto check = [] {
-        SetEnvironmentVariableW(L"NO_COLOR", nullptr);
-        const test::Hook<decltype(&GetConsoleMode)> terminal("GetConsoleMode",
-                                                             [](auto&&...) { return TRUE; });
-        const test::Hook<decltype(&SetConsoleMode)> colours("SetConsoleMode",
-                                                            [](auto&&...) { return TRUE; });
-        const std::string bold = "\x1b[1m";
-        const std::string red = "\x1b[1;31m";
-        const std::string yellow = "\x1b[33m";
-        const std::string cyan = "\x1b[36m";
-        const std::string plain = "\x1b[0m";
+        using namespace test::colours;
+        const test::ColouredTerminal terminal;
         const std::string text = TextOf(Validated()) + TextOf(Validation());
         bool isRight = true;
         for (const std::string& part :
-             {bold + "M:\\1" + plain + "\n",
-              "\n  " + red + "error" + plain + "    " + bold + "volume-id-empty" + plain + "\n",
-              "\n           \x1b[2mN:\\2\\2.txt" + plain + "\n",
-              "\n  " + yellow + "warning" + plain + "  " + bold + "volume-id-leading-blank" + plain,
-              "\n  " + cyan + "note" + plain + "     " + bold + "launcher-64-bit-only" + plain +
+             {kBold + "M:\\1" + kPlain + "\n",
+              "\n  " + kRed + "error" + kPlain + "    " + kBold + "volume-id-empty" + kPlain + "\n",
+              "\n           " + kFaint + "N:\\2\\2.txt" + kPlain + "\n",
+              "\n  " + kYellow + "warning" + kPlain + "  " + kBold + "volume-id-leading-blank" +
+                  kPlain,
+              "\n  " + kCyan + "note" + kPlain + "     " + kBold + "launcher-64-bit-only" + kPlain +
                   ": ",
-              "\n" + red + "1 error" + plain + ", " + yellow + "1 warning" + plain + ", 1 note\n",
-              "\n\x1b[32mclean" + plain + "\n"})
+              "\n" + kRed + "1 error" + kPlain + ", " + kYellow + "1 warning" + kPlain +
+                  ", 1 note\n",
+              "\n" + kGreen + "clean" + kPlain + "\n"})
             isRight = isRight && text.find(part) != std::string::npos;
         std::exit(isRight ? 0 : 1);
     };

@@ -115,7 +115,7 @@ TEST_F(CrashReport, IsKnownByTheCommandLineThatTheSystemTells) {
     stdfs::copy_file(folder_.Dir() / "WerFault.exe", folder_.Dir() / "Other.exe");
     const std::string number = std::to_string(GetCurrentProcessId());
     const Member others[] = {Start(About(GetCurrentProcessId() + 1)),
-                             Start("-u -p " + number + "0"), Start("-up " + number),
+                             Start("-u -p " + number + "0"), Start("--p " + number),
                              Start(About(GetCurrentProcessId()), "Other.exe")};
     const Member own = Start(About(GetCurrentProcessId()));
     const Member atTheEnd = Start("-u -p " + number);

@@ -343,6 +343,7 @@ TEST_F(ReporterTest, KeepsTheTimeInTheLastLineOfATerminal) {
         reporter.Saw(Lines(1, "one"));
         reporter.TimePassed(999);
         reporter.TimePassed(1000);
+        reporter.TimePassed(1500);
         reporter.Saw(AnsweredBox{{"A box\r\nof two lines", false}, kAt});
         reporter.TimePassed(1000);
         reporter.Say("Said.");

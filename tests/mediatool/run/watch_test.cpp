@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <functional>
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 #include "fs/environment.h"
@@ -414,18 +415,24 @@ TEST_F(WatchTest, StartsNothingAfterAnInterruption) {
     EXPECT_FALSE(run.launcher);
 }
 
+// What is said when a look at the launcher fails so.
+NotStarted NotFoundBecause(DWORD error) {
+    const test::Hook<decltype(&GetFileAttributesExW)> hook("GetFileAttributesExW",
+                                                           test::FailsWith<BOOL>(error, FALSE));
+    try {
+        CheckProgram("C:\\setup.exe");
+    } catch (const NotStarted& failure) {
+        return failure;
+    }
+    throw std::logic_error("it was found");
+}
+
 class NoProgram : public test::IsolatedTest, public testing::WithParamInterface<DWORD> {};
 
 TEST_P(NoProgram, IsToldAsNone) {
-    const test::Hook<decltype(&GetFileAttributesExW)> hook(
-        "GetFileAttributesExW", test::FailsWith<BOOL>(GetParam(), FALSE));
-    try {
-        CheckProgram("C:\\setup.exe");
-        ADD_FAILURE();
-    } catch (const NotStarted& failure) {
-        EXPECT_EQ(failure.ExitCode(), 127);
-        EXPECT_STREQ(failure.what(), "There is no launcher \"C:\\setup.exe\".");
-    }
+    const NotStarted failure = NotFoundBecause(GetParam());
+    EXPECT_EQ(failure.ExitCode(), 127);
+    EXPECT_STREQ(failure.what(), "There is no launcher \"C:\\setup.exe\".");
 }
 
 INSTANTIATE_TEST_SUITE_P(Errors, NoProgram,
@@ -435,15 +442,9 @@ class ProgramCheck : public test::IsolatedTest, public testing::WithParamInterfa
 
 // It may be there all the same.
 TEST_P(ProgramCheck, TellsWhatCannotBeLookedAtFromNone) {
-    const test::Hook<decltype(&GetFileAttributesExW)> hook(
-        "GetFileAttributesExW", test::FailsWith<BOOL>(GetParam(), FALSE));
-    try {
-        CheckProgram("C:\\setup.exe");
-        ADD_FAILURE();
-    } catch (const NotStarted& failure) {
-        EXPECT_EQ(failure.ExitCode(), 126);
-        EXPECT_THAT(failure.what(), HasSubstr("Windows cannot start \"C:\\setup.exe\": "));
-    }
+    const NotStarted failure = NotFoundBecause(GetParam());
+    EXPECT_EQ(failure.ExitCode(), 126);
+    EXPECT_THAT(failure.what(), HasSubstr("Windows cannot start \"C:\\setup.exe\": "));
 }
 
 INSTANTIATE_TEST_SUITE_P(Errors, ProgramCheck,

@@ -215,6 +215,7 @@ TEST(PlaceMistakes, ALauncherWhosePathIsCut) {
     ExpectFound(validation, "launcher-path-cut", Level::Error, others);
     const std::vector<Finding> findings = validation.findings.Sorted();
     const auto found = std::ranges::find(findings, "launcher-path-cut", &Finding::id);
+    ASSERT_NE(found, findings.end());
     EXPECT_EQ(found->what,
               "The path of setup.exe has 260 characters; the launcher reads its own up to 259.");
     EXPECT_EQ(Changes(WithALauncherAt(259)), others);
