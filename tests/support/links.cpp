@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <stdexcept>
 #include <string_view>
 
@@ -62,24 +63,16 @@ void RunOnHost(const std::wstring& program, const std::wstring& arguments, const
         Sleep(5);
 }
 
-BY_HANDLE_FILE_INFORMATION InformationOf(const stdfs::path& folder) {
-    BY_HANDLE_FILE_INFORMATION information{};
-    const HANDLE handle =
-        CreateFileW(folder.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return information;
-    GetFileInformationByHandle(handle, &information);
-    CloseHandle(handle);
-    return information;
-}
-
-// Wine gives a new drive its volume's serial number a moment later: until then, what is reached
-// through the drive is another file than the same one reached without it.
-void WaitForSerialNumber(const stdfs::path& drive, const stdfs::path& folder) {
-    for (int i = 0; i < kPatience && InformationOf(drive).dwVolumeSerialNumber !=
-                                         InformationOf(folder).dwVolumeSerialNumber;
-         ++i)
+// Wine looks at its drives at a process's first question of each second, and takes a file's volume
+// number from the nearest drive above it, which it knows by the number of its folder. Until it has
+// looked, files below a new drive get that volume's number in the middle of a comparison; and a new
+// folder that has the number of a removed one is taken for the drive that led there.
+void WaitUntilWineLooks() {
+    constexpr DWORD kClocksDiffer = 20;  // milliseconds, at most
+    Sleep(kClocksDiffer);
+    for (const std::time_t second = std::time(nullptr); std::time(nullptr) == second;)
         Sleep(5);
+    Sleep(kClocksDiffer);
 }
 
 // In the place of a link that leads nowhere, which nobody here can see.
@@ -158,15 +151,12 @@ MappedDrive::MappedDrive(const std::string& drive, const stdfs::path& folder)
     else
         DefineDosDeviceW(0, letter_.c_str(), folder.c_str());
     if (!IsThere(Root())) throw std::runtime_error("no drive " + Root().string());
-    if (IsWine()) WaitForSerialNumber(Root(), folder);
+    if (IsWine()) WaitUntilWineLooks();
 }
 
 MappedDrive::~MappedDrive() {
     RemoveDrive(letter_);
-    // Wine looks at its drives once a second, and knows them by the numbers of their folders, which
-    // others may get after them.
-    constexpr DWORD kUntilItLooks = 1100;  // milliseconds
-    if (IsWine()) Sleep(kUntilItLooks);
+    if (IsWine()) WaitUntilWineLooks();
 }
 
 SmallDisk::SmallDisk(const stdfs::path& folder) : folder_(folder), below_(folder / "below") {
