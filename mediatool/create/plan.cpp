@@ -225,8 +225,8 @@ class Content {
 };
 
 void PlanContent(const CreateRequest& request, std::vector<PlannedFile>& markers, Plan& plan) {
-    if (request.from.empty()) return;
     const Targets targets(plan);
+    if (request.from.empty()) return;
     std::vector<Path> sources;
     for (const std::string& text : request.from) {
         const Path source = FullPath(text);

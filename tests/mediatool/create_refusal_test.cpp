@@ -196,9 +196,10 @@ TEST_F(OtherNames, OfOneFolderForTwoVolumes) {
     const FolderLink link(scratch.Dir() / "linked" / "1", scratch.Dir() / "out" / "2");
     const FolderLink other(scratch.Dir() / "linked" / "2", scratch.Dir() / "out" / "2");
     request.out = scratch.Text("linked");
-    ExpectRefusal({scratch.Text("one"), scratch.Text("two")},
-                  ": \"" + scratch.Text("linked\\1") + "\" and \"" + scratch.Text("linked\\2") +
-                      "\" are the same folder.");
+    const std::string end = ": \"" + scratch.Text("linked\\1") + "\" and \"" +
+                            scratch.Text("linked\\2") + "\" are the same folder.";
+    ExpectRefusal({scratch.Text("one"), scratch.Text("two")}, end);
+    ExpectRefusal({}, end);
 }
 
 // Files and folders in the way, below out.
