@@ -10,12 +10,13 @@ namespace {
 
 // With three digits or so: "1.2 GB".
 std::string Size(std::uint64_t bytes) {
-    const char* const units[] = {"bytes", "KB", "MB", "GB", "TB"};
+    if (bytes < 1000) return Counted(bytes, "byte");
+    const char* const units[] = {"KB", "MB", "GB", "TB"};
     std::size_t unit = 0;
-    std::uint64_t tenths = bytes * 10;
+    std::uint64_t tenths = bytes / 100;
     for (; tenths >= 10000 && unit + 1 < std::size(units); ++unit)
         tenths /= 1000;
-    const bool isRound = unit == 0 || tenths >= 1000;
+    const bool isRound = tenths >= 1000;
     return std::to_string(tenths / 10) + (isRound ? "" : "." + std::to_string(tenths % 10)) + " " +
            units[unit];
 }

@@ -128,7 +128,7 @@ std::string OnOneLine(std::string text) {
     return Harmless(text, "\t");
 }
 
-std::string Counted(std::size_t count, const std::string& what) {
+std::string Counted(std::uint64_t count, const std::string& what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 

@@ -48,7 +48,7 @@ const char* NameIn(const char* const (&names)[Size], Enum value) {
 }
 
 // "1 file", "3 files"
-std::string Counted(std::size_t count, const std::string& what);
+std::string Counted(std::uint64_t count, const std::string& what);
 
 // "a, b and c", with these between them.
 std::string Listed(const std::vector<std::string>& names, const std::string& comma,

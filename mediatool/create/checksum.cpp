@@ -93,8 +93,8 @@ Checksums WriteChecksums(const ChecksumRequest& request) {
 }
 
 std::string TextOf(const Checksums& checksums) {
-    std::string text = Counted(checksums.files, "file") + ", " + std::to_string(checksums.bytes) +
-                       " bytes; written:\n";
+    std::string text =
+        Counted(checksums.files, "file") + ", " + Counted(checksums.bytes, "byte") + "; written:\n";
     for (const std::string& list : checksums.written)
         text += "  " + list + "\n";
     return text;

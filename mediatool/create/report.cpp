@@ -55,7 +55,7 @@ std::string TextOf(const Creation& creation) {
         text += Counted(creation.keptFiles, "file") + " of the unfinished set kept\n";
     if (creation.copiedFiles > 0)
         text += Counted(creation.copiedFiles, "file") + " copied, " +
-                std::to_string(creation.copiedBytes) + " bytes\n";
+                Counted(creation.copiedBytes, "byte") + "\n";
     return text;
 }
 
@@ -69,7 +69,7 @@ std::string TextOfDry(const Creation& creation) {
     for (const auto& [action, total] : TotalsOf(creation))
         if (total.count > 0)
             text += action + ": " + Counted(total.count, "file") + ", " +
-                    std::to_string(total.bytes) + " bytes\n";
+                    Counted(total.bytes, "byte") + "\n";
     return text;
 }
 

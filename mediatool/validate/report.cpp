@@ -72,7 +72,7 @@ std::string TextOf(const Validation& validation) {
             "\n";
     if (validation.verified.files > 0)
         text += "  " + Counted(validation.verified.files, "checksum") + " verified, " +
-                std::to_string(validation.verified.bytes) + " bytes\n";
+                Counted(validation.verified.bytes, "byte") + "\n";
     text += "\n";
     bool hadNote = false;
     for (const Finding& finding : validation.findings.Sorted(Findings::Shown::Readable)) {

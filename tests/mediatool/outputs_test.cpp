@@ -84,11 +84,11 @@ TEST(OutputOfValidate, OfACleanMedia) {
               "  one volume; the installer runs from the media\n"
               "\n"
               "clean\n");
-    validation.verified = {"", 1, 0, 12, 0};
+    validation.verified = {"", 1, 0, 1, 0};
     EXPECT_EQ(TextOf(validation),
               "M:\n"
               "  one volume; the installer runs from the media\n"
-              "  1 checksum verified, 12 bytes\n"
+              "  1 checksum verified, 1 byte\n"
               "\n"
               "clean\n");
 }
@@ -148,7 +148,7 @@ Creation Created() {
                       {Fate::New, "O:\\b", "F:\\b", 3},
                       {Fate::Replaced, "O:\\c", "F:\\c", 50},
                       {Fate::Kept, "O:\\d", "F:\\d", 600},
-                      {Fate::New, "O:\\e", "", 7}};
+                      {Fate::New, "O:\\e", "", 1}};
     return creation;
 }
 
@@ -181,7 +181,7 @@ TEST(OutputOfCreate, ForPeopleOfADryRun) {
               "copy: 2 files, 1003 bytes\n"
               "keep: 1 file, 600 bytes\n"
               "replace: 1 file, 50 bytes\n"
-              "write: 1 file, 7 bytes\n");
+              "write: 1 file, 1 byte\n");
 }
 
 TEST(OutputOfCreate, ForPrograms) {
@@ -202,10 +202,10 @@ TEST(OutputOfCreate, ForPrograms) {
             {"action": "copy", "path": "O:\\b", "source": "F:\\b", "bytes": 3},
             {"action": "replace", "path": "O:\\c", "source": "F:\\c", "bytes": 50},
             {"action": "keep", "path": "O:\\d", "source": "F:\\d", "bytes": 600},
-            {"action": "write", "path": "O:\\e", "source": null, "bytes": 7}],
+            {"action": "write", "path": "O:\\e", "source": null, "bytes": 1}],
         "totals": {
             "copy": {"files": 2, "bytes": 1003}, "keep": {"files": 1, "bytes": 600},
-            "replace": {"files": 1, "bytes": 50}, "write": {"files": 1, "bytes": 7}}})"));
+            "replace": {"files": 1, "bytes": 50}, "write": {"files": 1, "bytes": 1}}})"));
     Creation creation = Created();
     creation.outerId.clear();
     creation.keptFiles = 0;

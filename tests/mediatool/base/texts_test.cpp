@@ -194,7 +194,7 @@ TEST(AmountsText, LeavesOutWhatIsNotKnown) {
     EXPECT_EQ(TextOf(Amounts{"Looking", 2, 0, 5, 0}, 1000), "Looking: 2 files, 5 bytes");
     EXPECT_EQ(TextOf(Amounts{"Copying", 0, 1, 0, 0}, 1000), "Copying: 0 of 1 file");
     EXPECT_EQ(TextOf(Amounts{"Copying", 3, 12, 0, 1}, 1000),
-              "Copying: 3 of 12 files, 0 bytes of 1 bytes, 0 bytes/s");
+              "Copying: 3 of 12 files, 0 bytes of 1 byte, 0 bytes/s");
     EXPECT_EQ(TextOf(Amounts{"Copying", 20, 500, 45'600'000, 1'200'000'000}, 2000),
               "Copying: 20 of 500 files, 45.6 MB of 1.2 GB, 22.8 MB/s");
     EXPECT_EQ(TextOf(Amounts{"Copying", 1, 1, 7, 7}, 0),
@@ -209,7 +209,7 @@ TEST(AmountsText, HasThreeDigitsOrSo) {
     const auto size = [](std::uint64_t bytes) {
         return TextOf(Amounts{"", 1, 0, bytes, 0}, 1).substr(sizeof ": 1 file, " - 1);
     };
-    EXPECT_EQ(size(1), "1 bytes");
+    EXPECT_EQ(size(1), "1 byte");
     EXPECT_EQ(size(99), "99 bytes");
     EXPECT_EQ(size(999), "999 bytes");
     EXPECT_EQ(size(1000), "1.0 KB");
