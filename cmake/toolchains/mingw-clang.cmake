@@ -15,7 +15,8 @@ set(CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES
   ${headers} ${headers}/${triplet} ${headers}/backward)
 # As GCC's library has its thread-local variables.
 set(CMAKE_CXX_FLAGS_INIT -femulated-tls)
+set(linker_flags "-fuse-ld=lld -pthread -L${gcc_folder}")
+set(CMAKE_MODULE_LINKER_FLAGS_INIT ${linker_flags})
 # Without optimisation, each use of an inline function of GCC's <typeinfo> leaves a definition, beside
 # the library's ordinary one: GNU's linker takes that for one and the same, LLVM's for two.
-set(CMAKE_EXE_LINKER_FLAGS_INIT
-  "-fuse-ld=lld -pthread -L${gcc_folder} -Wl,--allow-multiple-definition")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "${linker_flags} -Wl,--allow-multiple-definition")
